@@ -1,0 +1,176 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "framework/BaseObject.h"
+#include "framework/CParamCollection.h"
+#include "framework/CParameter.h"
+#include "framework/CPortCollection.h"
+#include "framework/CUnitPort.h"
+#include "framework/Declarations.h"
+#include "framework/Reports.h"
+#include "framework/SimulationContext.h"
+
+namespace morvelan {
+
+/// Base of all units: what the host sees of a unit, and everything that runs around a unit's own validation
+/// and calculation. A concrete unit declares its ports and parameters and overrides the operations below.
+class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport> {
+ public:
+  explicit BaseUnit(const UnitDeclaration& unitDeclaration);
+  ~BaseUnit() override;
+
+  // ICapeUtilities
+  HRESULT get_parameters(IDispatch** collection) override;
+  HRESULT put_simulationContext(IDispatch* hostContext) override;
+  HRESULT Initialize() override;
+  HRESULT Terminate() override;
+  HRESULT Edit() override;
+  // ICapeUnit
+  HRESULT get_ports(IDispatch** collection) override;
+  HRESULT get_ValStatus(CapeValidationStatus* status) override;
+  HRESULT Calculate() override;
+  HRESULT Validate(BSTR* message, VARIANT_BOOL* isValid) override;
+  // ICapeUnitReport
+  HRESULT get_reports(VARIANT* names) override;
+  HRESULT get_selectedReport(BSTR* name) override;
+  HRESULT put_selectedReport(BSTR name) override;
+  HRESULT ProduceReport(BSTR* text) override;
+
+  // What a concrete unit supplies.
+
+  /// Position of "Thermo Version" in the parameter list; negative when the unit has none.
+  [[nodiscard]] virtual int ThermoVersionParameterIndex() const { return 0; }
+  /// The unit's own checks after the common ones; false with a message when something is wrong.
+  [[nodiscard]] virtual bool ValidateUnit(std::string&) { return true; }
+  /// Called whenever a parameter is put or reset and whenever a port is connected or disconnected.
+  virtual void InputsChanged() {}
+  /// Called before the host receives the parameter at `index` of the list, to bring its value up to date.
+  virtual void ParameterRequested(std::size_t) {}
+  /// The unit's calculation, from the inlets' states to the outlets'. `compoundCount` is -1 when each port
+  /// keeps its own. A unit that leaves `outletFlashSpec` empty keeps the framework from flashing its outlets.
+  virtual void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) = 0;
+  /// Properties that the unit will ask of its feed.
+  [[nodiscard]] virtual std::vector<std::string> RequiredProperties() const { return {}; }
+  /// The unit's own check of a value for one of its parameters; false with a message to refuse it.
+  [[nodiscard]] virtual bool ValidateParameterValue(const CParameter&, std::string&,
+                                                    const ParameterValue&) const {
+    return true;
+  }
+  /// Called at the end of each calculation, after the status text is set. The count is 0 when it was not yet
+  /// known.
+  virtual void OnCalculateDone(int, bool) {}
+
+  // For the unit's own objects.
+
+  /// Throws "Initialize not called" unless the unit is initialized.
+  void RequireInitialized() const;
+  /// Inlets, then outlets.
+  [[nodiscard]] std::vector<com::Ref<CUnitPort>> AllPorts() const;
+  /// The unit's list, then the parameters kept apart from it.
+  [[nodiscard]] std::vector<com::Ref<CParameter>> AllParameters() const;
+  [[nodiscard]] const std::vector<com::Ref<CParameter>>& Parameters() const { return parameters; }
+  [[nodiscard]] bool UsesThermo11() const { return useThermo11; }
+  [[nodiscard]] material::OverallEmulation& Emulation() { return emulation; }
+  /// A port was connected or disconnected.
+  void ConnectionChanged();
+  /// A parameter was reset.
+  void ParameterChanged();
+  /// A value was put into a parameter.
+  void ParameterPut(const CParameter& parameter);
+  /// A material was connected: "Thermo Version" follows it.
+  void MatchThermoVersion(bool thermo11);
+
+  /// Writes a line to the host's log, if there is one.
+  void LogToHost(const std::string& text) const;
+  /// Shows a text in the host's pop-up, or in a message box when the host has none.
+  void ShowError(const std::string& text) const;
+
+ protected:
+  /// Creates the ports, parameters and reports of the declaration. A unit whose face varies adds to it.
+  virtual void CreateFace();
+
+  CUnitPort& AddPort(const PortDeclaration& port);
+  CParameter& CreateParameter(const ParameterDeclaration& parameter);
+  CParameter& CreateRealParameter(const char* name, const char* description, CapeParamMode mode,
+                                  double defaultValue, double lower, double upper,
+                                  const Dimensionality& dimensionality = kDimensionless);
+
+  [[nodiscard]] CUnitPort& Inlet(std::size_t i) { return *inlets.at(i); }
+  [[nodiscard]] CUnitPort& Outlet(std::size_t i) { return *outlets.at(i); }
+  [[nodiscard]] CParameter& Parameter(std::size_t i) { return *parameters.at(i); }
+
+  /// Logs a warning of a calculation; nothing happens in quiet mode.
+  void Warn(const std::string& text) const;
+  // Named reports count from 1. Nothing happens in quiet mode.
+  void SetReportText(std::size_t reportIndex, std::string text);
+  void AddReportText(std::size_t reportIndex, const std::string& text);
+  void AddReportWarning(std::size_t reportIndex, const std::string& text);
+
+  /// Molar enthalpy [J/mol] of the first material inlet's material brought to a pressure [Pa] and a molar
+  /// entropy [J/(mol K)].
+  [[nodiscard]] double HFromPSFlash(double pressure, double entropy);
+
+  std::vector<com::Ref<CUnitPort>> inlets;
+  std::vector<com::Ref<CUnitPort>> outlets;
+  std::vector<com::Ref<CParameter>> extraParameters;  // kept apart from the list, and not saved with it
+  bool checkConnections = true;
+  bool checkCompounds = true;
+  bool simplifiedModelRequested = false;  // quiet mode, for the duration of one calculation
+
+ private:
+  template <class Body>
+  HRESULT Enter(std::string_view scope, Body&& body);
+  void Invalidate();
+  void RefreshThermoVersion();
+  void ChooseThermoVersion(const std::string& version);
+  void ReadDefaultThermoVersion();
+
+  /// The outcome of a validation: what is wrong, if anything, and the failure if it could not be carried out.
+  struct Verdict {
+    std::string fault;
+    std::optional<Failure> failure;
+  };
+
+  // Validation
+  [[nodiscard]] Verdict ValidateAll();
+  [[nodiscard]] std::string FindFault();
+  [[nodiscard]] std::string FindUnconnectedPort() const;
+  [[nodiscard]] std::string FindCompoundMismatch();
+  [[nodiscard]] std::string FindInvalidParameter() const;
+  [[nodiscard]] std::string FindMissingProperty();
+
+  // Calculation
+  [[nodiscard]] CUnitPort* FirstConnectedMaterialInlet() const;
+  void RunCalculation(int& compoundCount);
+  [[nodiscard]] int PreparePorts();
+  void PrepareWithOwnCompounds();
+  [[nodiscard]] int PrepareWithCommonCompounds();
+  void FlashOutlets(com::Name flashType);
+  void FinishCalculation(int compoundCount, bool success);
+
+  const UnitDeclaration declaration;
+  bool initialized = false;
+  bool faceCreated = false;
+  bool calculating = false;
+  bool dirty = false;
+  bool useThermo11 = false;
+  bool thermoVersionFixed = false;
+  std::string pendingThermoVersion;  // chosen by the host before the parameter exists
+  CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
+  std::string calcStatusText;
+  SimulationContext context;
+  Reports reports;
+  std::vector<com::Ref<CParameter>> parameters;
+  com::Ref<CParamCollection> parameterCollection;
+  com::Ref<CPortCollection> portCollection;
+  material::OverallEmulation emulation;
+  std::optional<std::size_t> validatedCompoundCount;  // of the first material inlet, within one calculation
+};
+
+/// Declares the "Thermo Version" option of a material unit.
+[[nodiscard]] ParameterDeclaration ThermoVersionParameter();
+
+}  // namespace morvelan

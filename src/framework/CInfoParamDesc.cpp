@@ -1,0 +1,23 @@
+#include "framework/CInfoParamDesc.h"
+
+#include "framework/ParameterValue.h"
+
+namespace morvelan {
+
+CInfoParamDesc::CInfoParamDesc(const InformationItem& item)
+    : Implements(item.name, item.description), dimensionality(item.dimensionality), optional(item.optional) {}
+
+HRESULT CInfoParamDesc::get_Type(CapeParamType* type) {
+  if (!type) return E_POINTER;
+  *type = CAPE_REAL;
+  return S_OK;
+}
+
+HRESULT CInfoParamDesc::get_Dimensionality(VARIANT* exponents) {
+  if (!exponents) return E_POINTER;
+  VariantInit(exponents);
+  return Guard("get_Dimensionality", "ICapeParameterSpec",
+               [&] { *exponents = ToVariant(dimensionality).Detach(); });
+}
+
+}  // namespace morvelan

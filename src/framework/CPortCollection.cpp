@@ -1,0 +1,46 @@
+#include "framework/CPortCollection.h"
+
+#include "framework/BaseUnit.h"
+#include "framework/CollectionItem.h"
+
+namespace morvelan {
+namespace {
+
+constexpr std::string_view kInterface = "ICapeCollection";
+constexpr ErrorPair kNotFound = {"invalid index or id", "could not find port, invalid index or id"};
+constexpr CollectionTexts kTexts = {
+    kNotFound,
+    kNotFound,
+    kNotFound,
+    kNotFound,
+    {"failed to get interface", "failed to get ICapeUnitPort port interface: No such interface supported"}};
+
+}  // namespace
+
+CPortCollection::CPortCollection(BaseUnit* owner)
+    : Implements("Port Collection", "Ports of the unit"), unit(owner) {}
+
+BaseUnit& CPortCollection::Unit() const {
+  if (!unit)
+    throw Failure(UnitError{"internal error", "internal error: unit not set for port collection", {}, {}});
+  unit->RequireInitialized();
+  return *unit;
+}
+
+HRESULT CPortCollection::Count(LONG* count) {
+  if (!count) return E_POINTER;
+  *count = 0;
+  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().AllPorts().size()); });
+}
+
+HRESULT CPortCollection::Item(VARIANT id, IDispatch** item) {
+  if (!item) return E_POINTER;
+  *item = nullptr;
+  return Guard("Item", kInterface, [&] {
+    const auto ports = Unit().AllPorts();
+    const auto nameOf = [&](std::size_t i) { return ports[i]->ComponentName(); };
+    *item = HandOut(ports[FindItem(id, ports.size(), nameOf, kTexts)], kTexts);
+  });
+}
+
+}  // namespace morvelan

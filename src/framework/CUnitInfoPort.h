@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "framework/CInfoParamDesc.h"
+#include "framework/CUnitPort.h"
+#include "framework/ConnectedCollection.h"
+
+namespace morvelan {
+
+/// An energy or information port. It exposes the values that it carries as a collection of descriptions, and
+/// matches them to the parameters of the object that the host connects.
+class CUnitInfoPort final : public com::Implements<CUnitPort, ICapeCollection> {
+ public:
+  CUnitInfoPort(const PortDeclaration& declaration, BaseUnit& owner);
+
+  // ICapeCollection
+  HRESULT Item(VARIANT id, IDispatch** item) override;
+  HRESULT Count(LONG* count) override;
+
+  void ReleaseConnection() override;
+
+  /// True when the connected object has a parameter for the item. Items are counted from 0.
+  [[nodiscard]] bool IsMatched(std::size_t item) const;
+  /// The value of the connected object's parameter, of whatever type. Throws Failure.
+  [[nodiscard]] com::Variant ReadInformation(std::size_t item);
+  /// Writes a value to the connected object's parameter; nothing happens while the port is unconnected.
+  void WriteInformation(std::size_t item, double value);
+
+ protected:
+  void Accept(IDispatch* object) override;
+
+ private:
+  /// One of the port's values and the connected object's parameter that carries it.
+  struct InformationSlot {
+    com::Ref<CInfoParamDesc> description;
+    com::Variant id;  // of the parameter in the connected collection; empty while unmatched
+
+    [[nodiscard]] bool IsMatched() const { return id.Get().vt != VT_EMPTY; }
+  };
+
+  void Match(ICapeCollection& collection);
+  /// The only item and the only parameter: names do not count.
+  void MatchOnly(ConnectedParameter parameter);
+  void MatchByName(ConnectedParameter parameter);
+  /// Looks for a parameter that the collection's count leaves out.
+  void MatchUncounted(InformationSlot& item, ICapeCollection& collection);
+  void MatchItem(InformationSlot& item, ConnectedParameter parameter);
+  void JudgeUnmatched(const InformationSlot& item);
+  void Log(const std::string& line);
+  [[nodiscard]] com::Ref<ICapeParameter> MatchedParameter(std::size_t item);
+
+  std::vector<InformationSlot> items;
+};
+
+}  // namespace morvelan

@@ -1,0 +1,99 @@
+#include "framework/CUnitPort.h"
+
+#include "errors/ErrorText.h"
+#include "framework/BaseUnit.h"
+
+namespace morvelan {
+namespace {
+
+constexpr std::string_view kInterface = "ICapeUnitPort";
+
+Failure ConnectFailure(std::string why) {
+  return Failure(UnitError{"failed to connect", std::move(why), {}, {}});
+}
+
+}  // namespace
+
+CUnitPort::CUnitPort(const PortDeclaration& declaration, BaseUnit& owner)
+    : Implements(declaration.name, declaration.description),
+      direction(declaration.direction),
+      type(declaration.type),
+      unit(&owner) {}
+
+HRESULT CUnitPort::get_portType(CapePortType* result) {
+  if (!result) return E_POINTER;
+  *result = type;
+  return S_OK;
+}
+
+HRESULT CUnitPort::get_direction(CapePortDirection* result) {
+  if (!result) return E_POINTER;
+  *result = direction;
+  return S_OK;
+}
+
+HRESULT CUnitPort::get_connectedObject(IDispatch** object) {
+  if (!object) return E_POINTER;
+  *object = nullptr;
+  return Guard("get_connectedObject", kInterface, [&] {
+    if (!connected) return;
+    com::Ref<IDispatch> handedOut = connected.As<IDispatch>();
+    if (!handedOut) throw Failure("failed to get interface");
+    *object = handedOut.Detach();
+  });
+}
+
+HRESULT CUnitPort::Connect(IDispatch* object) {
+  return Guard("Connect", kInterface, [&] {
+    // The host may pass the object that is connected already, as its only reference.
+    const auto alive = com::Ref<IDispatch>::Share(object);
+    ReleaseConnection();
+    TellUnit();
+    Accept(object);
+    TellUnit();
+  });
+}
+
+HRESULT CUnitPort::Disconnect() {
+  return Guard("Connect", kInterface, [&] {
+    const bool wasConnected = IsConnected();
+    ReleaseConnection();
+    TellUnit();
+    if (!wasConnected)
+      throw Failure(UnitError{"failed to disconnect", "cannot disconnect: port not connected", {}, {}});
+  });
+}
+
+void CUnitPort::Accept(IDispatch* object) {
+  HRESULT failure = S_OK;
+  const auto dispatch = com::Query<IDispatch>(object, &failure);
+  if (!dispatch)
+    throw ConnectFailure("failed to obtain IDispatch interface to material: " + ErrorText(object, failure));
+  const bool thermo11 = static_cast<bool>(dispatch.As<ICapeThermoMaterial>());
+  if (!thermo11 && !dispatch.As<ICapeThermoMaterialObject>())
+    throw ConnectFailure(
+        "The object that requested connection implements neither an ICapeMaterial nor an ICapeMaterialObject "
+        "interface");
+  Unit().MatchThermoVersion(thermo11);
+  Keep(dispatch);
+}
+
+void CUnitPort::ReleaseConnection() {
+  const auto released = std::move(connected);  // the host may call back while it goes
+}
+
+void CUnitPort::Orphan() {
+  ReleaseConnection();
+  unit = nullptr;
+}
+
+BaseUnit& CUnitPort::Unit() const {
+  if (!unit) throw Failure("The unit operation of port " + ComponentName() + " no longer exists");
+  return *unit;
+}
+
+void CUnitPort::TellUnit() {
+  if (unit) unit->ConnectionChanged();
+}
+
+}  // namespace morvelan

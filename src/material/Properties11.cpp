@@ -1,0 +1,194 @@
+// Property evaluation on a thermo 1.1 material.
+
+#include "errors/HostCall.h"
+#include "material/Names.h"
+#include "material/Reading.h"
+#include "material/Thermo11.h"
+
+namespace morvelan::material {
+namespace {
+
+constexpr const char* kNoRoutine = "Failed to obtain ICapeThermoPropertyRoutine from material: ";
+
+com::Ref<ICapeThermoPropertyRoutine> RoutineOf(ICapeThermoMaterial& material) {
+  HRESULT failure = S_OK;
+  auto routine = com::Query<ICapeThermoPropertyRoutine>(&material, &failure);
+  if (!routine) throw EvaluationFailure(kNoRoutine + ErrorText(&material, failure));
+  return routine;
+}
+
+HRESULT CalcProp(ICapeThermoPropertyRoutine& routine, Name property, Name phase) {
+  const com::Variant properties = com::MakeStrings(std::span(&property, 1));
+  return routine.CalcSinglePhaseProp(properties.Get(), phase.text);
+}
+
+com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest& request) {
+  const auto routine = RoutineOf(material);
+  const std::string title = "Prop (" + Shown(request.property) + "/" + Shown(request.phase);
+  CheckHost(CalcProp(*routine, request.property, request.phase), routine.Get(),
+            [&](const std::string& why) { return EvaluationFailure("Calc" + title + ") failed: " + why); });
+  com::Variant values;
+  CheckHost(material.GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text,
+                                        values.Put()),
+            &material, [&](const std::string& why) {
+              return EvaluationFailure("Get" + title + "/" + Shown(request.basis) + ") failed: " + why);
+            });
+  return values;
+}
+
+/// The phases present and the status of each.
+struct PresentPhases {
+  std::vector<com::Variant> labels;
+  std::vector<std::int32_t> statuses;
+};
+
+/// `opening` begins the messages.
+PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string& opening) {
+  com::Variant labels, statuses;
+  CheckHost(material.GetPresentPhases(labels.Put(), statuses.Put()), &material, [&](const std::string& why) {
+    return EvaluationFailure(opening + "; GetPresentPhases failed: " + why);
+  });
+  const auto explain = [&](const char* what) {
+    return [&opening, what](const std::string& why) {
+      return EvaluationFailure(opening + "; invalid " + what + " from GetPresentPhases: " + why);
+    };
+  };
+  PresentPhases phases;
+  phases.labels = ReadOr(
+      [&] {
+        (void)com::CountStrings(labels.Get());
+        return com::ReadVariants(labels.Get());
+      },
+      explain("list of phases"));
+  phases.statuses = ReadOr([&] { return com::ReadIntegers(statuses.Get()); }, explain("phase status list"));
+  if (phases.labels.size() != phases.statuses.size())
+    throw EvaluationFailure(
+        opening + "; GetPresentPhases returned different sizes for phase name list and phase status list");
+  return phases;
+}
+
+/// One value of a phase on mole basis; `what` names it in messages ("enthalpy", "phase fraction").
+double PhaseScalar(ICapeThermoMaterial& material, Name property, Name phase, const std::string& what) {
+  const std::string where = what + " for phase " + Shown(phase) + ", basis \"mole\": ";
+  com::Variant values;
+  CheckHost(material.GetSinglePhaseProp(property.text, phase.text, names::kMole.text, values.Put()),
+            &material,
+            [&](const std::string& why) { return EvaluationFailure("Failed to get " + where + why); });
+  return ReadScalar(values.Get(), [&](const std::string& why) {
+    return EvaluationFailure("Invalid values for " + where + why);
+  });
+}
+
+double TotalFlow(ICapeThermoMaterial& material) {
+  constexpr const char* kWhere = "total flow for overall phase, basis \"mole\": ";
+  com::Variant values;
+  CheckHost(material.GetOverallProp(names::kTotalFlow.text, names::kMole.text, values.Put()), &material,
+            [&](const std::string& why) {
+              return EvaluationFailure(std::string("Failed to get ") + kWhere + why);
+            });
+  return ReadScalar(
+      values.Get(),
+      [&](const std::string& why) {
+        return EvaluationFailure(std::string("Invalid values for ") + kWhere + why);
+      },
+      // The total flow is meant; hosts' users know the message in these words.
+      [] {
+        return EvaluationFailure(
+            "Invalid values for phase fraction for overall phase, basis \"mole\": scalar expected");
+      });
+}
+
+/// Sums an overall property over the phases present; an empty basis multiplies by the total flow.
+double SumOverPhases(ICapeThermoMaterial& material, Name property, Name basis) {
+  const std::string name = Shown(property);
+  if (!OverallEmulation::IndexOf(property))
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " +
+                            name);
+  if (!basis.IsEmpty() && basis != names::kMole)
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " +
+                            Shown(basis));
+  const std::string opening = "Failed to calculate overall " + name;
+  const PresentPhases phases = GetPresentPhases(material, opening);
+  const auto routine = RoutineOf(material);
+  double sum = 0;
+  for (std::size_t i = 0; i < phases.labels.size(); ++i) {
+    const Name phase(phases.labels[i].Get().bstrVal);
+    if (phases.statuses[i] != CAPE_ATEQUILIBRIUM)
+      throw EvaluationFailure(opening + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
+    if (phase == names::kOverall)
+      throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
+    CheckHost(CalcProp(*routine, property, phase), routine.Get(), [&](const std::string& why) {
+      return EvaluationFailure("Failed to calculate " + name + " for phase " + Shown(phase) + ": " + why);
+    });
+    const double value = PhaseScalar(material, property, phase, name);
+    sum += value * PhaseScalar(material, names::kPhaseFraction, phase, "phase fraction");
+  }
+  return basis.IsEmpty() ? sum * TotalFlow(material) : sum;
+}
+
+std::vector<double> MolecularWeights(ICapeThermoMaterial& material) {
+  constexpr const char* kFor = "molecular weights for mass/mole conversion: ";
+  HRESULT failure = S_OK;
+  const auto compounds = com::Query<ICapeThermoCompounds>(&material, &failure);
+  if (!compounds)
+    throw EvaluationFailure("Failed to obtain material's ICapeThermoCompounds interface: " +
+                            ErrorText(&material, failure));
+  com::Variant weights;
+  const com::Variant properties = com::MakeStrings(std::span(&names::kMolecularWeight, 1));
+  CheckHost(
+      compounds->GetCompoundConstant(properties.Get(), com::kNoValue, weights.Put()), compounds.Get(),
+      [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
+  const auto elements = ReadOr([&] { return com::ReadVariants(weights.Get()); },
+                               [&](const std::string& why) {
+                                 return EvaluationFailure(std::string("Invalid values for ") + kFor + why);
+                               });
+  std::vector<double> result;
+  for (const com::Variant& element : elements) {
+    if (element.Get().vt != VT_R8)
+      throw EvaluationFailure(
+          "Invalid value for molecular weight of a compound for mass/mole conversion. Expected VARIANT of "
+          "type REAL.");
+    result.push_back(element.Get().dblVal);
+  }
+  return result;
+}
+
+/// Mean molecular weight [kg/mol].
+double MeanMolecularWeight(ICapeThermoMaterial& material) {
+  constexpr const char* kFor = "overall composition for mass/mole conversion: ";
+  const std::vector<double> weights = MolecularWeights(material);
+  com::Variant values;
+  CheckHost(
+      material.GetOverallProp(names::kFraction.text, names::kMole.text, values.Put()), &material,
+      [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
+  const auto fractions = ReadOr([&] { return com::ReadDoubles(values.Get()); },
+                                [&](const std::string& why) {
+                                  return EvaluationFailure(std::string("Invalid values for ") + kFor + why);
+                                });
+  if (fractions.size() != weights.size())
+    throw EvaluationFailure(
+        "Material object returned inconsistent number of values for molecular weights and overall "
+        "compositions for "
+        "mass/mole conversion");
+  double mean = 0;
+  for (std::size_t i = 0; i < weights.size(); ++i) mean += fractions[i] * weights[i];
+  return mean * 0.001;
+}
+
+}  // namespace
+
+com::Variant Evaluate11(ICapeThermoMaterial& material, const PropertyRequest& request) {
+  if (request.calcType != names::kMixture)
+    throw EvaluationFailure("Internal error: unimplemented thermo V11 call for calcType other than mixture");
+  if (request.phase != names::kOverall) return EvaluatePhase(material, request);
+  if (!OverallEmulation::IndexOf(request.property))
+    throw EvaluationFailure("Internal error: unimplemented overall thermo V11 call for property " +
+                            Shown(request.property));
+  if (request.basis != names::kMass)
+    return com::MakeDoubles(std::array{SumOverPhases(material, request.property, request.basis)});
+  // A material without compounds divides by zero here: it has no mass to refer to.
+  const double molar = SumOverPhases(material, request.property, names::kMole);
+  return com::MakeDoubles(std::array{molar / MeanMolecularWeight(material)});
+}
+
+}  // namespace morvelan::material

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "com/Values.h"
+#include "errors/HostCall.h"
+#include "material/MissingValue.h"
+
+namespace morvelan::material {
+
+/// A name as messages show it.
+[[nodiscard]] inline std::string Shown(com::Name name) { return name.text ? com::ToUtf8(name) : "<NULL>"; }
+
+/// A failure of a property evaluation: one text, the operation of the caller, the port's class as interface.
+[[nodiscard]] inline Failure EvaluationFailure(std::string text) {
+  return Failure(std::move(text), {}, "CUnitPort");
+}
+
+/// A message that takes the host's text when it ends in ": ", and stands alone otherwise.
+[[nodiscard]] inline std::string Explained(std::string message, const std::string& why) {
+  if (message.ends_with(": ")) message += why;
+  return message;
+}
+
+/// Reads what `read` makes of a host's value; `explain` makes the failure from the reason when it can't.
+template <class Read, class Explain>
+auto ReadOr(Read&& read, Explain&& explain) {
+  try {
+    return std::forward<Read>(read)();
+  } catch (const com::ValueError& error) {
+    throw std::forward<Explain>(explain)(std::string(error.what()));
+  }
+}
+
+/// The only value of an array of numbers. `explain` makes the failure from the reason when the array is
+/// unreadable or the value is not set, `wrongCount` when there is not exactly one value.
+template <class Explain, class WrongCount>
+double ReadScalar(const VARIANT& array, Explain&& explain, WrongCount&& wrongCount) {
+  const std::vector<double> values = ReadOr([&] { return com::ReadDoubles(array); }, explain);
+  if (values.size() != 1) throw wrongCount();
+  if (IsMissing(values.front())) throw explain("value is not set");
+  return values.front();
+}
+
+/// The same where one text fits every fault.
+template <class Explain>
+double ReadScalar(const VARIANT& array, Explain&& explain) {
+  return ReadScalar(array, explain, [&] { return explain("scalar expected"); });
+}
+
+}  // namespace morvelan::material

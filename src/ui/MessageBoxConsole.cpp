@@ -1,0 +1,15 @@
+// Where there is no windowing system of the library's own, what must be seen at once goes to standard error.
+
+#include <cstdio>
+
+#include "ui/MessageBox.h"
+
+namespace morvelan::ui {
+
+bool HasWindows() { return false; }
+
+void ShowMessageBox(const std::string& text, const std::string& title, Icon) noexcept {
+  std::fprintf(stderr, "%s %s\n", title.c_str(), text.c_str());
+}
+
+}  // namespace morvelan::ui
