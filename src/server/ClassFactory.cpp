@@ -1,0 +1,41 @@
+#include "server/ClassFactory.h"
+
+#include <new>
+
+#include "ui/MessageBox.h"
+
+namespace morvelan::server {
+
+HRESULT ClassFactory::QueryInterface(REFIID iid, void** object) {
+  if (!object) return E_POINTER;
+  const bool known = iid == __uuidof(IUnknown) || iid == __uuidof(IClassFactory);
+  *object = known ? static_cast<IClassFactory*>(this) : nullptr;
+  if (!known) return E_NOINTERFACE;
+  AddRef();
+  return S_OK;
+}
+
+HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) {
+  if (!object) return E_POINTER;
+  *object = nullptr;
+  if (outer) return CLASS_E_NOAGGREGATION;
+  try {
+    const com::Ref<BaseUnit> unit = unitClass.create();
+    return unit->QueryInterface(iid, object);
+  } catch (const std::bad_alloc&) {
+    ui::ShowMessageBox("out of memory", "MORVELAN critical:", ui::Icon::kStop);
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+HRESULT ClassFactory::LockServer(BOOL lock) {
+  if (lock)
+    ++com::ModuleUses();
+  else
+    --com::ModuleUses();
+  return S_OK;
+}
+
+}  // namespace morvelan::server

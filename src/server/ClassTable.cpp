@@ -1,0 +1,52 @@
+#include "server/ClassTable.h"
+
+#include "units/streams/CNoOperation.h"
+
+namespace morvelan::server {
+namespace {
+
+template <class Unit>
+com::Ref<BaseUnit> Create() {
+  return com::Make<Unit>();
+}
+
+const UnitClass kUnitClasses[] = {
+    {.clsid = {0xa158f66a, 0x9b33, 0x489f, {0xa4, 0xd1, 0xdc, 0xfe, 0x3b, 0xfd, 0x26, 0xb0}},
+     .progId = "VELT_MORV.NoOperation",
+     .displayName = "NoOperation Class",
+     .name = "NoOperation",
+     .description = "NoOperation - Debug unit operation, copies inlet to outlet",
+     .consumesThermodynamics = true,
+     .create = Create<CNoOperation>},
+};
+
+constexpr GUID kCategories[] = {
+    {0x678c09a5, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}},  // unit operation
+    {0x678c09a1, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}},  // CAPE-OPEN component
+    {0x4150c28a,
+     0xee06,
+     0x403f,
+     {0xa8, 0x71, 0x87, 0xaf, 0xec, 0x38, 0xa2, 0x49}},  // consumes thermodynamics
+    {0x0d562dc8,
+     0xea8e,
+     0x4210,
+     {0xab, 0x39, 0xb6, 0x65, 0x13, 0xc0, 0xcd, 0x09}},  // supports thermodynamics 1.0
+    {0x4667023a,
+     0x5a8e,
+     0x4cca,
+     {0xab, 0x6d, 0x9d, 0x78, 0xc5, 0x11, 0x2f, 0xed}},  // supports thermodynamics 1.1
+};
+constexpr std::size_t kCategoriesWithoutThermodynamics = 2;
+
+}  // namespace
+
+std::span<const UnitClass> UnitClasses() { return kUnitClasses; }
+
+std::string VersionedProgId(const UnitClass& unitClass) { return std::string(unitClass.progId) + ".1"; }
+
+std::span<const GUID> CategoriesOf(const UnitClass& unitClass) {
+  const std::span<const GUID> all = kCategories;
+  return unitClass.consumesThermodynamics ? all : all.first(kCategoriesWithoutThermodynamics);
+}
+
+}  // namespace morvelan::server
