@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "tests/support/HostScript.h"
+
+namespace morvelan::test {
+
+/// A way in which a host call fails, and the text that explains it.
+struct FaultMode {
+  const char* title;
+  HRESULT code;
+  bool offersErrors;
+  const char* errorDescription;
+  const char* errorName;
+  const char* why;
+};
+
+inline constexpr FaultMode kFaultModes[] = {
+    {"system code", E_FAIL, true, "not asked", "not asked", "Unspecified error"},
+    {"unknown system code", static_cast<HRESULT>(0x80041234u), false, "", "", "error code 0x80041234"},
+    {"standard code alone", static_cast<HRESULT>(0x80040507u), false, "", "", "index out of bounds"},
+    {"standard code, description", static_cast<HRESULT>(0x80040507u), true, "host says no", "name",
+     "host says no"},
+    {"standard code, name only", static_cast<HRESULT>(0x80040507u), true, "", "host's name", "host's name"},
+    {"standard code without text", static_cast<HRESULT>(0x80040501u), true, "", "",
+     "Failed to get error name for ECapeUnknown"},
+};
+
+inline void Provoke(HostScript& script, const FaultMode& mode, int failAt) {
+  script.Restart();
+  script.failAt = failAt;
+  script.failure = mode.code;
+  script.offersErrors = mode.offersErrors;
+  script.errorDescription = mode.errorDescription;
+  script.errorName = mode.errorName;
+}
+
+/// Puts the host's explanation for "<why>" in an expected text. A refused interface is always explained by
+/// the system.
+inline std::string Explain(std::string text, const std::string& call, const FaultMode& mode) {
+  const std::string why = call.starts_with("QueryInterface") ? "No such interface supported" : mode.why;
+  if (const auto at = text.find("<why>"); at != std::string::npos) text.replace(at, 5, why);
+  return text;
+}
+
+}  // namespace morvelan::test
