@@ -33,8 +33,8 @@ struct FakeState {
   std::vector<FakePhase> phases = {{"Vapor", "Vapor", 0.4, {{"enthalpy", 1000}, {"volume", 0.02}}},
                                    {"Liquid", "Liquid", 0.6, {{"enthalpy", -500}, {"volume", 0.0001}}}};
   /// Values written by the unit, by property; the last flash.
-  std::map<std::string, std::vector<double>> written;
-  std::string flash;
+  std::map<std::string, std::vector<double>> written = {};
+  std::string flash = {};
 };
 
 /// A material object of both generations that answers at once from its state.
