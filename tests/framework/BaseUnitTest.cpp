@@ -1,0 +1,517 @@
+// A unit's life through its COM interfaces: initialization, context, validation, calculation and reports.
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "material/Names.h"
+#include "tests/support/Door.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/FakeMaterial.h"
+#include "tests/support/TestUnit.h"
+
+namespace morvelan::test {
+namespace {
+
+constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
+
+constexpr PortDeclaration kAllPorts[] = {
+    {"Inlet", "feed", CAPE_INLET},
+    {"Outlet", "product", CAPE_OUTLET},
+    {"Heat", "heat", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
+    {"Loss", "loss", CAPE_OUTLET, CAPE_ENERGY, kEnergyItems},
+};
+const UnitDeclaration kUnitWithHeat = {.name = "Heated",
+                                       .description = "",
+                                       .about = "",
+                                       .ports = kAllPorts,
+                                       .parameters = kOnlyThermoVersion,
+                                       .reports = kLastRun};
+
+/// A unit and a host for it.
+struct Bench {
+  explicit Bench(const UnitDeclaration& declaration = kTestUnit) : unit(com::Make<TestUnit>(declaration)) {
+    EXPECT_EQ(unit->Initialize(), S_OK);
+  }
+
+  static com::Ref<IUnknown> Unknown(const com::Ref<TestUnit>& object) {
+    return com::Query<IUnknown>(static_cast<ICapeUnit*>(object.Get()));
+  }
+  IDispatch* Context() { return static_cast<ICapeIdentification*>(context.Get()); }
+  com::Ref<FakeMaterial> Connect(CUnitPort& port) {
+    auto material = com::Make<FakeMaterial>(script);
+    EXPECT_EQ(port.Connect(static_cast<ICapeIdentification*>(material.Get())), S_OK);
+    return material;
+  }
+  void ConnectBoth() {
+    feed = Connect(unit->Inlet(0));
+    product = Connect(unit->Outlet(0));
+  }
+  Texts Error() { return ErrorOf(static_cast<ICapeUnit*>(unit.Get())); }
+
+  std::shared_ptr<HostScript> script = std::make_shared<HostScript>();
+  com::Ref<FakeContext> context = com::Make<FakeContext>(script);
+  com::Ref<TestUnit> unit;
+  com::Ref<FakeMaterial> feed;
+  com::Ref<FakeMaterial> product;
+  UnitDoor door{Unknown(unit)};
+};
+
+// ---- Before, between and after
+// ------------------------------------------------------------------------------------
+
+struct EntryPoint {
+  const char* scope;
+  HRESULT (*call)(BaseUnit&);
+  HRESULT (*callWithNull)(BaseUnit&);  // null when it takes no pointer that it writes to
+};
+
+const EntryPoint kEntryPoints[] = {
+    {"Calculate", [](BaseUnit& u) { return u.Calculate(); }, nullptr},
+    {"Validate",
+     [](BaseUnit& u) {
+       com::Bstr message;
+       VARIANT_BOOL valid;
+       return u.Validate(message.Put(), &valid);
+     },
+     [](BaseUnit& u) { return u.Validate(nullptr, nullptr); }},
+    {"Edit", [](BaseUnit& u) { return u.Edit(); }, nullptr},
+    {"get_ports",
+     [](BaseUnit& u) {
+       com::Ref<IDispatch> ports;
+       return u.get_ports(ports.Put());
+     },
+     [](BaseUnit& u) { return u.get_ports(nullptr); }},
+    {"get_ValStatus",
+     [](BaseUnit& u) {
+       CapeValidationStatus status;
+       return u.get_ValStatus(&status);
+     },
+     [](BaseUnit& u) { return u.get_ValStatus(nullptr); }},
+    {"get_parameters",
+     [](BaseUnit& u) {
+       com::Ref<IDispatch> parameters;
+       return u.get_parameters(parameters.Put());
+     },
+     [](BaseUnit& u) { return u.get_parameters(nullptr); }},
+    {"get_reports",
+     [](BaseUnit& u) {
+       com::Variant reports;
+       return u.get_reports(reports.Put());
+     },
+     [](BaseUnit& u) { return u.get_reports(nullptr); }},
+    {"get_selectedReport",
+     [](BaseUnit& u) {
+       com::Bstr report;
+       return u.get_selectedReport(report.Put());
+     },
+     [](BaseUnit& u) { return u.get_selectedReport(nullptr); }},
+    {"put_selectedReport", [](BaseUnit& u) { return u.put_selectedReport(com::ToBstr("Status").Get()); },
+     nullptr},
+    {"ProduceReport",
+     [](BaseUnit& u) {
+       com::Bstr text;
+       return u.ProduceReport(text.Put());
+     },
+     [](BaseUnit& u) { return u.ProduceReport(nullptr); }},
+};
+
+void ExpectAllGuarded(TestUnit& unit) {
+  for (const EntryPoint& entry : kEntryPoints) {
+    SCOPED_TRACE(entry.scope);
+    EXPECT_EQ(entry.call(unit), kFailed);
+    EXPECT_EQ(ErrorOf(static_cast<ICapeUnit*>(&unit)),
+              (Texts{"Initialize not called", "Initialize not called", entry.scope, "ICapeUnit"}));
+  }
+}
+
+TEST(BaseUnit, AnswersOnlyAfterInitializeAndUntilTerminate) {
+  const auto unit = com::Make<TestUnit>(kTestUnit);
+  ExpectAllGuarded(*unit);
+  EXPECT_EQ(unit->Terminate(), S_OK);
+  EXPECT_EQ(unit->Initialize(), S_OK);
+  EXPECT_EQ(unit->Initialize(), S_OK);
+  EXPECT_EQ(unit->AllPorts().size(), 2u) << "a second Initialize adds nothing";
+  for (const EntryPoint& entry : kEntryPoints) {
+    if (std::string_view(entry.scope) == "Calculate" || std::string_view(entry.scope) == "Edit") continue;
+    EXPECT_EQ(entry.call(*unit), S_OK) << entry.scope;
+  }
+  const auto ports = UnitDoor(Bench::Unknown(unit)).Ports();
+  EXPECT_EQ(unit->Terminate(), S_OK);
+  ExpectAllGuarded(*unit);
+  LONG count = 0;
+  EXPECT_EQ(ports->Count(&count), kFailed);
+  EXPECT_EQ(ErrorOf(ports.Get()),
+            (Texts{"Initialize not called", "Initialize not called", "Count", "ICapeCollection"}));
+}
+
+TEST(BaseUnit, RefusesNullPointersAndKeepsItsError) {
+  const auto unit = com::Make<TestUnit>(kTestUnit);
+  EXPECT_EQ(unit->Calculate(), kFailed);
+  const Texts before = ErrorOf(static_cast<ICapeUnit*>(unit.Get()));
+  for (const EntryPoint& entry : kEntryPoints)
+    if (entry.callWithNull) EXPECT_EQ(entry.callWithNull(*unit), E_POINTER) << entry.scope;
+  EXPECT_EQ(ErrorOf(static_cast<ICapeUnit*>(unit.Get())), before);
+  EXPECT_EQ(unit->get_ComponentName(nullptr), E_POINTER);
+}
+
+TEST(BaseUnit, LeavesItsObjectsWithTheHostInOneStatus) {
+  com::Ref<ICapeParameter> parameter;
+  com::Ref<ICapeCollection> parameters;
+  com::Ref<ICapeUnitPort> port;
+  {
+    Bench bench;
+    parameter = bench.door.Parameter("Thermo Version");
+    parameters = bench.door.Parameters();
+    port = bench.door.Port("Inlet");
+  }
+  EXPECT_EQ(parameter->put_value(com::MakeString("1.1").Get()), S_OK);
+  LONG count = 0;
+  EXPECT_EQ(parameters->Count(&count), kFailed);
+  EXPECT_EQ(ErrorOf(parameters.Get()),
+            (Texts{"internal error", "internal error: unit not set for param collection", "Count",
+                   "ICapeCollection"}));
+  const auto material = com::Make<FakeMaterial>(std::make_shared<HostScript>());
+  EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(material.Get())), kFailed);
+}
+
+// ---- Simulation context
+// -------------------------------------------------------------------------------------------
+
+struct ContextCase {
+  const char* title;
+  com::Variant (*value)();
+  const char* version;  // of the unit afterwards
+  const char* warning;  // empty for none
+};
+
+TEST(BaseUnit, TakesTheHostsThermoVersion) {
+  const ContextCase cases[] = {
+      {"1.1", [] { return com::MakeString("1.1"); }, "1.1", ""},
+      {"unknown", [] { return com::MakeString("1.2"); }, "1.0",
+       "Unit Test: unrecognized named value for \"DefaultThermoVersion\": \"1.2\"; only values of \"1.0\" "
+       "and \"1.1\" "
+       "are supported"},
+      {"number", [] { return com::MakeDouble(1.1); }, "1.0",
+       "Unit Test: unexpected format for named value \"DefaultThermoVersion\": expected a string value"},
+  };
+  for (const ContextCase& c : cases)
+    for (const bool beforeInitialize : {false, true}) {
+      SCOPED_TRACE(testing::Message() << c.title << ", before Initialize: " << beforeInitialize);
+      Bench bench;
+      const auto unit = beforeInitialize ? com::Make<TestUnit>(kTestUnit) : bench.unit;
+      bench.context->namedValues["DefaultThermoVersion"] = c.value();
+      EXPECT_EQ(unit->put_simulationContext(bench.Context()), S_OK);
+      EXPECT_EQ(unit->Initialize(), S_OK);
+      const UnitDoor door(Bench::Unknown(unit));
+      EXPECT_EQ(door.ParameterText("thermo version"), c.version);
+      EXPECT_EQ(bench.context->log.size(), *c.warning ? 1u : 0u);
+      if (!bench.context->log.empty()) EXPECT_EQ(bench.context->log[0], c.warning);
+      // The default of the parameter is not the host's choice.
+      EXPECT_EQ(door.Parameter("Thermo Version")->Reset(), S_OK);
+      EXPECT_EQ(door.ParameterText("Thermo Version"), "1.0");
+      EXPECT_EQ(unit->put_simulationContext(nullptr), S_OK);
+      EXPECT_EQ(bench.context->References(), 1u);
+    }
+}
+
+TEST(BaseUnit, PrefersTheUsersThermoVersionToTheHosts) {
+  Bench bench;
+  EXPECT_EQ(bench.door.Parameter("Thermo Version")->put_value(com::MakeString("1.0").Get()), S_OK);
+  bench.context->namedValues["DefaultThermoVersion"] = com::MakeString("1.1");
+  EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+  EXPECT_EQ(bench.door.ParameterText("Thermo Version"), "1.0");
+  // A material that offers both generations decides anew.
+  bench.ConnectBoth();
+  EXPECT_EQ(bench.door.ParameterText("Thermo Version"), "1.1");
+}
+
+TEST(BaseUnit, SurvivesAContextThatFails) {
+  for (int k = 1; k <= 4; ++k) {
+    Bench bench;
+    bench.context->namedValues["DefaultThermoVersion"] = com::MakeString("1.3");
+    bench.script->failAt = k;
+    EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+  }
+}
+
+TEST(BaseUnit, ShowsErrorsInThePopUpOrAMessageBox) {
+  Bench bench;
+  testing::internal::CaptureStderr();
+  bench.unit->ShowError("nowhere");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unit Operation error: nowhere\n");
+  bench.unit->LogToHost("to nobody");
+  EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+  bench.unit->ShowError("in the pop-up");
+  EXPECT_EQ(bench.context->popUps, std::vector<std::string>{"in the pop-up"});
+  bench.script->Restart();
+  bench.script->failAt = 1;
+  testing::internal::CaptureStderr();
+  bench.unit->ShowError("refused");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unit Operation error: refused\n");
+}
+
+// ---- Validation
+// ---------------------------------------------------------------------------------------------------
+
+struct ValidationCase {
+  const char* title;
+  const UnitDeclaration* declaration;
+  void (*prepare)(Bench&);
+  const char* message;  // empty when valid
+  HRESULT outcome;
+};
+
+TEST(BaseUnit, ValidatesInOrder) {
+  const ValidationCase cases[] = {
+      {"complete", &kTestUnit, [](Bench&) {}, "", S_OK},
+      {"inlet energy port unconnected", &kUnitWithHeat, [](Bench&) {},
+       "not all inlet energy ports are connected", S_OK},
+      {"outlet energy port unconnected", &kUnitWithHeat,
+       [](Bench& b) {
+         const auto heat = com::Make<FakeStream>(b.script);
+         heat->Add("work", {2, 1, -3, 0, 0, 0, 0, 0}, 5);
+         EXPECT_EQ(b.unit->Inlet(1).Connect(static_cast<ICapeIdentification*>(heat.Get())), S_OK);
+       },
+       "", S_OK},
+      {"parameter out of bounds", &kTestUnit,
+       [](Bench& b) {
+         b.unit->CreateParameter(
+             {.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
+         b.unit->onValidate = [](std::string&) -> bool { throw std::logic_error("asked too early"); };
+       },
+       "invalid value for parameter Drop: value out of bounds", S_OK},
+      {"parameter that can't be validated", &kTestUnit,
+       [](Bench& b) {
+         b.unit->onParameterValue = [](const CParameter&, std::string&, const ParameterValue&) -> bool {
+           throw Failure(UnitError{"title", "the host is gone", "elsewhere", "IOther"});
+         };
+       },
+       "the host is gone", kFailed},
+      {"refused by the unit", &kTestUnit,
+       [](Bench& b) {
+         b.unit->onValidate = [](std::string& message) {
+           message = "too hot";
+           return false;
+         };
+       },
+       "too hot", S_OK},
+      {"property that the feed lacks", &kTestUnit,
+       [](Bench& b) {
+         b.unit->requiredProperties = {"Enthalpy", "viscosity"};
+       },
+       "Unit Test needs property viscosity, which the material on port Inlet does not calculate", S_OK},
+  };
+  for (const ValidationCase& c : cases) {
+    SCOPED_TRACE(c.title);
+    Bench bench(*c.declaration);
+    bench.ConnectBoth();
+    c.prepare(bench);
+    std::string message;
+    HRESULT outcome = S_OK;
+    const bool valid = bench.door.IsValid(message, &outcome);
+    EXPECT_EQ(outcome, c.outcome);
+    EXPECT_EQ(message, c.message);
+    EXPECT_EQ(valid, message.empty());
+    EXPECT_EQ(bench.door.Status(), valid ? CAPE_VALID : CAPE_INVALID);
+    EXPECT_EQ(bench.door.Report("Status"), valid ? "unit specification complete" : message);
+    if (c.outcome == kFailed)
+      EXPECT_EQ(bench.Error(), (Texts{c.message, c.message, "Validate", "ICapeUnit"}));
+    if (!valid) {
+      EXPECT_EQ(bench.unit->Calculate(), kFailed);
+      EXPECT_EQ(bench.Error(), (Texts{c.message, c.message, "Calculate", "ICapeUnit"}));
+      EXPECT_EQ(bench.unit->done, std::pair(0, false));
+    }
+  }
+}
+
+TEST(BaseUnit, IsInvalidatedByEveryChange) {
+  struct Change {
+    const char* title;
+    HRESULT (*make)(Bench&);
+  };
+  const Change changes[] = {
+      {"put", [](Bench& b) { return b.unit->Parameter(0).put_value(com::MakeString("1.1").Get()); }},
+      {"reset", [](Bench& b) { return b.unit->Parameter(0).Reset(); }},
+      {"disconnect", [](Bench& b) { return b.unit->Inlet(0).Disconnect(); }},
+      {"connect",
+       [](Bench& b) { return b.unit->Outlet(0).Connect(static_cast<ICapeIdentification*>(b.feed.Get())); }},
+      {"failing connect",
+       [](Bench& b) { return b.unit->Inlet(0).Connect(nullptr) == kFailed ? S_OK : E_FAIL; }},
+  };
+  for (const Change& change : changes) {
+    SCOPED_TRACE(change.title);
+    Bench bench;
+    bench.ConnectBoth();
+    std::string message;
+    EXPECT_TRUE(bench.door.IsValid(message)) << message;
+    bench.unit->inputChanges = 0;
+    EXPECT_EQ(change.make(bench), S_OK);
+    EXPECT_EQ(bench.door.Status(), CAPE_NOT_VALIDATED);
+    EXPECT_EQ(bench.door.Report("Status"), "unit not validated");
+    EXPECT_GE(bench.unit->inputChanges, 1);
+  }
+  Bench bench;
+  EXPECT_EQ(bench.unit->Parameter(0).put_value(com::MakeString("2.0").Get()), kFailed);
+  EXPECT_EQ(bench.unit->inputChanges, 0) << "a refused value changes nothing";
+}
+
+// ---- Calculation
+// --------------------------------------------------------------------------------------------------
+
+TEST(BaseUnit, NeedsAnInletForItsOutlets) {
+  Bench bench;
+  bench.unit->checkConnections = false;
+  bench.Connect(bench.unit->Outlet(0));
+  EXPECT_EQ(bench.unit->Calculate(), kFailed);
+  EXPECT_EQ(bench.Error(), (Texts{"internal error", "unit has material outlets but no material inlets",
+                                  "Calculate", "ICapeUnit"}));
+  EXPECT_EQ(bench.unit->Outlet(0).Disconnect(), S_OK);
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.unit->calculatedCount, 0);
+}
+
+TEST(BaseUnit, SizesEachPortByItsOwnCompoundsWhenTheyMayDiffer) {
+  Bench bench;
+  bench.unit->checkCompounds = false;
+  bench.ConnectBoth();
+  bench.product->state.compounds = {"a", "b", "c"};
+  bench.product->state.casNumbers = {"1", "2", "3"};
+  bench.product->state.molecularWeights = {1, 2, 3};
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.unit->calculatedCount, -1);
+  EXPECT_EQ(bench.unit->Inlet(0).State().composition.size(), 2u);
+  EXPECT_EQ(bench.unit->Outlet(0).State().composition.size(), 3u);
+}
+
+TEST(BaseUnit, FlashesOutletsAsTheUnitSays) {
+  Bench bench;
+  bench.ConnectBoth();
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.product->state.flash, "Temperature//Overall, Pressure//Overall, unspecified");
+  bench.product->state.flash.clear();
+  bench.unit->onCalculate = [](std::optional<com::Name>& spec) { spec = names::kPH; };
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.product->state.flash, "Pressure//Overall, enthalpy//Overall, unspecified");
+  bench.product->state.flash.clear();
+  bench.unit->onCalculate = [](std::optional<com::Name>& spec) { spec.reset(); };
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.product->state.flash, "");
+  EXPECT_EQ(bench.unit->done, std::pair(2, true));
+}
+
+struct Thrown {
+  const char* title;
+  void (*raise)();
+  Texts texts;
+};
+
+TEST(BaseUnit, TurnsEveryExceptionIntoItsError) {
+  const Thrown cases[] = {
+      {"failure with all texts",
+       [] {
+         throw Failure(UnitError{"CalculationError", "no root", "Solve", "INumerics"});
+       },
+       {"CalculationError", "no root", "Solve", "INumerics"}},
+      {"failure with one text",
+       [] { throw Failure("no root"); },
+       {"no root", "no root", "Calculate", "ICapeUnit"}},
+      {"empty failure", [] { throw Failure(""); }, {"", "", "Calculate", "ICapeUnit"}},
+      {"array that can't be allocated",
+       [] { (void)com::MakeArray(std::size_t{1} << 40, VT_R8); },
+       {"out of memory", "out of memory", "MakeArray", "CapeOpenBaseObject"}},
+      {"no memory",
+       [] { throw std::bad_alloc(); },
+       {"out of memory", "out of memory", "Calculate", "ICapeUnit"}},
+      {"standard exception",
+       [] { throw std::runtime_error("odd"); },
+       {"odd", "odd", "Calculate", "ICapeUnit"}},
+      {"anything else", [] { throw 42; }, {"unknown error", "unknown error", "Calculate", "ICapeUnit"}},
+  };
+  for (const Thrown& c : cases) {
+    SCOPED_TRACE(c.title);
+    Bench bench;
+    bench.ConnectBoth();
+    bench.unit->onCalculate = [&](std::optional<com::Name>&) { c.raise(); };
+    EXPECT_EQ(bench.unit->Calculate(), kFailed);
+    EXPECT_EQ(bench.Error(), c.texts);
+    const std::string reason = c.texts.description.empty() ? "Unknown" : c.texts.description;
+    EXPECT_EQ(bench.door.Report("Status"), "Calculation failed:\r\n" + reason + "\r\n");
+    EXPECT_EQ(bench.door.Status(), CAPE_VALID) << "the specification is as valid as before";
+    EXPECT_EQ(bench.unit->done, std::pair(2, false));
+  }
+}
+
+struct QuietCase {
+  const char* title;
+  com::Variant (*answer)();
+  bool quiet;
+};
+
+TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {
+  const QuietCase cases[] = {
+      {"true", [] { return com::MakeBoolean(true); }, true},
+      {"false", [] { return com::MakeBoolean(false); }, false},
+      {"not a boolean", [] { return com::MakeInteger(1); }, false},
+  };
+  for (const QuietCase& c : cases) {
+    SCOPED_TRACE(c.title);
+    Bench bench;
+    bench.ConnectBoth();
+    bench.context->namedValues["simplifiedmodelrequest"] = com::MakeBoolean(false);
+    bench.context->namedValues["SimplifiedModelRequest"] = c.answer();
+    EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+    bench.unit->onCalculate = [&](std::optional<com::Name>&) {
+      EXPECT_EQ(bench.unit->simplifiedModelRequested, c.quiet);
+      bench.unit->Warn("limiting");
+      bench.unit->SetReportText(1, "text\r\n");
+      bench.unit->AddReportWarning(1, "limited");
+    };
+    EXPECT_EQ(bench.door.Report("Last run"), "Report is not available");
+    EXPECT_EQ(bench.unit->Calculate(), S_OK);
+    EXPECT_EQ(bench.context->log.size(), c.quiet ? 0u : 1u);
+    EXPECT_EQ(bench.door.Report("LAST RUN"),
+              c.quiet ? "Report is not available" : "text\r\nWARNING: limited\r\n");
+    EXPECT_FALSE(bench.unit->simplifiedModelRequested);
+  }
+}
+
+TEST(BaseUnit, RefusesToBeCalculatedWhileItCalculates) {
+  Bench bench;
+  bench.ConnectBoth();
+  HRESULT inner = S_OK;
+  bench.unit->onCalculate = [&](std::optional<com::Name>&) { inner = bench.unit->Calculate(); };
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(inner, kFailed);
+}
+
+TEST(BaseUnit, FailsCleanlyWhenTheHostTerminatesItMidway) {
+  Bench bench;
+  bench.ConnectBoth();
+  bench.unit->onCalculate = [&](std::optional<com::Name>&) {
+    EXPECT_EQ(bench.unit->Terminate(), S_OK);
+    (void)bench.unit->Inlet(0).GetProp(names::kPressure, names::kOverall, com::kNoValue, {}, {});
+  };
+  EXPECT_EQ(bench.unit->Calculate(), kFailed);
+  EXPECT_EQ(bench.Error().description, "port is not connected");
+}
+
+// ---- Reports
+// ------------------------------------------------------------------------------------------------------
+
+TEST(BaseUnit, SelectsReportsByName) {
+  Bench bench;
+  com::Variant list;
+  EXPECT_EQ(bench.unit->get_reports(list.Put()), S_OK);
+  EXPECT_EQ(com::ReadStrings(list.Get()), (std::vector<std::string>{"Status", "Last run"}));
+  EXPECT_EQ(bench.unit->put_selectedReport(com::ToBstr("last RUN").Get()), S_OK);
+  EXPECT_EQ(bench.unit->put_selectedReport(com::ToBstr("Profile").Get()), kFailed);
+  EXPECT_EQ(bench.Error(), (Texts{"unknown report", "unknown report name in put_selectedReport",
+                                  "put_selectedReport", "ICapeUnitReport"}));
+  EXPECT_EQ(bench.unit->put_selectedReport(nullptr), kFailed);
+  EXPECT_EQ(TextFrom(static_cast<ICapeUnit*>(bench.unit.Get()), &ICapeUnitReport::get_selectedReport),
+            "Last run");
+}
+
+}  // namespace
+}  // namespace morvelan::test

@@ -1,0 +1,408 @@
+// Parameters, their specifications and their collection through the host's interfaces; report lines of
+// parameters.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+#include "framework/ReportFormat.h"
+#include "tests/support/Door.h"
+#include "tests/support/TestUnit.h"
+
+namespace morvelan::test {
+namespace {
+
+constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
+constexpr double kUnset = -1.7976931348623157e308;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+const ParameterDeclaration kParameters[] = {
+    ThermoVersionParameter(),
+    {.name = "Drop",
+     .description = "d",
+     .defaultValue = 5.0,
+     .lowerBound = 0,
+     .upperBound = 1e10,
+     .dimensionality = kPressureDropDimension},
+    {.name = "Result",
+     .description = "d",
+     .mode = CAPE_OUTPUT,
+     .defaultValue = 0.0,
+     .lowerBound = 0,
+     .upperBound = 1},
+    {.name = "Count",
+     .description = "d",
+     .defaultValue = std::int32_t{2},
+     .lowerBound = 2,
+     .upperBound = 128},
+    {.name = "Serial", .description = "d", .defaultValue = false},
+    {.name = "Factors",
+     .description = "d",
+     .defaultValue = std::vector<double>{0.5, 0.25},
+     .lowerBound = 0,
+     .upperBound = 1},
+    {.name = "Phase",
+     .description = "d",
+     .defaultValue = "Vapor",
+     .options = {"Vapor"},
+     .restrictedToList = false},
+};
+const UnitDeclaration kUnit = {
+    .name = "U", .description = "", .about = "", .ports = {}, .parameters = kParameters};
+
+struct Bench {
+  Bench() { EXPECT_EQ(unit->Initialize(), S_OK); }
+  com::Ref<ICapeParameter> Parameter(const char* name) { return door.Parameter(name); }
+
+  com::Ref<TestUnit> unit = com::Make<TestUnit>(kUnit);
+  UnitDoor door{com::Query<IUnknown>(static_cast<ICapeUnit*>(unit.Get()))};
+};
+
+com::Variant Doubles(std::vector<double> values) {
+  std::vector<com::Variant> elements;
+  for (const double value : values) elements.push_back(com::MakeDouble(value));
+  return com::MakeVariants(elements);
+}
+
+com::Variant FromOne(std::vector<double> values) {
+  com::Variant array = Doubles(std::move(values));
+  array.Get().parray->rgsabound[0].lLbound = 1;
+  return array;
+}
+
+com::Variant TwoDimensional() {
+  SAFEARRAYBOUND bounds[] = {{2, 0}, {2, 0}};
+  com::Variant result;
+  VARIANT* variant = result.Put();
+  variant->vt = VT_ARRAY | VT_VARIANT;
+  variant->parray = SafeArrayCreate(VT_VARIANT, 2, bounds);
+  return result;
+}
+
+struct PutCase {
+  const char* parameter;
+  com::Variant value;
+  const char* fault;  // empty when accepted
+};
+
+TEST(CParameter, AcceptsAndRefusesValues) {
+  const com::Variant inner = com::MakeDouble(7);
+  com::Variant byReference;
+  VARIANT* reference = byReference.Put();
+  reference->vt = VT_VARIANT | VT_BYREF;
+  reference->pvarVal = const_cast<VARIANT*>(&inner.Get());
+  PutCase cases[] = {
+      {"Drop", com::MakeDouble(0), ""},
+      {"Drop", com::MakeDouble(1e10), ""},
+      {"Drop", com::MakeDouble(-1e-9), "value out of bounds"},
+      {"Drop", com::MakeDouble(kUnset), ""},
+      {"Drop", com::MakeDouble(kNaN), ""},
+      {"Drop", com::MakeInteger(5), "invalid argument type"},
+      {"Drop", com::MakeString("5"), "invalid argument type"},
+      {"Drop", com::Variant(), "invalid argument type"},
+      {"Drop", std::move(byReference), ""},
+      {"Result", com::MakeDouble(17), ""},
+      {"Count", com::MakeInteger(128), ""},
+      {"Count", com::MakeInteger(129), "value out of bounds"},
+      {"Count", com::MakeDouble(3), "invalid argument type"},
+      {"Serial", com::MakeBoolean(true), ""},
+      {"Serial", com::MakeInteger(1), "invalid argument type"},
+      {"Thermo Version", com::MakeString("1.1"), ""},
+      {"Thermo Version", com::MakeString("1.2"), "invalid choice"},
+      {"Phase", com::MakeString("gas"), ""},
+      {"Factors", Doubles({0, 1, 0.5}), ""},
+      {"Factors", com::MakeDoubles(std::array{0.5}), "invalid type for array parameter value"},
+      {"Factors", com::MakeDouble(0.5), "invalid type for array parameter value"},
+      {"Factors", TwoDimensional(), "invalid dimension for array parameter value"},
+      {"Factors", FromOne({0.5}), "invalid range for array parameter; lower index of 0 expected"},
+      {"Factors", com::MakeVariants(std::array{com::MakeInteger(1)}),
+       "invalid type for an array element for setting array parameter value: VT_R8 expected"},
+      {"Factors", Doubles({0.5, 1.5}),
+       "value out of bounds an array element for setting array parameter value"},
+      {"Factors", Doubles({kNaN}), "value out of bounds an array element for setting array parameter value"},
+  };
+  for (const PutCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.parameter << " = " << com::Describe(c.value.Get()));
+    Bench bench;
+    const auto parameter = bench.Parameter(c.parameter);
+    com::Variant before;
+    EXPECT_EQ(parameter->get_value(before.Put()), S_OK);
+    const HRESULT put = parameter->put_value(c.value.Get());
+    EXPECT_EQ(put, *c.fault ? kFailed : S_OK);
+    com::Variant after;
+    EXPECT_EQ(parameter->get_value(after.Put()), S_OK);
+    EXPECT_EQ(after.Get().vt, before.Get().vt);
+    if (*c.fault)
+      EXPECT_EQ(ErrorOf(parameter.Get()), (Texts{c.fault, c.fault, "put_value", "ICapeParameter"}));
+  }
+}
+
+TEST(CParameter, AsksItsUnitAboutEveryKindOfValue) {
+  Bench bench;
+  bench.unit->onParameterValue = [](const CParameter& parameter, std::string& message,
+                                    const ParameterValue&) {
+    message = "not " + parameter.ComponentName();
+    return false;
+  };
+  const auto factors = bench.Parameter("Factors");
+  EXPECT_EQ(factors->put_value(Doubles({2}).Get()), kFailed);
+  EXPECT_EQ(ErrorOf(factors.Get()).description,
+            "value out of bounds an array element for setting array parameter value");
+  EXPECT_EQ(factors->put_value(Doubles({1}).Get()), kFailed);
+  EXPECT_EQ(ErrorOf(factors.Get()).description, "not Factors");
+  com::Bstr message;
+  VARIANT_BOOL valid = VARIANT_TRUE;
+  EXPECT_EQ(bench.Parameter("Serial")->Validate(message.Put(), &valid), S_OK);
+  EXPECT_EQ(valid, VARIANT_FALSE);
+  EXPECT_EQ(com::ToUtf8(message.Get()), "not Serial");
+  CapeValidationStatus status = CAPE_VALID;
+  EXPECT_EQ(bench.Parameter("Serial")->get_ValStatus(&status), S_OK);
+  EXPECT_EQ(status, CAPE_INVALID);
+}
+
+TEST(CParameter, ResetsToItsDefaultAndMirrorsIt) {
+  Bench bench;
+  double mirror = 0;
+  bench.unit->Parameter(1).BindDouble(&mirror);
+  EXPECT_EQ(mirror, 5);
+  EXPECT_EQ(bench.Parameter("Drop")->put_value(com::MakeDouble(7).Get()), S_OK);
+  EXPECT_EQ(mirror, 7);
+  EXPECT_EQ(bench.Parameter("Drop")->Reset(), S_OK);
+  EXPECT_EQ(mirror, 5);
+  const auto factors = bench.Parameter("Factors");
+  EXPECT_EQ(factors->put_value(Doubles({1}).Get()), S_OK);
+  EXPECT_EQ(factors->Reset(), S_OK);
+  EXPECT_EQ(bench.unit->Parameter(5).Value(), ParameterValue(std::vector<double>{1}))
+      << "an array only invalidates";
+  // A result is stored without a word to the unit.
+  bench.unit->inputChanges = 0;
+  bench.unit->Parameter(1).SetResult(11.0);
+  EXPECT_EQ(mirror, 11);
+  EXPECT_EQ(bench.unit->inputChanges, 0);
+}
+
+TEST(CParameter, SwitchesTheUnitsInterfacesAtOnce) {
+  Bench bench;
+  EXPECT_FALSE(bench.unit->UsesThermo11());
+  EXPECT_EQ(bench.Parameter("Thermo Version")->put_value(com::MakeString("1.1").Get()), S_OK);
+  EXPECT_TRUE(bench.unit->UsesThermo11());
+}
+
+/// A typed specification's own getters work; those of the other kinds refuse.
+TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
+  Bench bench;
+  const char* parameters[] = {"Drop", "Count", "Thermo Version", "Serial", "Factors"};
+  for (int kind = 0; kind < 5; ++kind) {
+    SCOPED_TRACE(parameters[kind]);
+    const auto parameter = bench.Parameter(parameters[kind]);
+    CapeParamType type = CAPE_ARRAY;
+    EXPECT_EQ(parameter.As<ICapeParameterSpec>()->get_Type(&type), S_OK);
+    EXPECT_EQ(type, kind);
+    double real = 0;
+    LONG integer = 0;
+    com::Bstr text;
+    VARIANT_BOOL boolean = VARIANT_FALSE;
+    com::Variant value;
+    const auto expectKind = [&](HRESULT hr, int own, const char* scope, const char* interfaceName) {
+      SCOPED_TRACE(testing::Message() << interfaceName << "::" << scope);
+      EXPECT_EQ(hr, own == kind ? S_OK : kFailed);
+      if (own != kind)
+        EXPECT_EQ(ErrorOf(parameter.Get()),
+                  (Texts{"invalid call", "wrong interface for parameter type", scope, interfaceName}));
+    };
+    const auto realSpec = parameter.As<ICapeRealParameterSpec>();
+    expectKind(realSpec->get_DefaultValue(&real), 0, "get_DefaultValue", "ICapeRealParameterSpec");
+    expectKind(realSpec->get_LowerBound(&real), 0, "get_LowerBound", "ICapeRealParameterSpec");
+    expectKind(realSpec->get_UpperBound(&real), 0, "get_UpperBound", "ICapeRealParameterSpec");
+    expectKind(realSpec->Validate(1, text.Put(), &boolean), 0, "Validate", "ICapeRealParameterSpec");
+    const auto integerSpec = parameter.As<ICapeIntegerParameterSpec>();
+    expectKind(integerSpec->get_DefaultValue(&integer), 1, "get_DefaultValue", "ICapeIntegerParameterSpec");
+    expectKind(integerSpec->get_LowerBound(&integer), 1, "get_LowerBound", "ICapeIntegerParameterSpec");
+    expectKind(integerSpec->get_UpperBound(&integer), 1, "get_UpperBound", "ICapeIntegerParameterSpec");
+    expectKind(integerSpec->Validate(LONG{3}, text.Put(), &boolean), 1, "Validate",
+               "ICapeIntegerParameterSpec");
+    const auto optionSpec = parameter.As<ICapeOptionParameterSpec>();
+    expectKind(optionSpec->get_DefaultValue(text.Put()), 2, "get_DefaultValue", "ICapeOptionParameterSpec");
+    expectKind(optionSpec->get_OptionList(value.Put()), 2, "get_OptionList", "ICapeOptionParameterSpec");
+    expectKind(optionSpec->get_RestrictedToList(&boolean), 2, "get_RestrictedTolist",
+               "ICapeOptionParameterSpec");
+    expectKind(optionSpec->Validate(nullptr, text.Put(), &boolean), 2, "Validate",
+               "ICapeOptionParameterSpec");
+    const auto booleanSpec = parameter.As<ICapeBooleanParameterSpec>();
+    expectKind(booleanSpec->get_DefaultValue(&boolean), 3, "get_DefaultValue", "ICapeBooleanParameterSpec");
+    expectKind(booleanSpec->Validate(VARIANT_TRUE, text.Put(), &boolean), 3, "Validate",
+               "ICapeBooleanParameterSpec");
+    const auto arraySpec = parameter.As<ICapeArrayParameterSpec>();
+    expectKind(arraySpec->get_NumDimensions(&integer), 4, "get_NumDimensions", "ICapeArrayParameterSpec");
+    expectKind(arraySpec->get_Size(value.Put()), 4, "get_Size", "ICapeArrayParameterSpec");
+    expectKind(arraySpec->get_ItemsSpecifications(value.Put()), 4, "get_ItemsSpecifications",
+               "ICapeArrayParameterSpec");
+  }
+}
+
+TEST(CParameter, DescribesTheElementsOfAnArray) {
+  Bench bench;
+  const auto spec = bench.Parameter("Factors").As<ICapeArrayParameterSpec>();
+  com::Variant sizes;
+  com::Variant members;
+  EXPECT_EQ(spec->get_Size(sizes.Put()), S_OK);
+  EXPECT_EQ(com::ReadIntegers(sizes.Get()), std::vector<std::int32_t>{2});
+  EXPECT_EQ(spec->get_ItemsSpecifications(members.Put()), S_OK);
+  const auto objects = com::ReadVariants(members.Get());
+  ASSERT_EQ(objects.size(), 2u);
+  double upper = 0;
+  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_UpperBound(&upper), S_OK);
+  EXPECT_EQ(upper, 1);
+  const auto member = com::Query<ICapeParameter>(objects[0].Get().pdispVal);
+  CapeParamMode mode = CAPE_INPUT;
+  com::Bstr message;
+  VARIANT_BOOL valid = VARIANT_FALSE;
+  com::Ref<IDispatch> specification;
+  CapeValidationStatus status = CAPE_VALID;
+  const auto refused = [&](HRESULT hr, const char* scope) {
+    EXPECT_EQ(hr, kFailed);
+    EXPECT_EQ(ErrorOf(member.Get()),
+              (Texts{"not a parameter", "Interface is not a parameter, but member of a parameter array",
+                     scope, "ICapeParameter"}));
+  };
+  refused(member->get_Mode(&mode), "get_Mode");
+  refused(member->get_ValStatus(&status), "get_ValStatus");
+  refused(member->Reset(), "Reset");
+  refused(member->Validate(message.Put(), &valid), "Validate");
+  refused(member->get_Specification(specification.Put()), "get_Specification");
+  refused(member->put_value(com::MakeString("invalid too").Get()), "put_value");
+
+  com::Variant texts;
+  com::Variant verdicts;
+  EXPECT_EQ(spec->Validate(Doubles({0.5, 2}).Get(), texts.Put(), verdicts.Put()), S_OK);
+  EXPECT_EQ(com::ReadStrings(texts.Get()),
+            (std::vector<std::string>{
+                "", "value out of bounds an array element for setting array parameter value"}));
+  const auto flags = com::ReadVariants(verdicts.Get());
+  ASSERT_EQ(flags.size(), 2u);
+  EXPECT_TRUE(com::ReadBoolean(flags[0].Get()));
+  EXPECT_FALSE(com::ReadBoolean(flags[1].Get()));
+}
+
+TEST(CParameter, KeepsItsModeFromTheHost) {
+  Bench bench;
+  const auto parameter = bench.Parameter("Result");
+  EXPECT_EQ(parameter->put_Mode(CAPE_INPUT), kFailed);
+  CapeParamMode mode = CAPE_INPUT;
+  EXPECT_EQ(parameter->get_Mode(&mode), S_OK);
+  EXPECT_EQ(mode, CAPE_OUTPUT);
+  com::Variant exponents;
+  EXPECT_EQ(bench.Parameter("Drop").As<ICapeParameterSpec>()->get_Dimensionality(exponents.Put()), S_OK);
+  EXPECT_EQ(com::ReadDoubles(exponents.Get()), (std::vector<double>{-1, 1, -2, 0, 0, 0, 0, 0, 1}));
+}
+
+// ---- Collection
+// ---------------------------------------------------------------------------------------------------
+
+com::Variant SmallIndex(SHORT index) {
+  com::Variant result;
+  VARIANT* variant = result.Put();
+  variant->vt = VT_I2;
+  variant->iVal = index;
+  return result;
+}
+
+struct NamedRefusal {
+  const char* name;
+  const char* description;
+};
+
+TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
+  Bench bench;
+  bench.unit->extraParameters.push_back(com::Make<CParameter>(
+      ParameterDeclaration{.name = "Apart", .description = "", .defaultValue = 1.0}, bench.unit.Get()));
+  const struct {
+    const char* title;
+    com::Variant id;
+    const char* found;  // null when refused
+    NamedRefusal refusal;
+  } cases[] = {
+      {"integer", com::MakeInteger(1), "Thermo Version", {}},
+      {"double", com::MakeDouble(2.0), "Drop", {}},
+      {"small integer", SmallIndex(3), "Result", {}},
+      {"name in other case", com::MakeString("factors"), "Factors", {}},
+      {"beyond the list", com::MakeInteger(8), "Apart", {}},
+      {"zero",
+       com::MakeInteger(0),
+       nullptr,
+       {"parameter index out of range", "parameter index out of range"}},
+      {"beyond all",
+       com::MakeInteger(9),
+       nullptr,
+       {"parameter index out of range", "parameter index out of range"}},
+      {"empty name", com::MakeString(""), nullptr, {"empty string", "empty string"}},
+      {"unknown name", com::MakeString("x"), nullptr, {"invalid parameter name", "parameter name not found"}},
+      {"nothing",
+       com::Variant(),
+       nullptr,
+       {"invalid parameter specification", "expected a name or an integer for a parameter identifier"}},
+      {"too large",
+       com::MakeDouble(1e20),
+       nullptr,
+       {"invalid parameter specification", "expected a name or an integer for a parameter identifier"}},
+  };
+  const auto parameters = bench.door.Parameters();
+  LONG count = 0;
+  EXPECT_EQ(parameters->Count(&count), S_OK);
+  EXPECT_EQ(count, 8);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.title);
+    com::Ref<IDispatch> item;
+    EXPECT_EQ(parameters->Item(c.id.Get(), item.Put()), c.found ? S_OK : kFailed);
+    if (c.found)
+      EXPECT_EQ(TextFrom(item.Get(), &ICapeIdentification::get_ComponentName), c.found);
+    else
+      EXPECT_EQ(ErrorOf(parameters.Get()),
+                (Texts{c.refusal.name, c.refusal.description, "Item", "ICapeCollection"}));
+  }
+  EXPECT_EQ(bench.unit->requested, (std::vector<std::size_t>{0, 1, 2, 5}));
+  EXPECT_EQ(parameters->Item(com::MakeInteger(1).Get(), nullptr), E_POINTER);
+}
+
+// ---- Report lines
+// -------------------------------------------------------------------------------------------------
+
+struct LineCase {
+  const char* title;
+  ParameterDeclaration declaration;
+  const char* line;
+};
+
+TEST(ReportFormat, PrintsOneLinePerParameter) {
+  const auto real = [](double value, Dimensionality dimensionality = kDimensionless) {
+    return ParameterDeclaration{
+        .name = "x", .description = "", .defaultValue = value, .dimensionality = dimensionality};
+  };
+  const LineCase cases[] = {
+      {"pressure drop", real(5000, kPressureDropDimension), "x:\t5000 Pa"},
+      {"power", real(-1.5e-7, kPowerDimension), "x:\t-1.5e-07 W"},
+      {"15 digits", real(1.0 / 3, kTemperatureDimension), "x:\t0.333333333333333 K"},
+      {"heat transfer coefficient", real(2, {0, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t2 W/m²/K"},
+      {"velocity", real(3, {1, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 m/s"},
+      {"acceleration of a mole", real(3, {1, 0, -2, 0, 0, -1, 0, 0, 0}), "x:\t3 m/s^2 mol"},
+      {"frequency", real(3, {0, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 1/s"},
+      {"mass difference", real(3, {0, 1, 0, 0, 0, 0, 0, 0, 1}), "x:\t3 kg delta"},
+      {"no dimension", real(0.75), "x:\t0.75"},
+      {"unset", real(kUnset, kPressureDimension), "x:\tN/A"},
+      {"NaN", real(kNaN), "x:\tN/A"},
+      {"integer", {.name = "n", .description = "", .defaultValue = std::int32_t{3}}, "n:\t3"},
+      {"boolean", {.name = "b", .description = "", .defaultValue = true}, "b:\ttrue"},
+      {"option", {.name = "o", .description = "", .defaultValue = "Heat duty"}, "o:\tHeat duty"},
+      {"array",
+       {.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}},
+       "a:\t [ 0.3, 1e-07]"},
+  };
+  for (const LineCase& c : cases)
+    EXPECT_EQ(FormatParameter(*com::Make<CParameter>(c.declaration, nullptr)), c.line) << c.title;
+  EXPECT_EQ(FormatNumber(1.0 / 3), "0.333333333333");
+  EXPECT_EQ(FormatColumn(1.0 / 3), "    0.333333");
+}
+
+}  // namespace
+}  // namespace morvelan::test

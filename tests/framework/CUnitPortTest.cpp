@@ -1,0 +1,371 @@
+// Connecting streams to ports: what is accepted, what is refused, and what the host's log says of it.
+
+#include <gtest/gtest.h>
+
+#include "tests/support/Door.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/FakeMaterial.h"
+#include "tests/support/Faults.h"
+#include "tests/support/TestUnit.h"
+
+namespace morvelan::test {
+namespace {
+
+constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
+
+constexpr InformationItem kTemperatureItem[] = {{"Temperature", "a temperature", kTemperatureDimension}};
+constexpr PortDeclaration kPorts[] = {
+    {"Inlet", "feed", CAPE_INLET},
+    {"Heat", "heat", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
+    {"Signal", "signal", CAPE_INLET, CAPE_INFORMATION, kTemperatureItem},
+    {"Result", "result", CAPE_OUTLET, CAPE_INFORMATION, kTemperatureItem},
+};
+const UnitDeclaration kUnit = {
+    .name = "U", .description = "", .about = "", .ports = kPorts, .parameters = kOnlyThermoVersion};
+
+const std::vector<double> kPower = {2, 1, -3, 0, 0, 0, 0, 0};
+const std::vector<double> kKelvin = {0, 0, 0, 0, 1, 0, 0, 0, 0};
+
+struct Bench {
+  Bench() {
+    EXPECT_EQ(unit->Initialize(), S_OK);
+    EXPECT_EQ(unit->put_simulationContext(static_cast<ICapeIdentification*>(context.Get())), S_OK);
+    script->Restart();
+  }
+  template <class Object>
+  HRESULT Connect(const char* port, const com::Ref<Object>& object) {
+    return door.Port(port)->Connect(static_cast<ICapeIdentification*>(object.Get()));
+  }
+  CUnitInfoPort& InfoPort(std::size_t inlet) { return static_cast<CUnitInfoPort&>(unit->Inlet(inlet)); }
+  bool IsConnected(const char* port) const {
+    com::Ref<IDispatch> object;
+    EXPECT_EQ(door.Port(port)->get_connectedObject(object.Put()), S_OK);
+    return static_cast<bool>(object);
+  }
+
+  std::shared_ptr<HostScript> script = std::make_shared<HostScript>();
+  com::Ref<FakeContext> context = com::Make<FakeContext>(script);
+  com::Ref<FakeStream> stream = com::Make<FakeStream>(script);
+  com::Ref<TestUnit> unit = com::Make<TestUnit>(kUnit);
+  UnitDoor door{com::Query<IUnknown>(static_cast<ICapeUnit*>(unit.Get()))};
+};
+
+TEST(CUnitPort, TakesTheThermoVersionOfItsMaterial) {
+  struct Offer {
+    bool thermo10;
+    bool thermo11;
+    const char* version;
+  };
+  for (const Offer& offer :
+       {Offer{true, false, "1.0"}, Offer{false, true, "1.1"}, Offer{true, true, "1.1"}}) {
+    Bench bench;
+    const auto material = com::Make<FakeMaterial>(
+        bench.script, FakeState{.thermo10 = offer.thermo10, .thermo11 = offer.thermo11});
+    EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
+    EXPECT_EQ(bench.door.ParameterText("Thermo Version"), offer.version);
+    EXPECT_EQ(bench.Connect("Inlet", material), S_OK) << "connecting again drops the earlier connection";
+    EXPECT_EQ(material->References(), 2u);
+    EXPECT_EQ(bench.door.Port("Inlet")->Disconnect(), S_OK);
+    EXPECT_EQ(material->References(), 1u);
+  }
+}
+
+TEST(CUnitPort, RefusesWhatIsNoMaterial) {
+  Bench bench;
+  EXPECT_EQ(bench.Connect("Inlet", bench.stream), kFailed);
+  EXPECT_EQ(ErrorOf(bench.door.Port("Inlet").Get()),
+            (Texts{"failed to connect",
+                   "The object that requested connection implements neither an ICapeMaterial nor an "
+                   "ICapeMaterialObject interface",
+                   "Connect", "ICapeUnitPort"}));
+  EXPECT_EQ(bench.door.Port("Inlet")->Connect(nullptr), kFailed);
+  EXPECT_EQ(ErrorOf(bench.door.Port("Inlet").Get()).description,
+            "failed to obtain IDispatch interface to material: Invalid pointer");
+  EXPECT_FALSE(bench.IsConnected("Inlet"));
+}
+
+TEST(CUnitPort, RefusesToDisconnectTwice) {
+  Bench bench;
+  EXPECT_EQ(bench.door.Port("Heat")->Disconnect(), kFailed);
+  EXPECT_EQ(
+      ErrorOf(bench.door.Port("Heat").Get()),
+      (Texts{"failed to disconnect", "cannot disconnect: port not connected", "Connect", "ICapeUnitPort"}));
+  EXPECT_EQ(bench.unit->inputChanges, 1);
+}
+
+TEST(CUnitPort, IsFoundByNameAndIndex) {
+  Bench bench;
+  const auto ports = bench.door.Ports();
+  const auto nameAt = [&](com::Variant id) {
+    com::Ref<IDispatch> port;
+    if (ports->Item(id.Get(), port.Put()) != S_OK) return std::string("<refused>");
+    return TextFrom(port.Get(), &ICapeIdentification::get_ComponentName);
+  };
+  EXPECT_EQ(nameAt(com::MakeString("inlet")), "Inlet");
+  EXPECT_EQ(nameAt(com::MakeDouble(4)), "Result");
+  for (const char* wrong : {"x", ""}) EXPECT_EQ(nameAt(com::MakeString(wrong)), "<refused>");
+  EXPECT_EQ(nameAt(com::MakeInteger(5)), "<refused>");
+  EXPECT_EQ(ErrorOf(ports.Get()), (Texts{"invalid index or id", "could not find port, invalid index or id",
+                                         "Item", "ICapeCollection"}));
+}
+
+TEST(CUnitPort, DescribesTheValuesThatItCarries) {
+  Bench bench;
+  EXPECT_FALSE(bench.door.Port("Inlet").As<ICapeCollection>()) << "a material port carries no values";
+  const auto items = bench.door.Port("Heat").As<ICapeCollection>();
+  LONG count = 0;
+  EXPECT_EQ(items->Count(&count), S_OK);
+  EXPECT_EQ(count, 3);
+  com::Ref<IDispatch> item;
+  EXPECT_EQ(items->Item(com::MakeString("TEMPERATURELOW").Get(), item.Put()), S_OK);
+  com::Variant exponents;
+  EXPECT_EQ(item.As<ICapeParameterSpec>()->get_Dimensionality(exponents.Put()), S_OK);
+  EXPECT_EQ(com::ReadDoubles(exponents.Get()), kKelvin);
+  EXPECT_EQ(items->Item(com::MakeInteger(4).Get(), item.Put()), kFailed);
+  EXPECT_EQ(ErrorOf(items.Get()), (Texts{"index out of range for parameter specification specification",
+                                         "index out of range for parameter specification specification",
+                                         "Item", "ICapeCollection"}));
+}
+
+// ---- Matching
+// -----------------------------------------------------------------------------------------------------
+
+struct StreamParameter {
+  const char* name;
+  std::vector<double> dimensionality;
+};
+
+struct MatchCase {
+  const char* title;
+  const char* port;
+  std::vector<StreamParameter> parameters;
+  LONG counted;  // -1: all
+  std::vector<std::string> log;
+  const char* failure;  // empty when connected
+};
+
+const char* const kNoWork =
+    "Information item \"work\" of port \"Heat\" could not be matched to any parameter available on the "
+    "object to "
+    "connect to";
+const char* const kNoLow =
+    "Warning: Optional information item \"temperatureLow\" of port \"Heat\" could not be matched to any "
+    "parameter "
+    "available on the object to connect to";
+const char* const kNoHigh =
+    "Warning: Optional information item \"temperatureHigh\" of port \"Heat\" could not be matched to any "
+    "parameter "
+    "available on the object to connect to";
+const char* const kWork =
+    "info: port Heat matches connection parameter \"work\" to information item \"work\"";
+const char* const kLow =
+    "info: port Heat matches connection parameter \"temperatureLow\" to information item \"temperatureLow\"";
+const char* const kHigh =
+    "info: port Heat matches connection parameter \"temperatureHigh\" to information item "
+    "\"temperatureHigh\"";
+
+const MatchCase kMatches[] = {
+    {"one item, one parameter: by dimensionality alone",
+     "Signal",
+     {{"T", kKelvin}},
+     -1,
+     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
+     ""},
+    {"eight exponents for nine",
+     "Signal",
+     {{"T", {0, 0, 0, 0, 1, 0, 0, 0}}},
+     -1,
+     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
+     ""},
+    {"within the tolerance",
+     "Signal",
+     {{"T", {0, 0, 0, 0, 1 + 9e-7, 0, 0, 0}}},
+     -1,
+     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
+     ""},
+    {"one of each, other dimensionality",
+     "Signal",
+     {{"P", kPower}},
+     -1,
+     {"Warning: Parameter P on object matches does not match dimensionality with port parameter",
+      "Port \"Signal\" does not predict values for \"P\"; no suitable information item is present"},
+     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
+     "the "
+     "object to connect to"},
+    {"one of each, no dimensionality",
+     "Signal",
+     {{"x", {}}},
+     -1,
+     {"Warning: Parameter x on object matches does not match dimensionality with port parameter",
+      "Port \"Signal\" does not predict values for \"x\"; no suitable information item is present"},
+     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
+     "the "
+     "object to connect to"},
+    {"all three",
+     "Heat",
+     {{"Work", kPower}, {"temperatureLow", kKelvin}, {"temperatureHigh", kKelvin}},
+     -1,
+     {"info: port Heat matches connection parameter \"Work\" to information item \"work\"", kLow, kHigh},
+     ""},
+    {"only the heat", "Heat", {{"work", kPower}}, -1, {kWork, kNoLow, kNoHigh}, ""},
+    {"counted less than answered",
+     "Heat",
+     {{"work", kPower}, {"temperatureLow", kKelvin}, {"temperatureHigh", kKelvin}},
+     1,
+     {kWork, kLow, kHigh},
+     ""},
+    {"more than wanted",
+     "Heat",
+     {{"work", kPower}, {"colour", {}}},
+     -1,
+     {kWork,
+      "Warning: port \"Heat\" does not have a matching data item for parameter \"colour\"; the data will be "
+      "ignored.",
+      kNoLow, kNoHigh},
+     ""},
+    {"name without dimensionality",
+     "Heat",
+     {{"work", kKelvin}, {"temperatureLow", kKelvin}},
+     -1,
+     {"Parameter work on object matches name with port parameter, but dimensionality does not match", kLow},
+     kNoWork},
+    {"two of one name",
+     "Heat",
+     {{"work", kPower}, {"Work", kPower}},
+     -1,
+     {},
+     "The object to connect two exposes two parameters that go by the name Work"},
+    {"none", "Heat", {}, -1, {}, "The parameter collection implemented by the object to connect to is empty"},
+};
+
+TEST(CUnitInfoPort, MatchesItsItemsToTheParametersOfAStream) {
+  for (const MatchCase& c : kMatches) {
+    SCOPED_TRACE(c.title);
+    Bench bench;
+    for (const StreamParameter& parameter : c.parameters)
+      bench.stream->Add(parameter.name, parameter.dimensionality, 1);
+    bench.stream->counted = c.counted;
+    EXPECT_EQ(bench.Connect(c.port, bench.stream), *c.failure ? kFailed : S_OK);
+    EXPECT_EQ(bench.context->log, c.log);
+    EXPECT_EQ(bench.IsConnected(c.port), !*c.failure);
+    if (*c.failure)
+      EXPECT_EQ(ErrorOf(bench.door.Port(c.port).Get()),
+                (Texts{"failed to connect", c.failure, "Connect", "ICapeUnitPort"}));
+    EXPECT_EQ(bench.stream->References(), *c.failure ? 1u : 2u);
+  }
+}
+
+TEST(CUnitInfoPort, ReadsAndWritesValues) {
+  Bench bench;
+  bench.stream->Add("work", kPower, 5);
+  bench.stream->Add("temperatureHigh", kKelvin, 400);
+  EXPECT_EQ(bench.Connect("Heat", bench.stream), S_OK);
+  CUnitInfoPort& heat = bench.InfoPort(1);
+  EXPECT_EQ(com::ReadDouble(heat.ReadInformation(0).Get()), 5);
+  EXPECT_FALSE(heat.IsMatched(1));
+  EXPECT_EQ(com::ReadDouble(heat.ReadInformation(2).Get()), 400);
+  heat.WriteInformation(0, -3);
+  EXPECT_EQ(bench.stream->parameters[0]->value.Get().dblVal, -3);
+  const auto textOf = [&](auto action) {
+    try {
+      action();
+      return std::string("<none>");
+    } catch (const Failure& failure) {
+      return failure.error.description;
+    }
+  };
+  EXPECT_EQ(textOf([&] { (void)heat.ReadInformation(1); }),
+            "information was not mapped to parameter on connected object");
+  EXPECT_EQ(textOf([&] { heat.WriteInformation(3, 0); }),
+            "internal error, information item is not exported by port");
+  EXPECT_EQ(textOf([&] { bench.InfoPort(2).WriteInformation(0, 0); }), "<none>") << "unconnected";
+  EXPECT_EQ(textOf([&] { (void)bench.InfoPort(2).ReadInformation(0); }), "port is not connected");
+}
+
+// ---- Faults
+// -------------------------------------------------------------------------------------------------------
+
+struct HostCall {
+  const char* call;
+  const char* description;  // null where the failure is harmless
+};
+
+struct Operation {
+  const char* title;
+  HRESULT (*run)(Bench&);
+  std::vector<HostCall> calls;
+};
+
+template <class Action>
+HRESULT Outcome(Action action) {
+  try {
+    action();
+    return S_OK;
+  } catch (const Failure&) {
+    return kFailed;
+  }
+}
+
+const Operation kOperations[] = {
+    {"connect",
+     [](Bench& b) { return b.Connect("Signal", b.stream); },
+     {{"QueryInterface ICapeCollection",
+       "The object that requested connection does not implement ICapeCollection"},
+      {"Count",
+       "failed to obtain number of information items of ICapeCollection implemented by object to connect "
+       "to: <why>"},
+      {"Item", "The parameter collection failed to return one of the parameters: <why>"},
+      {"QueryInterface ICapeParameter",
+       "Parameter T of the object to connect to does not return ICapeParameter interface"},
+      {"get_Specification", "get_Specification failed on parameter T in the object to connect to: <why>"},
+      {"QueryInterface ICapeParameterSpec",
+       "IDispatch interface returned by get_Specification of parameter T in the object to connect to does "
+       "not "
+       "implement ICapeParameterSpec"},
+      {"get_Type", "get_Type failed on parameter T specifications in the object to connect to: <why>"},
+      {"get_Dimensionality", "Unable to interpret dimensionality on parameter T in the object to connect to"},
+      {"LogMessage", nullptr}}},
+    {"read",
+     [](Bench& b) { return Outcome([&] { (void)b.InfoPort(2).ReadInformation(0); }); },
+     {{"QueryInterface ICapeCollection",
+       "failed to get ICapeCollection from object connected to port, <why>"},
+      {"Item", "Failed to obtain specified item 1 from connected object's parameter collection: <why>"},
+      {"QueryInterface ICapeParameter", "Failed to get ICapeParameter from parameter: <why>"},
+      {"get_value", "Failed to get value from parameter: <why>"}}},
+    {"write",
+     [](Bench& b) { return Outcome([&] { b.InfoPort(2).WriteInformation(0, 1); }); },
+     {{"QueryInterface ICapeCollection",
+       "failed to get ICapeCollection from object connected to port, <why>"},
+      {"Item", "Failed to obtain specified item 1 from connected object's parameter collection: <why>"},
+      {"QueryInterface ICapeParameter", "Failed to get ICapeParameter from parameter: <why>"},
+      {"put_value",
+       "Unable to set Temperature to port \"Signal\": Failed to set value from parameter: <why>"}}},
+};
+
+TEST(CUnitInfoPort, ExplainsEveryFailingHostCallAndRecovers) {
+  for (const Operation& operation : kOperations)
+    for (const FaultMode& mode : kFaultModes)
+      for (std::size_t k = 0; k < operation.calls.size(); ++k) {
+        const HostCall& call = operation.calls[k];
+        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + call.call);
+        Bench bench;
+        bench.stream->Add("T", kKelvin, 300);
+        EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
+        const ULONG references = bench.stream->References();
+        Provoke(*bench.script, mode, static_cast<int>(k) + 1);
+        EXPECT_EQ(operation.run(bench), call.description ? kFailed : S_OK);
+        ASSERT_GT(bench.script->calls.size(), k);
+        EXPECT_EQ(bench.script->calls[k], call.call);
+        if (call.description)
+          EXPECT_EQ(ErrorOf(bench.door.Port("Signal").Get()).description,
+                    Explain(call.description, call.call, mode));
+        EXPECT_EQ(bench.stream->parameters[0]->References(), 1u);
+        bench.script->Restart();
+        EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
+        EXPECT_EQ(bench.stream->References(), references);
+        EXPECT_EQ(operation.run(bench), S_OK);
+      }
+}
+
+}  // namespace
+}  // namespace morvelan::test
