@@ -284,7 +284,8 @@ std::vector<Variant> ReadVariants(const VARIANT& array) {
 
 std::size_t CountStrings(const VARIANT& array) {
   const Elements elements(array, "an array of texts");
-  for (std::size_t i = 0; i < elements.Count(); ++i) (void)ReadElement(elements, i, ReadText);
+  const bool allTexts = elements.Type() == VT_BSTR;
+  for (std::size_t i = 0; !allTexts && i < elements.Count(); ++i) (void)ReadElement(elements, i, ReadText);
   return elements.Count();
 }
 

@@ -1,0 +1,34 @@
+# What the top-level commands share: installing what is missing, and building. Sourced by them; expects $root.
+
+packages=(
+  cmake ninja-build g++             # the build
+  mingw-w64-tools libwine-dev       # widl and the system's interface definitions
+  nlohmann-json3-dev libcli11-dev   # flowsheet files, command line
+  libeigen3-dev libboost-dev        # the reference host's thermodynamics
+)
+
+# Installs the Debian packages among the arguments that are missing.
+install_missing() {
+  local missing=()
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "Installing ${missing[*]}" >&2
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq >&2
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+}
+
+# build PRESET [TARGET...]: configures once and builds; the log shows only when it fails.
+build() {
+  local preset=$1 log=$root/build/$1.log
+  shift
+  mkdir -p "$root/build"
+  (
+    cd "$root"
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    cmake --build --preset "$preset" ${*:+--target "$@"}
+  ) >"$log" 2>&1 || { cat "$log" >&2; echo "The $preset build failed; see $log" >&2; exit 1; }
+}
