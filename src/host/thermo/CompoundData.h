@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/thermo/Compound.h"
+
+namespace morvelan::host {
+
+/// Compounds and binary interactions read from JSON. Every operation that reads throws std::runtime_error
+/// whose text names the place (`compounds.json: compounds[3] "argon": criticalPressure: ...`), and then
+/// changes nothing.
+class CompoundData {
+ public:
+  /// Adds the compounds of a file or object, `{"compounds": [...]}`; one that bears the name of a compound
+  /// already there replaces it. A name, alias or CAS number may belong to one compound only.
+  void AddCompounds(const std::filesystem::path& file);
+  void AddCompounds(const nlohmann::json& object, const std::string& place);
+
+  /// Adds the pairs of a file or object, `{"pairs": [{"a": ..., "b": ..., "kij": ...}]}`. A pair that is
+  /// there already is replaced. The compounds must be known.
+  void AddInteractions(const std::filesystem::path& file);
+  void AddInteractions(const nlohmann::json& object, const std::string& place);
+
+  [[nodiscard]] const std::vector<Compound>& Compounds() const { return compounds; }
+
+  /// Position by name, alias or CAS number, without regard to ASCII case.
+  [[nodiscard]] std::optional<std::size_t> Find(std::string_view name) const;
+
+  /// kij of two compounds by position; zero for a pair that is not listed.
+  [[nodiscard]] double Kij(std::size_t i, std::size_t j) const;
+
+ private:
+  std::vector<Compound> compounds;
+  std::map<std::string, std::size_t, std::less<>> byName;     // lower-case names, aliases, CAS numbers
+  std::map<std::pair<std::size_t, std::size_t>, double> kij;  // key ascending
+};
+
+}  // namespace morvelan::host

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <Eigen/Core>
+#include <optional>
+
+namespace morvelan::host {
+
+/// Molar fractions of the two phases; both are kept because a small one has no digits left in 1 minus the
+/// other.
+struct PhaseFractions {
+  double vapor = 0.0;
+  double liquid = 1.0;
+};
+
+/// Solves sum_i z_i (K_i - 1)/(1 + V (K_i - 1)) = 0 for the vapour fraction V strictly between 0 and 1
+/// (Rachford and Rice, J. Pet. Technol. 4 (1952) 19). Nothing when the mixture is not two-phase at these K.
+[[nodiscard]] std::optional<PhaseFractions> SolveRachfordRice(const Eigen::VectorXd& z,
+                                                              const Eigen::VectorXd& K);
+
+/// Compositions of both phases, of sum one.
+void SplitCompositions(const Eigen::VectorXd& z, const Eigen::VectorXd& K, const PhaseFractions& fractions,
+                       Eigen::VectorXd& y, Eigen::VectorXd& x);
+
+}  // namespace morvelan::host

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/thermo/CompoundData.h"
+#include "host/thermo/PropertyPackage.h"
+
+namespace morvelan::host {
+
+using Package = std::shared_ptr<const PropertyPackage>;
+
+/// A mixture with a composition.
+struct Blend {
+  std::vector<std::string> compounds;
+  std::vector<double> z;
+};
+
+inline const Blend kLightGas{{"methane", "ethane", "propane", "n-butane", "carbon dioxide", "nitrogen"},
+                             {0.7, 0.1, 0.08, 0.05, 0.04, 0.03}};
+inline const Blend kAromatics{{"benzene", "toluene"}, {0.4, 0.6}};
+inline const Blend kAqueous{{"water", "methanol"}, {0.55, 0.45}};
+
+inline const CompoundData& BuiltInData() {
+  static const CompoundData data = [] {
+    CompoundData loaded;
+    loaded.AddCompounds(std::filesystem::path(MORVELAN_DATA_DIR) / "compounds.json");
+    loaded.AddInteractions(std::filesystem::path(MORVELAN_DATA_DIR) / "binary-interaction.json");
+    return loaded;
+  }();
+  return data;
+}
+
+inline Package MakePackage(const std::vector<std::string>& compounds,
+                           const std::string& model = "peng-robinson") {
+  PackageOptions options;
+  options.model = model;
+  options.compounds = compounds;
+  return MakePropertyPackage(BuiltInData(), options);
+}
+
+/// The inputs of a case for the messages of failures.
+inline std::string Inputs(const std::vector<std::string>& compounds, double T, double P,
+                          const std::vector<double>& x) {
+  std::ostringstream text;
+  text.precision(17);
+  text << "T = " << T << " K, P = " << P << " Pa";
+  for (std::size_t i = 0; i < x.size(); ++i) text << ", " << compounds[i] << " " << x[i];
+  return text.str();
+}
+
+/// Largest |ln of the fugacity ratio| over the compounds present in two-phase equilibrium; zero for one
+/// phase.
+inline double FugacityMismatch(const PropertyPackage& package, const Equilibrium& state) {
+  if (state.phases.size() < 2) return 0.0;
+  const Phase& vapor = state.phases[0];
+  const Phase& liquid = state.phases[1];
+  const std::vector<double> ofVapor = package.LnPhi(PhaseKind::kVapor, state.T, state.P, vapor.x);
+  const std::vector<double> ofLiquid = package.LnPhi(PhaseKind::kLiquid, state.T, state.P, liquid.x);
+  double worst = 0.0;
+  for (std::size_t i = 0; i < vapor.x.size(); ++i) {
+    if (vapor.x[i] == 0.0 && liquid.x[i] == 0.0) continue;
+    worst = std::max(worst, std::abs(std::log(vapor.x[i] / liquid.x[i]) + ofVapor[i] - ofLiquid[i]));
+  }
+  return worst;
+}
+
+/// Largest |sum over phases of fraction times x - z|.
+inline double BalanceError(const Equilibrium& state, const std::vector<double>& z) {
+  double worst = 0.0;
+  for (std::size_t i = 0; i < z.size(); ++i) {
+    double sum = -z[i];
+    for (const Phase& phase : state.phases) sum += phase.fraction * phase.x[i];
+    worst = std::max(worst, std::abs(sum));
+  }
+  return worst;
+}
+
+}  // namespace morvelan::host
