@@ -1,0 +1,49 @@
+#include <fstream>
+#include <iostream>
+
+#include "cli/Commands.h"
+#include "host/flowsheet/ResultJson.h"
+#include "host/flowsheet/ResultTable.h"
+
+namespace morvelan::cli {
+namespace {
+
+constexpr int kIndent = 2;
+
+std::string JsonText(const host::Results& results) {
+  return host::ToJson(results).dump(kIndent, ' ', false, host::Json::error_handler_t::replace) + '\n';
+}
+
+/// Tells of units that are not solved; the table has it too, but a quiet run has no table.
+void TellFailures(const host::Results& results) {
+  for (const host::UnitResult& unit : results.units)
+    if (unit.error) std::cerr << "morvelan: unit \"" << unit.name << "\": " << unit.error->Text() << '\n';
+}
+
+}  // namespace
+
+int Run(const RunArguments& arguments, const std::filesystem::path& dataFolder) {
+  const host::Flowsheet flowsheet = host::ReadFlowsheet(arguments.file, dataFolder);
+  host::FlowsheetRun run(flowsheet, arguments.options);
+  const bool toScreen = arguments.json == "-";
+  std::ofstream json;
+  if (!arguments.json.empty() && !toScreen) {
+    json.open(arguments.json, std::ios::binary);
+    if (!json) throw std::runtime_error(arguments.json + ": the file cannot be written");
+  }
+  const host::Results results = run.Calculate();
+  if (json.is_open()) {
+    json << JsonText(results);
+    json.close();
+    if (!json) throw std::runtime_error(arguments.json + ": the file cannot be written");
+  }
+  if (toScreen)
+    std::cout << JsonText(results);
+  else if (!arguments.quiet)
+    std::cout << host::ToText(results);
+  std::cout.flush();
+  TellFailures(results);
+  return results.solved ? kSolved : kNotSolved;
+}
+
+}  // namespace morvelan::cli

@@ -1,0 +1,142 @@
+#include "host/flowsheet/StreamNetwork.h"
+
+#include <algorithm>
+
+#include "host/flowsheet/Nearest.h"
+
+namespace morvelan::host {
+namespace {
+
+const char* TypeName(CapePortType type) {
+  switch (type) {
+    case CAPE_ENERGY:
+      return "an energy";
+    case CAPE_INFORMATION:
+      return "an information";
+    default:
+      return "a material";
+  }
+}
+
+CapePortType TypeOf(const StreamSpecification& stream) {
+  if (std::holds_alternative<EnergyFeed>(stream.state)) return CAPE_ENERGY;
+  return std::holds_alternative<InformationFeed>(stream.state) ? CAPE_INFORMATION : CAPE_MATERIAL;
+}
+
+/// Connects one port; units' names make the messages.
+void Connect(NetworkStream& stream, const NetworkConnection& connection, const Flowsheet& flowsheet) {
+  if (stream.type == CAPE_ANY) stream.type = connection.type;
+  if (connection.type != CAPE_ANY && connection.type != stream.type)
+    throw FlowsheetError(connection.place, std::string("the port takes ") + TypeName(connection.type) +
+                                               " stream, \"" + stream.name + "\" is " +
+                                               TypeName(stream.type) + " stream");
+  const bool isOutlet = connection.direction == CAPE_OUTLET;
+  std::optional<std::size_t>& end = isOutlet ? stream.source : stream.target;
+  if (end)
+    throw FlowsheetError(connection.place,
+                         "stream \"" + stream.name + (isOutlet ? "\" comes from" : "\" feeds") +
+                             " a port of unit \"" + flowsheet.units[*end].name + "\" already");
+  end = connection.unit;
+  if (isOutlet || stream.items.empty()) stream.items = connection.items;
+}
+
+/// The units that feed each unit, by position.
+std::vector<std::vector<std::size_t>> Feeders(const StreamNetwork& network, std::size_t unitCount) {
+  std::vector<std::vector<std::size_t>> feeders(unitCount);
+  for (const NetworkStream& stream : network.streams)
+    if (stream.source && stream.target) feeders[*stream.target].push_back(*stream.source);
+  return feeders;
+}
+
+/// The names of the units of a cycle among units that all have a feeder among them, in the streams'
+/// direction.
+std::vector<std::size_t> FindCycle(const std::vector<std::vector<std::size_t>>& feeders,
+                                   const std::vector<bool>& ordered) {
+  auto unit = static_cast<std::size_t>(std::ranges::find(ordered, false) - ordered.begin());
+  std::vector<std::size_t> path;
+  while (std::ranges::find(path, unit) == path.end()) {
+    path.push_back(unit);
+    unit = *std::ranges::find_if(feeders[unit], [&](std::size_t feeder) { return !ordered[feeder]; });
+  }
+  path.erase(path.begin(), std::ranges::find(path, unit));
+  std::ranges::reverse(path);
+  std::ranges::rotate(path, std::ranges::min_element(path));
+  return path;
+}
+
+[[noreturn]] void FailRecycle(const Flowsheet& flowsheet, const std::vector<std::size_t>& cycle) {
+  std::string units;
+  for (const std::size_t unit : cycle) units += '"' + flowsheet.units[unit].name + "\" -> ";
+  throw FlowsheetError(flowsheet.units[cycle.front()].place,
+                       "the recycle " + units + '"' + flowsheet.units[cycle.front()].name +
+                           "\" is not supported yet: streams must not lead back to a unit");
+}
+
+/// The file's order, but for units that must wait for others.
+std::vector<std::size_t> OrderUnits(const Flowsheet& flowsheet, const StreamNetwork& network) {
+  const auto feeders = Feeders(network, flowsheet.units.size());
+  std::vector<bool> ordered(flowsheet.units.size(), false);
+  std::vector<std::size_t> order;
+  while (order.size() < flowsheet.units.size()) {
+    std::size_t next = 0;
+    const auto waits = [&](std::size_t unit) {
+      return std::ranges::any_of(feeders[unit], [&](std::size_t feeder) { return !ordered[feeder]; });
+    };
+    while (next < ordered.size() && (ordered[next] || waits(next))) ++next;
+    if (next == ordered.size()) FailRecycle(flowsheet, FindCycle(feeders, ordered));
+    ordered[next] = true;
+    order.push_back(next);
+  }
+  return order;
+}
+
+void CheckSources(const StreamNetwork& network, const std::vector<NetworkConnection>& connections) {
+  std::vector<std::string> known;
+  for (const NetworkStream& stream : network.streams)
+    if (stream.listed || stream.source) known.push_back(stream.name);
+  for (const NetworkConnection& connection : connections) {
+    const NetworkStream& stream = network.streams[network.Find(connection.stream)];
+    if (!stream.listed && !stream.source)
+      throw FlowsheetError(connection.place, "stream \"" + stream.name +
+                                                 "\" is not listed under streams and comes from no unit" +
+                                                 Suggestion(stream.name, known));
+  }
+}
+
+}  // namespace
+
+std::size_t StreamNetwork::Find(const std::string& name) const {
+  return static_cast<std::size_t>(std::ranges::find(streams, name, &NetworkStream::name) - streams.begin());
+}
+
+StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<NetworkConnection>& connections) {
+  StreamNetwork network;
+  for (const StreamSpecification& stream : flowsheet.streams)
+    network.streams.push_back({.name = stream.name,
+                               .type = TypeOf(stream),
+                               .listed = &stream,
+                               .source = {},
+                               .target = {},
+                               .items = {}});
+  for (const NetworkConnection& connection : connections) {
+    const std::size_t found = network.Find(connection.stream);
+    if (found == network.streams.size())
+      network.streams.push_back({.name = connection.stream,
+                                 .type = connection.type,
+                                 .listed = nullptr,
+                                 .source = {},
+                                 .target = {},
+                                 .items = {}});
+    Connect(network.streams[found], connection, flowsheet);
+  }
+  CheckSources(network, connections);
+  network.order = OrderUnits(flowsheet, network);
+  for (const NetworkStream& stream : network.streams)
+    if (stream.listed && stream.source)
+      throw FlowsheetError(stream.listed->place, "the stream is an outlet of unit \"" +
+                                                     flowsheet.units[*stream.source].name +
+                                                     "\", which gives it its state; do not list it");
+  return network;
+}
+
+}  // namespace morvelan::host

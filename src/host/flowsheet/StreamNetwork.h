@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/flowsheet/Flowsheet.h"
+#include "host/unit/HostedUnit.h"
+
+namespace morvelan::host {
+
+/// A port of a unit and the stream that the file connects to it. Units are positions in Flowsheet::units.
+struct NetworkConnection {
+  std::size_t unit = 0;
+  std::string stream;
+  CapePortDirection direction = CAPE_INLET;
+  CapePortType type = CAPE_MATERIAL;
+  std::vector<PortItem> items;
+  Place place;
+};
+
+struct NetworkStream {
+  std::string name;
+  CapePortType type = CAPE_MATERIAL;
+  const StreamSpecification* listed = nullptr;  // absent for a stream that a port names
+  std::optional<std::size_t> source;            // the unit whose outlet it is
+  std::optional<std::size_t> target;            // the unit whose inlet it is
+  std::vector<PortItem> items;                  // what an energy or information port says of its values
+};
+
+/// The streams of a flowsheet, and its units in an order in which each comes after those that feed it.
+struct StreamNetwork {
+  std::vector<NetworkStream> streams;  // those listed first, in the file's order
+  std::vector<std::size_t> order;
+
+  [[nodiscard]] std::size_t Find(const std::string& name) const;
+};
+
+/// Throws FlowsheetError for a stream of two sources or targets, of two types, without a source or a state,
+/// or with both, and for a recycle.
+[[nodiscard]] StreamNetwork BuildNetwork(const Flowsheet& flowsheet,
+                                         const std::vector<NetworkConnection>& connections);
+
+}  // namespace morvelan::host
