@@ -81,6 +81,8 @@ const char* NameOf(VARTYPE type) {
       return "an object";
     case VT_VARIANT:
       return "a variant";
+    case VT_ERROR:
+      return "an error";
     default:
       return nullptr;
   }
@@ -90,7 +92,6 @@ const char* NameOf(VARTYPE type) {
 class Elements {
  public:
   Elements(const VARIANT& variant, const char* expected) : value(Borrow(variant)) {
-    if (value.vt == VT_EMPTY) return;
     if (!(value.vt & VT_ARRAY)) Mismatch(expected, value);
     if (!value.parray) return;
     if (SafeArrayGetDim(value.parray) != 1)
@@ -101,8 +102,8 @@ class Elements {
     SafeArrayGetLBound(value.parray, 1, &lower);
     SafeArrayGetUBound(value.parray, 1, &upper);
     count = upper < lower ? 0 : static_cast<std::size_t>(std::int64_t{upper} - lower + 1);
-    if (SafeArrayGetElemsize(value.parray) != SizeOf(Type()))
-      throw ValueError(std::string(expected) + " expected, an array with elements of another size found");
+    if (SafeArrayGetElemsize(value.parray) != SizeOf(Type()) || IsPointer(ElementType()) != IsPointer(Type()))
+      throw ValueError(std::string(expected) + " expected, an array of other elements than it says found");
     if (FAILED(SafeArrayAccessData(value.parray, &data))) throw ValueError("the array is not accessible");
   }
   Elements(const Elements&) = delete;
@@ -126,6 +127,15 @@ class Elements {
   }
 
  private:
+  /// The element type as the array itself knows it, if it does.
+  [[nodiscard]] VARTYPE ElementType() const {
+    VARTYPE type = Type();
+    SafeArrayGetVartype(value.parray, &type);
+    return type;
+  }
+
+  static bool IsPointer(VARTYPE type) { return type == VT_BSTR || type == VT_UNKNOWN || type == VT_DISPATCH; }
+
   static UINT SizeOf(VARTYPE type) {
     switch (type) {
       case VT_I1:
@@ -180,9 +190,18 @@ T* DataOf(const Variant& array) {
 
 VARIANT Borrow(const VARIANT& variant) {
   VARIANT v = variant;
-  for (int depth = 0; FollowOnce(v); ++depth)
-    if (depth == kDeepestNesting) throw ValueError("a variant refers to itself");
+  for (int depth = 0; FollowOnce(v); ++depth) {
+    if (depth < kDeepestNesting) continue;
+    VariantInit(&v);
+    v.vt = VT_ERROR;
+    return v;
+  }
   return v;
+}
+
+Variant Settle(Variant given) {
+  if (!(given.Get().vt & VT_BYREF)) return given;
+  return Copy(Borrow(given.Get()));
 }
 
 std::string Describe(const VARIANT& variant) {
@@ -240,8 +259,7 @@ bool ReadBoolean(const VARIANT& variant) {
 std::int32_t ReadInteger(const VARIANT& variant) {
   const VARIANT v = Borrow(variant);
   Variant converted;
-  if (v.vt == VT_EMPTY || FAILED(VariantChangeTypeEx(converted.Put(), &v, LOCALE_INVARIANT, 0, VT_I4)))
-    Mismatch("an integer", v);
+  if (FAILED(VariantChangeTypeEx(converted.Put(), &v, LOCALE_INVARIANT, 0, VT_I4))) Mismatch("an integer", v);
   return converted.Get().lVal;
 }
 

@@ -23,14 +23,16 @@ class ArrayAllocationError : public std::bad_alloc {};
 /// What a variant holds once references (VT_BYREF) and variants in variants are followed. The result borrows
 /// from `variant`: it is read and never cleared. A null reference gives VT_EMPTY.
 [[nodiscard]] VARIANT Borrow(const VARIANT& variant);
+/// The value itself where a host gave a reference to it, which may go with the host's object.
+[[nodiscard]] Variant Settle(Variant given);
 
 // Reading is lenient about the form of an array (any lower bound, by reference, of variants, of any numeric
-// type, VT_EMPTY for no elements) and strict about its content. All throw ValueError.
+// type) and strict about its content. All throw ValueError.
 
 [[nodiscard]] double ReadDouble(const VARIANT& variant);
 [[nodiscard]] std::string ReadString(const VARIANT& variant);
 [[nodiscard]] bool ReadBoolean(const VARIANT& variant);
-/// Any number is taken, and rounded; a text that is one too.
+/// Any number is taken, and rounded; a text that is one too; nothing is 0.
 [[nodiscard]] std::int32_t ReadInteger(const VARIANT& variant);
 /// Replaces the content of `values`, which keeps its storage.
 void ReadDoubles(const VARIANT& array, std::vector<double>& values);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <new>
 
 #include "cape_open.h"
 #include "com/Ref.h"
@@ -43,13 +44,15 @@ constexpr std::array<const char*, 26> kCodeTexts = {
     "One or more of the requested thermodynamic properties are not set on the material",
 };
 
-std::string SystemText(HRESULT code) {
+std::string SystemText(HRESULT code) try {
   if (auto text = com::SystemMessage(code)) return *text;
   constexpr char kHex[] = "0123456789ABCDEF";
   std::string text = "error code 0x";
   for (int shift = 28; shift >= 0; shift -= 4)
     text.push_back(kHex[(static_cast<std::uint32_t>(code) >> shift) & 15]);
   return text;
+} catch (const std::bad_alloc&) {
+  return "<unknown error>";
 }
 
 /// The text that a getter of an error interface gives, or empty.

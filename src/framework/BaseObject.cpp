@@ -10,8 +10,18 @@ namespace morvelan {
 BaseObject::BaseObject(std::string objectName, std::string objectDescription)
     : name(std::move(objectName)), description(std::move(objectDescription)) {}
 
-HRESULT BaseObject::get_ComponentName(BSTR* value) { return ReturnText(value, name); }
-HRESULT BaseObject::get_ComponentDescription(BSTR* value) { return ReturnText(value, description); }
+HRESULT BaseObject::get_ComponentName(BSTR* value) {
+  if (!value) return E_POINTER;
+  *value = nullptr;
+  return Guard("get_ComponentName", "ICapeIdentification", [&] { *value = com::ToBstr(name).Detach(); });
+}
+
+HRESULT BaseObject::get_ComponentDescription(BSTR* value) {
+  if (!value) return E_POINTER;
+  *value = nullptr;
+  return Guard("get_ComponentDescription", "ICapeIdentification",
+               [&] { *value = com::ToBstr(description).Detach(); });
+}
 
 HRESULT BaseObject::put_ComponentName(BSTR text) {
   return Guard("put_ComponentName", "ICapeIdentification", [&] { name = com::ToUtf8(text); });

@@ -38,8 +38,10 @@ BaseUnit::BaseUnit(const UnitDeclaration& unitDeclaration)
 BaseUnit::~BaseUnit() {
   parameterCollection->Orphan();
   portCollection->Orphan();
-  for (const auto& parameter : AllParameters()) parameter->Orphan();
-  for (const auto& port : AllPorts()) port->Orphan();
+  for (const auto* list : {&parameters, &extraParameters})
+    for (const auto& parameter : *list) parameter->Orphan();
+  for (const auto* list : {&inlets, &outlets})
+    for (const auto& port : *list) port->Orphan();
 }
 
 template <class Body>
@@ -106,7 +108,8 @@ HRESULT BaseUnit::Initialize() {
 
 HRESULT BaseUnit::Terminate() {
   return Guard("Terminate", "ICapeUtilities", [&] {
-    if (!initialized) return;
+    // The host may have connected a port that it kept, or passed a context, while the unit was not
+    // initialized.
     for (const auto& port : AllPorts()) port->ReleaseConnection();
     context = SimulationContext();
     Invalidate();
@@ -119,7 +122,7 @@ HRESULT BaseUnit::Edit() {
     if (!ui::HasWindows())
       throw Failure("No window can be shown here to edit unit " + ComponentName() +
                     "; set its parameters through the host instead");
-    ui::ShowMessageBox(declaration.about, ComponentName(), ui::Icon::kInformation);
+    ui::ShowMessageBox(declaration.about, ComponentName().c_str(), ui::Icon::kInformation);
   });
 }
 
@@ -185,43 +188,44 @@ void BaseUnit::ConnectionChanged() {
 
 void BaseUnit::ParameterChanged() {
   Invalidate();
-  InputsChanged();
   dirty = true;
+  InputsChanged();
 }
 
 void BaseUnit::ParameterPut(const CParameter& parameter) {
+  if (com::EqualNoCase(parameter.ComponentName(), kThermoVersion)) {
+    RefreshThermoVersion();
+    thermoVersionFixed = true;
+  }
   ParameterChanged();
-  if (!com::EqualNoCase(parameter.ComponentName(), kThermoVersion)) return;
-  RefreshThermoVersion();
-  thermoVersionFixed = true;
+}
+
+CParameter* BaseUnit::FindThermoVersion() const {
+  const int index = ThermoVersionParameterIndex();
+  if (index < 0 || static_cast<std::size_t>(index) >= parameters.size()) return nullptr;
+  return parameters[static_cast<std::size_t>(index)].Get();
 }
 
 void BaseUnit::RefreshThermoVersion() {
-  const int index = ThermoVersionParameterIndex();
-  if (index < 0) useThermo11 = false;
-  if (index < 0 || static_cast<std::size_t>(index) >= parameters.size()) return;
-  const auto* version = std::get_if<std::string>(&parameters[static_cast<std::size_t>(index)]->Value());
-  useThermo11 = version && *version == "1.1";
+  if (ThermoVersionParameterIndex() < 0) useThermo11 = false;
+  if (const CParameter* parameter = FindThermoVersion())
+    useThermo11 = parameter->Value() == ParameterValue(std::string("1.1"));
 }
 
 void BaseUnit::MatchThermoVersion(bool thermo11) {
-  const int index = ThermoVersionParameterIndex();
-  if (index < 0 || static_cast<std::size_t>(index) >= parameters.size()) return;
-  CParameter& parameter = *parameters[static_cast<std::size_t>(index)];
+  CParameter* parameter = FindThermoVersion();
   const std::string version = thermo11 ? "1.1" : "1.0";
-  const auto* current = std::get_if<std::string>(&parameter.Value());
-  if (!current || !com::EqualNoCase(*current, version)) parameter.Put(version);
+  if (parameter && parameter->Value() != ParameterValue(version)) parameter->Put(version);
 }
 
 void BaseUnit::ChooseThermoVersion(const std::string& version) {
-  const int index = ThermoVersionParameterIndex();
-  if (index >= 0 && static_cast<std::size_t>(index) < parameters.size()) {
-    parameters[static_cast<std::size_t>(index)]->Put(version);
-    pendingThermoVersion.clear();
-  } else {
-    pendingThermoVersion = version;
-  }
   thermoVersionFixed = true;
+  if (!FindThermoVersion()) {
+    pendingThermoVersion = version;
+    return;
+  }
+  MatchThermoVersion(version == "1.1");
+  pendingThermoVersion.clear();
 }
 
 void BaseUnit::ReadDefaultThermoVersion() {
@@ -242,7 +246,8 @@ void BaseUnit::ReadDefaultThermoVersion() {
 void BaseUnit::LogToHost(const std::string& text) const { context.LogMessage(text); }
 
 void BaseUnit::ShowError(const std::string& text) const {
-  if (!context.PopUpMessage(text)) ui::ShowMessageBox(text, "Unit Operation error:", ui::Icon::kExclamation);
+  if (!context.PopUpMessage(text))
+    ui::ShowMessageBox(text.c_str(), "Unit Operation error:", ui::Icon::kExclamation);
 }
 
 void BaseUnit::Warn(const std::string& text) const {
@@ -276,21 +281,17 @@ CUnitPort& BaseUnit::AddPort(const PortDeclaration& port) {
   return *ports.back();
 }
 
+void BaseUnit::RemovePort(CUnitPort& port) {
+  const auto removed = com::Ref<CUnitPort>::Share(&port);
+  for (auto* list : {&inlets, &outlets})
+    std::erase_if(*list, [&](const auto& own) { return own.Get() == &port; });
+  removed->Orphan();
+  ConnectionChanged();
+}
+
 CParameter& BaseUnit::CreateParameter(const ParameterDeclaration& parameter) {
   parameters.push_back(com::Make<CParameter>(parameter, this));
   return *parameters.back();
-}
-
-CParameter& BaseUnit::CreateRealParameter(const char* name, const char* description, CapeParamMode mode,
-                                          double defaultValue, double lower, double upper,
-                                          const Dimensionality& dimensionality) {
-  return CreateParameter({.name = name,
-                          .description = description,
-                          .mode = mode,
-                          .defaultValue = defaultValue,
-                          .lowerBound = lower,
-                          .upperBound = upper,
-                          .dimensionality = dimensionality});
 }
 
 }  // namespace morvelan

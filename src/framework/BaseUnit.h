@@ -93,10 +93,9 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   virtual void CreateFace();
 
   CUnitPort& AddPort(const PortDeclaration& port);
+  /// Disconnects a port and takes it from its list; the host may keep it, to no use.
+  void RemovePort(CUnitPort& port);
   CParameter& CreateParameter(const ParameterDeclaration& parameter);
-  CParameter& CreateRealParameter(const char* name, const char* description, CapeParamMode mode,
-                                  double defaultValue, double lower, double upper,
-                                  const Dimensionality& dimensionality = kDimensionless);
 
   [[nodiscard]] CUnitPort& Inlet(std::size_t i) { return *inlets.at(i); }
   [[nodiscard]] CUnitPort& Outlet(std::size_t i) { return *outlets.at(i); }
@@ -124,6 +123,7 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   template <class Body>
   HRESULT Enter(std::string_view scope, Body&& body);
   void Invalidate();
+  [[nodiscard]] CParameter* FindThermoVersion() const;
   void RefreshThermoVersion();
   void ChooseThermoVersion(const std::string& version);
   void ReadDefaultThermoVersion();

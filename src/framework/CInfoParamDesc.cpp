@@ -17,7 +17,7 @@ HRESULT CInfoParamDesc::get_Dimensionality(VARIANT* exponents) {
   if (!exponents) return E_POINTER;
   VariantInit(exponents);
   return Guard("get_Dimensionality", "ICapeParameterSpec",
-               [&] { *exponents = ToVariant(dimensionality).Detach(); });
+               [&] { *exponents = MakeForHost([&] { return ToVariant(dimensionality); }).Detach(); });
 }
 
 }  // namespace morvelan

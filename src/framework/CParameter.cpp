@@ -1,5 +1,6 @@
 #include "framework/CParameter.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "com/Text.h"
@@ -48,8 +49,8 @@ HRESULT CParameter::get_value(VARIANT* result) {
 
 HRESULT CParameter::put_value(VARIANT newValue) {
   return Enter("put_value", [&] {
-    ReadValue read = ReadParameterValue(Kind(), newValue);
-    if (read.value) read.fault = Check(*read.value);
+    ReadValue read = ReadParameterValue(Kind(), newValue, Limits());
+    if (read.value) read.fault = AskUnit(*read.value);
     if (!read.fault.empty()) throw Failure(read.fault);
     Put(std::move(*read.value));
   });
@@ -57,11 +58,13 @@ HRESULT CParameter::put_value(VARIANT newValue) {
 
 HRESULT CParameter::get_ValStatus(CapeValidationStatus* status) {
   if (!status) return E_POINTER;
+  *status = CAPE_NOT_VALIDATED;
   return Enter("get_ValStatus", [&] { *status = valStatus; });
 }
 
 HRESULT CParameter::get_Mode(CapeParamMode* result) {
   if (!result) return E_POINTER;
+  *result = CAPE_INPUT;
   return Enter("get_Mode", [&] { *result = mode; });
 }
 
@@ -86,7 +89,7 @@ HRESULT CParameter::Reset() {
   return Enter("Reset", [&] {
     valStatus = CAPE_NOT_VALIDATED;
     if (Kind() != CAPE_ARRAY) SetResult(defaultValue);
-    if (unit) unit->ParameterChanged();
+    if (const auto owner = com::Ref<BaseUnit>::Share(unit)) owner->ParameterChanged();
   });
 }
 
@@ -103,6 +106,8 @@ void CParameter::BindDouble(double* mirror) {
 }
 
 void CParameter::SetResult(ParameterValue result) {
+  if (result.index() != value.index())
+    throw std::logic_error("a value of another kind than parameter " + ComponentName());
   value = std::move(result);
   if (boundDouble) *boundDouble = std::get<double>(value);
 }
@@ -110,12 +115,13 @@ void CParameter::SetResult(ParameterValue result) {
 void CParameter::Put(ParameterValue newValue) {
   SetResult(std::move(newValue));
   valStatus = CAPE_NOT_VALIDATED;
-  if (unit) unit->ParameterPut(*this);
+  if (const auto owner = com::Ref<BaseUnit>::Share(unit)) owner->ParameterPut(*this);
 }
 
 std::string CParameter::CheckCurrentValue() {
-  std::string fault = Check(value);
-  valStatus = fault.empty() ? CAPE_VALID : CAPE_INVALID;
+  valStatus = CAPE_INVALID;  // also when the check can't be carried out
+  std::string fault = Recorded("Validate", "ICapeParameter", [&] { return Check(value); });
+  if (fault.empty()) valStatus = CAPE_VALID;
   return fault;
 }
 
@@ -132,9 +138,18 @@ ValueLimits CParameter::Limits() const {
 }
 
 std::string CParameter::Check(const ParameterValue& candidate) const {
-  std::string fault = CheckLimits(candidate, Limits());
-  if (!fault.empty() || !unit) return fault;
-  if (unit->ValidateParameterValue(*this, fault, candidate)) return {};
+  std::string fault =
+      isArrayMember ? CheckElement(std::get<double>(candidate), Limits()) : CheckLimits(candidate, Limits());
+  return fault.empty() ? AskUnit(candidate) : fault;
+}
+
+std::string CParameter::AskUnit(const ParameterValue& candidate) const {
+  const auto owner = com::Ref<BaseUnit>::Share(unit);
+  if (!owner) return {};
+  std::string fault;
+  const bool accepted =
+      ForwardError({}, {}, [&] { return owner->ValidateParameterValue(*this, fault, candidate); });
+  if (accepted) return {};
   return fault.empty() ? "value refused by the unit" : fault;
 }
 

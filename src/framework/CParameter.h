@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -87,10 +88,13 @@ class CParameter final
   template <class Body>
   HRESULT EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName, Body&& body);
   HRESULT ValidateCandidate(CapeParamType kind, std::string_view interfaceName,
-                            const ParameterValue& candidate, BSTR* message, VARIANT_BOOL* isValid);
-  [[nodiscard]] com::Ref<CParameter> MakeArrayMember() const;
+                            const std::function<ParameterValue()>& candidate, BSTR* message,
+                            VARIANT_BOOL* isValid);
+  [[nodiscard]] com::Ref<CParameter> MakeArrayMember(std::size_t position) const;
   [[nodiscard]] ValueLimits Limits() const;
   [[nodiscard]] std::string Check(const ParameterValue& candidate) const;
+  /// What the unit holds against a value; empty when it accepts it.
+  [[nodiscard]] std::string AskUnit(const ParameterValue& candidate) const;
 
   ParameterValue value;
   ParameterValue defaultValue;

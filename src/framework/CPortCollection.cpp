@@ -38,7 +38,10 @@ HRESULT CPortCollection::Item(VARIANT id, IDispatch** item) {
   *item = nullptr;
   return Guard("Item", kInterface, [&] {
     const auto ports = Unit().AllPorts();
-    const auto nameOf = [&](std::size_t i) { return ports[i]->ComponentName(); };
+    const auto nameOf = [&](std::size_t i) {
+      const std::string& name = ports[i]->ComponentName();
+      return name.empty() ? "<unknown>" : name;
+    };
     *item = HandOut(ports[FindItem(id, ports.size(), nameOf, kTexts)], kTexts);
   });
 }

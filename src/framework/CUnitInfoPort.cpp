@@ -20,16 +20,20 @@ constexpr CollectionTexts kTexts = {
     {"failed to obtain interface", "failed to obtain IDispatch interface from parameter description"},
 };
 
+constexpr const char* kNotExported = "internal error, information item is not exported by port";
+
 Failure ConnectFailure(std::string why) {
   return Failure(UnitError{"failed to connect", std::move(why), {}, {}});
 }
+
+bool IsMatch(const com::Variant& id) { return id.Get().vt != VT_EMPTY; }
 
 }  // namespace
 
 CUnitInfoPort::CUnitInfoPort(const PortDeclaration& declaration, BaseUnit& owner)
     : Implements(declaration, owner) {
-  for (const InformationItem& item : declaration.items)
-    items.push_back({com::Make<CInfoParamDesc>(item), {}});
+  for (const InformationItem& item : declaration.items) items.push_back(com::Make<CInfoParamDesc>(item));
+  matched.resize(items.size());
 }
 
 HRESULT CUnitInfoPort::Count(LONG* count) {
@@ -42,13 +46,13 @@ HRESULT CUnitInfoPort::Item(VARIANT id, IDispatch** item) {
   if (!item) return E_POINTER;
   *item = nullptr;
   return Guard("Item", "ICapeCollection", [&] {
-    const auto nameOf = [&](std::size_t i) { return items[i].description->ComponentName(); };
-    *item = HandOut(items[FindItem(id, items.size(), nameOf, kTexts)].description, kTexts);
+    const auto nameOf = [&](std::size_t i) { return items[i]->ComponentName(); };
+    *item = HandOut(items[FindItem(id, items.size(), nameOf, kTexts)], kTexts);
   });
 }
 
 void CUnitInfoPort::ReleaseConnection() {
-  for (InformationSlot& item : items) item.id = {};
+  for (com::Variant& id : matched) id = {};
   CUnitPort::ReleaseConnection();
 }
 
@@ -62,82 +66,79 @@ void CUnitInfoPort::Accept(IDispatch* object) {
   const auto collection = dispatch.As<ICapeCollection>();
   if (!collection)
     throw ConnectFailure("The object that requested connection does not implement ICapeCollection");
-  try {
-    Match(*collection);
-  } catch (...) {
-    ReleaseConnection();
-    throw;
-  }
+  matched = Match(*collection);
   Keep(dispatch);
 }
 
-void CUnitInfoPort::Match(ICapeCollection& collection) {
+CUnitInfoPort::Matches CUnitInfoPort::Match(ICapeCollection& collection) {
   std::vector<ConnectedParameter> parameters = ReadConnectedParameters(collection);
   const bool onlyOne = items.size() == 1 && parameters.size() == 1;
+  Matches matches(items.size());
   for (ConnectedParameter& parameter : parameters)
-    onlyOne ? MatchOnly(std::move(parameter)) : MatchByName(std::move(parameter));
-  for (InformationSlot& item : items)
-    if (!item.IsMatched()) MatchUncounted(item, collection);
-  for (const InformationSlot& item : items)
-    if (!item.IsMatched()) JudgeUnmatched(item);
+    onlyOne ? MatchOnly(matches, std::move(parameter)) : MatchByName(matches, std::move(parameter));
+  for (std::size_t item = 0; item < items.size(); ++item)
+    if (!IsMatch(matches[item])) MatchUncounted(matches, item, collection);
+  for (std::size_t item = 0; item < items.size(); ++item)
+    if (!IsMatch(matches[item])) JudgeUnmatched(item);
+  return matches;
 }
 
-void CUnitInfoPort::MatchOnly(ConnectedParameter parameter) {
-  if (MatchesDimensionality(parameter.dimensionality, items.front().description->Dimensions()))
-    return MatchItem(items.front(), std::move(parameter));
+void CUnitInfoPort::MatchOnly(Matches& matches, ConnectedParameter parameter) {
+  if (MatchesDimensionality(parameter.dimensionality, items.front()->Dimensions()))
+    return MatchItem(matches, 0, std::move(parameter));
   Log("Warning: Parameter " + parameter.name +
       " on object matches does not match dimensionality with port parameter");
   Log("Port \"" + ComponentName() + "\" does not predict values for \"" + parameter.name +
       "\"; no suitable information item is present");
 }
 
-void CUnitInfoPort::MatchByName(ConnectedParameter parameter) {
-  const auto item = std::ranges::find_if(items, [&](const InformationSlot& candidate) {
-    return !candidate.IsMatched() && com::EqualNoCase(candidate.description->ComponentName(), parameter.name);
-  });
-  if (item == items.end())
+void CUnitInfoPort::MatchByName(Matches& matches, ConnectedParameter parameter) {
+  std::size_t item = 0;
+  while (item < items.size() &&
+         (IsMatch(matches[item]) || !com::EqualNoCase(items[item]->ComponentName(), parameter.name)))
+    ++item;
+  if (item == items.size())
     Log("Warning: port \"" + ComponentName() + "\" does not have a matching data item for parameter \"" +
         parameter.name + "\"; the data will be ignored.");
-  else if (!MatchesDimensionality(parameter.dimensionality, item->description->Dimensions()))
+  else if (!MatchesDimensionality(parameter.dimensionality, items[item]->Dimensions()))
     Log("Parameter " + parameter.name +
         " on object matches name with port parameter, but dimensionality does not match");
   else
-    MatchItem(*item, std::move(parameter));
+    MatchItem(matches, item, std::move(parameter));
 }
 
-void CUnitInfoPort::MatchUncounted(InformationSlot& item, ICapeCollection& collection) {
-  auto parameter = FindConnectedParameter(collection, item.description->ComponentName());
-  if (parameter && com::EqualNoCase(parameter->name, item.description->ComponentName()) &&
-      MatchesDimensionality(parameter->dimensionality, item.description->Dimensions()))
-    MatchItem(item, std::move(*parameter));
+void CUnitInfoPort::MatchUncounted(Matches& matches, std::size_t item, ICapeCollection& collection) {
+  auto parameter = FindConnectedParameter(collection, items[item]->ComponentName());
+  if (parameter && MatchesDimensionality(parameter->dimensionality, items[item]->Dimensions()))
+    MatchItem(matches, item, std::move(*parameter));
 }
 
-void CUnitInfoPort::MatchItem(InformationSlot& item, ConnectedParameter parameter) {
+void CUnitInfoPort::MatchItem(Matches& matches, std::size_t item, ConnectedParameter parameter) {
   Log("info: port " + ComponentName() + " matches connection parameter \"" + parameter.name +
-      "\" to information item \"" + item.description->ComponentName() + "\"");
-  item.id = std::move(parameter.id);
+      "\" to information item \"" + items[item]->ComponentName() + "\"");
+  matches[item] = std::move(parameter.id);
 }
 
-void CUnitInfoPort::JudgeUnmatched(const InformationSlot& item) {
-  const std::string text = "nformation item \"" + item.description->ComponentName() + "\" of port \"" +
+void CUnitInfoPort::JudgeUnmatched(std::size_t item) {
+  const std::string text = "nformation item \"" + items[item]->ComponentName() + "\" of port \"" +
                            ComponentName() +
                            "\" could not be matched to any parameter available on the object to connect to";
-  if (!item.description->IsOptional()) throw ConnectFailure("I" + text);
+  if (!items[item]->IsOptional()) throw ConnectFailure("I" + text);
   Log("Warning: Optional i" + text);
 }
 
 void CUnitInfoPort::Log(const std::string& line) { Unit().LogToHost(line); }
 
 bool CUnitInfoPort::IsMatched(std::size_t item) const {
-  return item < items.size() && items[item].IsMatched();
+  return item < matched.size() && IsMatch(matched[item]);
 }
 
 com::Ref<ICapeParameter> CUnitInfoPort::MatchedParameter(std::size_t item) {
-  if (item >= items.size()) throw Failure("internal error, information item is not exported by port");
+  if (item >= items.size()) throw Failure(kNotExported);
   const com::Ref<IDispatch> object = ConnectedObject();
   if (!object) throw Failure("port is not connected");
-  const com::Variant id = com::Copy(items[item].id.Get());
-  if (id.Get().vt == VT_EMPTY) throw Failure("information was not mapped to parameter on connected object");
+  const com::Variant id = com::Copy(matched[item].Get());
+  if (!IsMatch(id)) throw Failure("information was not mapped to parameter on connected object");
   HRESULT failure = S_OK;
   const auto collection = object.As<ICapeCollection>(&failure);
   if (!collection)
@@ -169,12 +170,15 @@ com::Variant CUnitInfoPort::ReadInformation(std::size_t item) {
 void CUnitInfoPort::WriteInformation(std::size_t item, double value) {
   if (!IsConnected()) return;
   Recorded("WriteInformation", "UnitPort", [&] {
-    const auto parameter = MatchedParameter(item);
-    CheckHost(parameter->put_value(com::MakeDouble(value).Get()), parameter.Get(),
-              [&](const std::string& why) {
-                return Failure("Unable to set " + items[item].description->ComponentName() + " to port \"" +
-                               ComponentName() + "\": Failed to set value from parameter: " + why);
-              });
+    if (item >= items.size()) throw Failure(kNotExported);
+    try {
+      const auto parameter = MatchedParameter(item);
+      CheckHost(parameter->put_value(com::MakeDouble(value).Get()), parameter.Get(),
+                [](const std::string& why) { return Failure("Failed to set value from parameter: " + why); });
+    } catch (const Failure& failure) {
+      throw Failure("Unable to set " + items[item]->ComponentName() + " to port \"" + ComponentName() +
+                    "\": " + failure.error.description);
+    }
   });
 }
 

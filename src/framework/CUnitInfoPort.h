@@ -32,26 +32,23 @@ class CUnitInfoPort final : public com::Implements<CUnitPort, ICapeCollection> {
   void Accept(IDispatch* object) override;
 
  private:
-  /// One of the port's values and the connected object's parameter that carries it.
-  struct InformationSlot {
-    com::Ref<CInfoParamDesc> description;
-    com::Variant id;  // of the parameter in the connected collection; empty while unmatched
+  /// Identifiers of connected parameters, one per item; empty for an item that is unmatched.
+  using Matches = std::vector<com::Variant>;
 
-    [[nodiscard]] bool IsMatched() const { return id.Get().vt != VT_EMPTY; }
-  };
-
-  void Match(ICapeCollection& collection);
+  [[nodiscard]] Matches Match(ICapeCollection& collection);
   /// The only item and the only parameter: names do not count.
-  void MatchOnly(ConnectedParameter parameter);
-  void MatchByName(ConnectedParameter parameter);
+  void MatchOnly(Matches& matches, ConnectedParameter parameter);
+  void MatchByName(Matches& matches, ConnectedParameter parameter);
   /// Looks for a parameter that the collection's count leaves out.
-  void MatchUncounted(InformationSlot& item, ICapeCollection& collection);
-  void MatchItem(InformationSlot& item, ConnectedParameter parameter);
-  void JudgeUnmatched(const InformationSlot& item);
+  void MatchUncounted(Matches& matches, std::size_t item, ICapeCollection& collection);
+  void MatchItem(Matches& matches, std::size_t item, ConnectedParameter parameter);
+  /// Says that an item found no parameter; throws when it needs one.
+  void JudgeUnmatched(std::size_t item);
   void Log(const std::string& line);
   [[nodiscard]] com::Ref<ICapeParameter> MatchedParameter(std::size_t item);
 
-  std::vector<InformationSlot> items;
+  std::vector<com::Ref<CInfoParamDesc>> items;
+  Matches matched;
 };
 
 }  // namespace morvelan

@@ -49,8 +49,13 @@ HRESULT CUnitPort::Connect(IDispatch* object) {
     const auto alive = com::Ref<IDispatch>::Share(object);
     ReleaseConnection();
     TellUnit();
-    Accept(object);
-    TellUnit();
+    try {
+      Accept(object);
+      TellUnit();
+    } catch (...) {
+      ReleaseConnection();
+      throw;
+    }
   });
 }
 
@@ -93,7 +98,8 @@ BaseUnit& CUnitPort::Unit() const {
 }
 
 void CUnitPort::TellUnit() {
-  if (unit) unit->ConnectionChanged();
+  const auto alive = com::Ref<BaseUnit>::Share(unit);
+  if (alive) alive->ConnectionChanged();
 }
 
 }  // namespace morvelan

@@ -14,6 +14,18 @@ using material::PortMaterial;
 using material::PropertyRequest;
 using material::Thermo;
 
+namespace {
+
+/// Numbers, where an element that holds nothing is one that is missing.
+std::vector<double> ReadConstants(const com::Variant& array) {
+  std::vector<double> values;
+  for (const com::Variant& element : com::ReadVariants(array.Get()))
+    values.push_back(element.Get().vt == VT_EMPTY ? kMissingValue : com::ReadDouble(element.Get()));
+  return values;
+}
+
+}  // namespace
+
 template <class Body>
 auto CUnitPort::OnMaterial(std::string_view operation, Body&& body, std::string_view interfaceName) {
   return Recorded(operation, interfaceName, [&] {
@@ -84,8 +96,9 @@ com::Variant CUnitPort::GetPropertyNoDup(Name property, Name phase, Name calcTyp
 }
 
 com::Bstr CUnitPort::GetVaporName() {
-  return OnMaterial("GetVaporName",
-                    [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetVaporName(port); });
+  return OnMaterial(
+      "GetVaporName",
+      [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetVaporName(port); }, "CPort");
 }
 
 com::Ref<IDispatch> CUnitPort::DuplicateMaterial() {
@@ -150,15 +163,15 @@ material::CompoundIdentities CUnitPort::GetCompoundIdentities() {
 std::vector<double> CUnitPort::GetCompoundConstant(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const std::string name = material::Shown(constant);
+    const auto invalid = [&](const std::string&) {
+      return Failure(UnitError{
+          "Could not get " + name + " from port " + port.portName, "Invalid values for " + name, {}, {}});
+    };
     const com::Variant raw = thermo.GetCompoundConstant(port, constant);
-    std::vector<double> values = material::ReadOr(
-        [&] { return com::ReadDoubles(raw.Get()); },
-        [&](const std::string&) {
-          return Failure(UnitError{
-              "Could not get " + name + " from port " + port.portName, "Invalid values for " + name, {}, {}});
-        });
+    const std::vector<double> values = material::ReadOr([&] { return ReadConstants(raw); }, invalid);
     if (std::ranges::any_of(values, IsMissing))
       throw Failure("One or more missing values for " + name + " from port " + port.portName);
+    if (values.size() != GetCompoundCount()) throw invalid({});
     return values;
   });
 }
@@ -178,8 +191,7 @@ std::vector<std::string> CUnitPort::GetCompoundText(Name constant) {
     for (const com::Variant& element : elements)
       texts.push_back(material::ReadOr([&] { return com::ReadString(element.Get()); },
                                        [&](const std::string&) { return fail("Unexpected data type"); }));
-    if (texts.size() != com::CountStrings(thermo.GetCompoundList(port).Get()))
-      throw fail("Unexpected number of data elements");
+    if (texts.size() != GetCompoundCount()) throw fail("Unexpected number of data elements");
     return texts;
   });
 }
@@ -220,12 +232,17 @@ void CUnitPort::CheckCompoundLists(std::span<const std::string> list, const CUni
     const std::string& own = ComponentName();
     const std::string both = own + " does not match ";
     const std::string advice = "; please make sure to connect materials of the same type to these ports";
-    std::vector<std::string> ids;
+    const auto invalid = [&](const std::string& why) {
+      return Failure("Invalid format for compound list at port " + own + ": " + why);
+    };
+    com::Variant raw;
     try {
-      ids = com::ReadStrings(GetCompoundList().Get());
-    } catch (const std::exception& why) {
-      throw Failure("Invalid format for compound list at port " + own + ": " + why.what());
+      raw = GetCompoundList();
+    } catch (const Failure& failure) {
+      throw invalid(failure.error.description);
     }
+    const std::vector<std::string> ids =
+        material::ReadOr([&] { return com::ReadStrings(raw.Get()); }, invalid);
     if (ids.empty()) throw Failure("No compounds present on port " + own);
     if (ids.size() != list.size())
       throw Failure("Compounds count present on port " + both + "number of compounds on port " +

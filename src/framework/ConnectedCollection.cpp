@@ -29,7 +29,7 @@ std::vector<double> DimensionalityOf(ICapeParameterSpec& specification, const st
   com::Variant exponents;
   CheckHost(specification.get_Dimensionality(exponents.Put()), &specification, fail);
   try {
-    return com::ReadDoubles(exponents.Get());
+    return exponents.Get().vt == VT_EMPTY ? std::vector<double>{} : com::ReadDoubles(exponents.Get());
   } catch (const com::ValueError& error) {
     throw fail(error.what());
   }

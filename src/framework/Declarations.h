@@ -53,7 +53,8 @@ struct UnitDeclaration {
   const char* name;
   const char* description;
   /// What the edit window's "About" page says.
-  const char* about;
+  const char* about = "";
+  const char* helpTopic = "";
   std::span<const PortDeclaration> ports;
   std::span<const ParameterDeclaration> parameters;
   /// Names of the reports besides "Status".

@@ -10,31 +10,28 @@ namespace {
 constexpr const char* kElementOutOfBounds =
     "value out of bounds an array element for setting array parameter value";
 
+constexpr const char* kNoDouble =
+    "invalid type for an array element for setting array parameter value: VT_R8 expected";
+
 template <class... Visitors>
 struct Overloaded : Visitors... {
   using Visitors::operator()...;
 };
 
-ReadValue Fault(const char* text) { return {std::nullopt, text}; }
+ReadValue Accept(ParameterValue value, const ValueLimits& limits) {
+  std::string fault = CheckLimits(value, limits);
+  if (!fault.empty()) return {std::nullopt, std::move(fault)};
+  return {std::move(value), {}};
+}
 
-ReadValue ReadArray(const VARIANT& array) {
-  if (array.vt != (VT_ARRAY | VT_VARIANT) || !array.parray)
-    return Fault("invalid type for array parameter value");
-  if (SafeArrayGetDim(array.parray) != 1) return Fault("invalid dimension for array parameter value");
+/// Why a variant is no array of the form that parameters take; null when it is one.
+const char* FindArrayFault(const VARIANT& array) {
+  if (array.vt != (VT_ARRAY | VT_VARIANT) || !array.parray) return "invalid type for array parameter value";
+  if (SafeArrayGetDim(array.parray) != 1) return "invalid dimension for array parameter value";
   LONG lower = 0;
   if (FAILED(SafeArrayGetLBound(array.parray, 1, &lower)) || lower != 0)
-    return Fault("invalid range for array parameter; lower index of 0 expected");
-  std::vector<double> values;
-  try {
-    for (const com::Variant& element : com::ReadVariants(array)) {
-      if (element.Get().vt != VT_R8)
-        return Fault("invalid type for an array element for setting array parameter value: VT_R8 expected");
-      values.push_back(element.Get().dblVal);
-    }
-  } catch (const com::ValueError&) {
-    return Fault("failed to get an array element for setting array parameter value");
-  }
-  return {std::move(values), {}};
+    return "invalid range for array parameter; lower index of 0 expected";
+  return nullptr;
 }
 
 bool OutOfBounds(double value, const ValueLimits& limits) {
@@ -60,16 +57,6 @@ com::Variant ToVariant(const ParameterValue& value) {
 
 com::Variant ToVariant(const Dimensionality& dimensionality) {
   return com::MakeDoubles(std::vector<double>(dimensionality.begin(), dimensionality.end()));
-}
-
-ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant) {
-  const VARIANT v = com::Borrow(variant);
-  if (kind == CAPE_REAL && v.vt == VT_R8) return {v.dblVal, {}};
-  if (kind == CAPE_INT && v.vt == VT_I4) return {std::int32_t{v.lVal}, {}};
-  if (kind == CAPE_OPTION && v.vt == VT_BSTR) return {com::ToUtf8(v.bstrVal), {}};
-  if (kind == CAPE_BOOLEAN && v.vt == VT_BOOL) return {v.boolVal != VARIANT_FALSE, {}};
-  if (kind == CAPE_ARRAY) return ReadArray(v);
-  return Fault("invalid argument type");
 }
 
 std::string CheckElement(double element, const ValueLimits& limits) {
@@ -100,6 +87,36 @@ std::string CheckLimits(const ParameterValue& value, const ValueLimits& limits) 
                         },
                     },
                     value);
+}
+
+ReadElements ReadArrayParameter(const VARIANT& variant, const ValueLimits& limits) {
+  const VARIANT array = com::Borrow(variant);
+  if (const char* fault = FindArrayFault(array)) return {{}, {}, fault};
+  ReadElements read;
+  try {
+    for (const com::Variant& element : com::ReadVariants(array)) {
+      const bool isDouble = element.Get().vt == VT_R8;
+      read.values.push_back(isDouble ? element.Get().dblVal : 0.0);
+      read.faults.push_back(isDouble ? CheckElement(read.values.back(), limits) : kNoDouble);
+    }
+  } catch (const com::ValueError&) {
+    return {{}, {}, "failed to get an array element for setting array parameter value"};
+  }
+  return read;
+}
+
+ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant, const ValueLimits& limits) {
+  const VARIANT v = com::Borrow(variant);
+  if (kind == CAPE_REAL && v.vt == VT_R8) return Accept(v.dblVal, limits);
+  if (kind == CAPE_INT && v.vt == VT_I4) return Accept(std::int32_t{v.lVal}, limits);
+  if (kind == CAPE_OPTION && v.vt == VT_BSTR) return Accept(com::ToUtf8(v.bstrVal), limits);
+  if (kind == CAPE_BOOLEAN && v.vt == VT_BOOL) return {v.boolVal != VARIANT_FALSE, {}};
+  if (kind != CAPE_ARRAY) return {std::nullopt, "invalid argument type"};
+  ReadElements read = ReadArrayParameter(v, limits);
+  for (const std::string& fault : read.faults)
+    if (read.fault.empty()) read.fault = fault;
+  if (!read.fault.empty()) return {std::nullopt, read.fault};
+  return {std::move(read.values), {}};
 }
 
 }  // namespace morvelan

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "com/Values.h"
+#include "errors/Failure.h"
 #include "framework/Declarations.h"
 
 namespace morvelan {
@@ -14,16 +15,6 @@ namespace morvelan {
 
 /// The nine exponents as hosts receive them: an array of doubles.
 [[nodiscard]] com::Variant ToVariant(const Dimensionality& dimensionality);
-
-/// The outcome of reading a host's value as one kind of parameter: the value, or why it is none.
-struct ReadValue {
-  std::optional<ParameterValue> value;
-  std::string fault;
-};
-
-/// Reads a host's variant, which must have exactly the form of the kind; references to such a form are
-/// followed.
-[[nodiscard]] ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant);
 
 /// What a value must satisfy before its unit is asked.
 struct ValueLimits {
@@ -38,5 +29,36 @@ struct ValueLimits {
 
 /// The same for one element of an array, which is always bound and never unset.
 [[nodiscard]] std::string CheckElement(double element, const ValueLimits& limits);
+
+/// The outcome of reading a host's value as one kind of parameter: the value, or why it is none.
+struct ReadValue {
+  std::optional<ParameterValue> value;
+  std::string fault;
+};
+
+/// Reads a host's variant, which must have exactly the form of the kind and lie within the limits; references
+/// to such a form are followed.
+[[nodiscard]] ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant,
+                                           const ValueLimits& limits);
+
+/// The outcome of reading a host's value as an array parameter: its elements, with what is wrong with each
+/// (empty for nothing), or why it is no array.
+struct ReadElements {
+  std::vector<double> values;
+  std::vector<std::string> faults;
+  std::string fault;
+};
+
+[[nodiscard]] ReadElements ReadArrayParameter(const VARIANT& variant, const ValueLimits& limits);
+
+/// Makes an array for a host; running out of memory is a failure with the text that parameters use.
+template <class Make>
+[[nodiscard]] com::Variant MakeForHost(Make&& make) {
+  try {
+    return make();
+  } catch (const std::bad_alloc&) {
+    throw Failure("Out of memory");
+  }
+}
 
 }  // namespace morvelan

@@ -13,8 +13,8 @@ bool SimulationContext::Lists(com::Name namedValue) const {
   com::Variant list;
   if (!utilities || FAILED(utilities->get_NamedValueList(list.Put()))) return false;
   try {
-    return std::ranges::any_of(com::ReadStrings(list.Get()), [&](const std::string& name) {
-      return com::EqualNoCase(name, com::ToUtf8(namedValue));
+    return std::ranges::any_of(com::ReadVariants(list.Get()), [&](const com::Variant& name) {
+      return name.Get().vt == VT_BSTR && com::Name(name.Get().bstrVal) == namedValue;
     });
   } catch (const com::ValueError&) {
     return false;

@@ -1,5 +1,7 @@
 // A unit's calculation: inlets are read, the unit calculates, outlets are flashed.
 
+#include <algorithm>
+
 #include "com/ScopeExit.h"
 #include "framework/BaseUnit.h"
 #include "material/Names.h"
@@ -39,19 +41,20 @@ void BaseUnit::RunCalculation(int& compoundCount) {
   std::optional<com::Name> outletFlashSpec = names::kTP;
   CalculateUnit(compoundCount, outletFlashSpec);
   if (outletFlashSpec) FlashOutlets(*outletFlashSpec);
+  if (!initialized) throw Failure("The unit was terminated while it was calculated");
 }
 
 void BaseUnit::FinishCalculation(int compoundCount, bool success) {
-  if (success) {
+  const Failure outcome(LastError());
+  const std::string& reason = outcome.error.description;
+  if (!success)
+    calcStatusText = "Calculation failed:\r\n" + (reason.empty() ? "Unknown" : reason) + "\r\n";
+  else if (valStatus == CAPE_VALID)  // unless the host changed the unit meanwhile
     calcStatusText = "unit is solved";
-    OnCalculateDone(compoundCount, true);
-    return;
-  }
-  const Failure failure(LastError());
-  const std::string& reason = failure.error.description;
-  calcStatusText = "Calculation failed:\r\n" + (reason.empty() ? "Unknown" : reason) + "\r\n";
-  OnCalculateDone(compoundCount, false);
-  throw failure;
+  // What the unit does at the end changes nothing about the outcome.
+  (void)Guard(kScope, kInterface, [&] { OnCalculateDone(compoundCount, success); });
+  SetError(outcome.error);
+  if (!success) throw outcome;
 }
 
 int BaseUnit::PreparePorts() {
@@ -106,13 +109,14 @@ double BaseUnit::HFromPSFlash(double pressure, double entropy) {
   const std::string_view scope = calculating ? kScope : "HFromPSFlash";
   const std::string_view interfaceName = calculating ? kInterface : "BaseUnit";
   try {
-    const CUnitPort* inlet = FirstConnectedMaterialInlet();
-    if (!inlet)
+    const auto first =
+        std::ranges::find_if(inlets, [](const auto& port) { return port->Type() == CAPE_MATERIAL; });
+    if (first == inlets.end() || !(*first)->IsConnected())
       throw Failure(
           UnitError{"Failed to get material", "Failed to get material connected to inlet port", {}, {}});
-    const std::string portName = inlet->ComponentName();
+    const com::Ref<CUnitPort> inlet = *first;
     return material::ThermoInForce(useThermo11)
-        .HFromPSFlash({inlet->ConnectedObject(), portName, emulation}, pressure, entropy);
+        .HFromPSFlash({inlet->ConnectedObject(), inlet->ComponentName(), emulation}, pressure, entropy);
   } catch (Failure& failure) {
     failure.error.scope = scope;
     failure.error.interfaceName = interfaceName;

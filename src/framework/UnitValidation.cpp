@@ -8,6 +8,9 @@
 namespace morvelan {
 namespace {
 
+constexpr std::string_view kScope = "Validate";
+constexpr std::string_view kInterface = "ICapeUnit";
+
 const char* UnconnectedInlet(CapePortType type) {
   switch (type) {
     case CAPE_ENERGY:
@@ -24,7 +27,7 @@ const char* UnconnectedInlet(CapePortType type) {
 HRESULT BaseUnit::Validate(BSTR* message, VARIANT_BOOL* isValid) {
   if (!message || !isValid) return E_POINTER;
   *isValid = VARIANT_FALSE;
-  return Guard("Validate", "ICapeUnit", [&] {
+  return Guard(kScope, kInterface, [&] {
     RequireInitialized();
     ReplaceText(message, {});
     const Verdict verdict = ValidateAll();
@@ -39,12 +42,16 @@ BaseUnit::Verdict BaseUnit::ValidateAll() {
   RefreshThermoVersion();
   Verdict verdict;
   try {
-    verdict.fault = FindFault();
+    verdict.fault = ForwardError(kScope, kInterface,
+                                 [&] { return Recorded(kScope, kInterface, [&] { return FindFault(); }); });
+    // A host that calls back while it answers may change what has been checked already.
+    if (verdict.fault.empty() && valStatus != CAPE_INVALID)
+      verdict.fault = "the unit was changed while it was validated";
   } catch (const Failure& failure) {
     verdict.failure = failure;
-    verdict.fault = failure.error.description;
+    verdict.fault = failure.error.description.empty() ? "the validation failed" : failure.error.description;
   }
-  if (verdict.fault.empty()) valStatus = CAPE_VALID;
+  valStatus = verdict.fault.empty() ? CAPE_VALID : CAPE_INVALID;
   calcStatusText = verdict.fault.empty() ? "unit specification complete" : verdict.fault;
   return verdict;
 }
@@ -89,15 +96,16 @@ std::string BaseUnit::FindCompoundMismatch() try {
 }
 
 std::string BaseUnit::FindInvalidParameter() const {
+  std::string first;
   for (const auto& parameter : parameters) {
-    const std::string fault =
-        ForwardError("Validate", "ICapeUnit", [&] { return parameter->CheckCurrentValue(); });
-    if (!fault.empty()) return "invalid value for parameter " + parameter->ComponentName() + ": " + fault;
+    const std::string fault = parameter->CheckCurrentValue();
+    if (first.empty() && !fault.empty())
+      first = "invalid value for parameter " + parameter->ComponentName() + ": " + fault;
   }
-  return {};
+  return first;
 }
 
-std::string BaseUnit::FindMissingProperty() {
+std::string BaseUnit::FindMissingProperty() try {
   const std::vector<std::string> required = RequiredProperties();
   CUnitPort* feed = FirstConnectedMaterialInlet();
   if (required.empty() || !feed) return {};
@@ -110,6 +118,8 @@ std::string BaseUnit::FindMissingProperty() {
              feed->ComponentName() + " does not calculate";
   }
   return {};
+} catch (const Failure& failure) {
+  return failure.error.description;
 }
 
 }  // namespace morvelan

@@ -1,5 +1,7 @@
 // Equilibrium calculations on a thermo 1.1 material.
 
+#include <new>
+
 #include "errors/HostCall.h"
 #include "material/FlashSpecification.h"
 #include "material/Names.h"
@@ -46,6 +48,8 @@ const FlashSpecifications& SpecificationsOf(Name flashType) {
                           {}});
 }
 
+constexpr const char* kNoPresentPhases = "Failed to set present phases on MO before equilibrium calculation";
+
 std::string MaterialName(ICapeThermoMaterial& material) {
   const auto identification = com::Query<ICapeIdentification>(&material);
   com::Bstr name;
@@ -59,7 +63,7 @@ std::string MaterialName(ICapeThermoMaterial& material) {
 /// remain.
 void SetPresentPhases(ICapeThermoMaterial& material) {
   const auto fail = [&](const char* opening, const std::string& why) {
-    return Failure(UnitError{"Failed to set present phases on MO before equilibrium calculation",
+    return Failure(UnitError{kNoPresentPhases,
                              opening + ('"' + MaterialName(material)) + "\" before CalcEquilibrium: " + why,
                              {},
                              {}});
@@ -76,8 +80,14 @@ void SetPresentPhases(ICapeThermoMaterial& material) {
       ReadOr([&] { return com::CountStrings(labels.Get()); },
              [&](const std::string& why) { return fail("Invalid list of phases from material ", why); });
   if (count == 0) throw fail("Empty list of supported phases from material ", "no phases");
-  const com::Variant statuses = com::MakeArray(count, VT_I4);  // zero: CAPE_UNKNOWNPHASESTATUS
-  const com::Variant strictLabels = com::CopyStrings(labels.Get());
+  com::Variant statuses;  // all zero: CAPE_UNKNOWNPHASESTATUS
+  com::Variant strictLabels;
+  try {
+    statuses = com::MakeArray(count, VT_I4);
+    strictLabels = com::CopyStrings(labels.Get());
+  } catch (const std::bad_alloc&) {
+    throw Failure(UnitError{kNoPresentPhases, "out of memory", {}, {}});
+  }
   CheckHost(material.SetPresentPhases(strictLabels.Get(), statuses.Get()), &material,
             [&](const std::string& why) { return fail("Failed to set present phases on material ", why); });
 }

@@ -53,10 +53,14 @@ std::vector<com::Variant> PhaseLabels(ICapeThermoMaterialObject& material, const
   CheckHost(material.get_PhaseIds(labels.Put()), &material, [&](const std::string& why) {
     return EvaluationFailure(opening + "; unable to get a list of phases, " + why);
   });
-  return ReadOr([&] { return com::ReadVariants(labels.Get()); },
-                [&](const std::string& why) {
-                  return EvaluationFailure(opening + "; invalid list of phases from material: " + why);
-                });
+  const auto invalid = [&](const std::string& why) {
+    return EvaluationFailure(opening + "; invalid list of phases from material: " + why);
+  };
+  // A single element of another type has a message of its own.
+  const VARIANT array = com::Borrow(labels.Get());
+  if (array.vt != (VT_ARRAY | VT_BSTR) && array.vt != (VT_ARRAY | VT_VARIANT))
+    throw invalid("an array of texts expected, " + com::Describe(array) + " found");
+  return ReadOr([&] { return com::ReadVariants(array); }, invalid);
 }
 
 /// Sums an overall property over the phases. A basis other than empty leaves the molar value as it is,
@@ -105,7 +109,8 @@ double TotalOf(ICapeThermoMaterialObject& material, const PropertyRequest& reque
               "GetProp (" + property + "/" + phase + "/" + Shown(request.calcType) + "/Mole)");
   const com::Variant flow = GetProp(material, names::kTotalFlow, request.phase, {}, names::kMole,
                                     "GetProp (totalFlow/" + phase + "/base mole)");
-  return scalar(molar, property + " values", property) * scalar(flow, "total flow values", "totalFlow");
+  const double molarValue = scalar(molar, property + " values", property);
+  return molarValue * scalar(flow, "total flow values", "totalFlow");
 }
 
 }  // namespace
@@ -130,8 +135,8 @@ com::Variant Evaluate10(ICapeThermoMaterialObject& material, const PropertyReque
   });
   if (canBeSummed && request.basis.IsEmpty()) return com::MakeDoubles(std::array{TotalOf(material, request)});
   const std::string basis = request.basis.IsEmpty() ? "" : "/" + Shown(request.basis);
-  return GetProp(material, request.property, request.phase, request.calcType, request.basis,
-                 "GetProp " + title + basis + ")");
+  return com::Settle(GetProp(material, request.property, request.phase, request.calcType, request.basis,
+                             "GetProp " + title + basis + ")"));
 }
 
 }  // namespace morvelan::material

@@ -1,5 +1,7 @@
 // Property evaluation on a thermo 1.1 material.
 
+#include <algorithm>
+
 #include "errors/HostCall.h"
 #include "material/Names.h"
 #include "material/Reading.h"
@@ -33,7 +35,7 @@ com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest&
             &material, [&](const std::string& why) {
               return EvaluationFailure("Get" + title + "/" + Shown(request.basis) + ") failed: " + why);
             });
-  return values;
+  return com::Settle(std::move(values));
 }
 
 /// The phases present and the status of each.
@@ -110,6 +112,9 @@ double SumOverPhases(ICapeThermoMaterial& material, Name property, Name basis) {
   const std::string opening = "Failed to calculate overall " + name;
   const PresentPhases phases = GetPresentPhases(material, opening);
   const auto routine = RoutineOf(material);
+  // Without a phase there is no value, and 0 would be taken for one.
+  if (phases.labels.empty())
+    throw EvaluationFailure("Failed to get overall " + name + ": no valid phases are present");
   double sum = 0;
   for (std::size_t i = 0; i < phases.labels.size(); ++i) {
     const Name phase(phases.labels[i].Get().bstrVal);
@@ -144,7 +149,7 @@ std::vector<double> MolecularWeights(ICapeThermoMaterial& material) {
                                });
   std::vector<double> result;
   for (const com::Variant& element : elements) {
-    if (element.Get().vt != VT_R8)
+    if (element.Get().vt != VT_R8 || IsMissing(element.Get().dblVal))
       throw EvaluationFailure(
           "Invalid value for molecular weight of a compound for mass/mole conversion. Expected VARIANT of "
           "type REAL.");
@@ -165,6 +170,8 @@ double MeanMolecularWeight(ICapeThermoMaterial& material) {
                                 [&](const std::string& why) {
                                   return EvaluationFailure(std::string("Invalid values for ") + kFor + why);
                                 });
+  if (std::ranges::any_of(fractions, IsMissing))
+    throw EvaluationFailure(std::string("Invalid values for ") + kFor + "value is not set");
   if (fractions.size() != weights.size())
     throw EvaluationFailure(
         "Material object returned inconsistent number of values for molecular weights and overall "

@@ -27,15 +27,21 @@ Material MaterialOf(const PortMaterial& port, std::string_view operation = {}) {
 }
 
 /// The compound IDs; `title` names the failure of the operation that wants them.
-com::Variant ComponentIds(const PortMaterial& port, const std::string& title) {
-  const auto explain = [&](const char* what) {
-    return [&title, what](const std::string& why) { return Failure(UnitError{title, what + why, {}, {}}); };
-  };
-  const Material material = MaterialOf(port.object.Get(), explain("Failed to obtain material interface: "));
+com::Variant ComponentIds(const Material& material, const std::string& title) {
   com::Variant ids;
-  CheckHost(material->get_ComponentIds(ids.Put()), material.Get(),
-            explain("Failed to obtain compound IDs: "));
+  CheckHost(material->get_ComponentIds(ids.Put()), material.Get(), [&](const std::string& why) {
+    return Failure(UnitError{title, "Failed to obtain compound IDs: " + why, {}, {}});
+  });
   return ids;
+}
+
+/// A copy; `title` begins the message of the failure.
+com::Ref<IDispatch> Duplicate(const Material& material, const std::string& title) {
+  com::Ref<IDispatch> copy;
+  HRESULT duplicated = material->Duplicate(copy.Put());
+  if (SUCCEEDED(duplicated) && !copy) duplicated = E_POINTER;
+  CheckHost(duplicated, material.Get(), [&](const std::string& why) { return Failure(title + why); });
+  return copy;
 }
 
 com::Variant ComponentConstant(const Material& material, Name constant, const VARIANT& ids,
@@ -75,11 +81,9 @@ com::Variant Thermo10::GetProp(const PortMaterial& port, const PropertyRequest& 
 
 com::Variant Thermo10::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
   const Material material = MaterialOf(port);
-  com::Ref<IDispatch> duplicate;
-  CheckHost(material->Duplicate(duplicate.Put()), material.Get(), [&](const std::string& why) {
-    return Failure("Failed to duplicate material for calculating " + Shown(request.property) +
-                   " in CPort::GetProperty(): " + why);
-  });
+  const com::Ref<IDispatch> duplicate =
+      Duplicate(material, "Failed to duplicate material for calculating " + Shown(request.property) +
+                              " in CPort::GetProperty(): ");
   const Material scratch = MaterialOf(duplicate.Get(), [](const std::string&) {
     return Failure("Failed to get ICapeThermoMaterialObject from duplicate material");
   });
@@ -93,16 +97,15 @@ com::Variant Thermo10::GetPropertyNoDup(const PortMaterial& port, const Property
 com::Bstr Thermo10::GetVaporName(const PortMaterial&) const { return com::ToBstr("Vapor"); }
 
 com::Ref<IDispatch> Thermo10::DuplicateMaterial(const PortMaterial& port) const {
-  const Material material =
-      MaterialOf(port.object.Get(), [](const std::string& why) { return Failure(kNoMaterialObject + why); });
-  com::Ref<IDispatch> duplicate;
-  CheckHost(material->Duplicate(duplicate.Put()), material.Get(),
-            [](const std::string& why) { return Failure("Failed to duplicate material: " + why); });
-  return duplicate;
+  return Duplicate(MaterialOf(port), "Failed to duplicate material: ");
 }
 
 com::Variant Thermo10::GetCompoundList(const PortMaterial& port) const {
-  return ComponentIds(port, "could not get compound IDs from port " + port.portName);
+  const std::string title = "could not get compound IDs from port " + port.portName;
+  const Material material = MaterialOf(port.object.Get(), [&](const std::string& why) {
+    return Failure(UnitError{title, "Failed to obtain material interface: " + why, {}, {}});
+  });
+  return ComponentIds(material, title);
 }
 
 CompoundIdentities Thermo10::GetCompoundIdentities(const PortMaterial& port) const {
@@ -110,9 +113,9 @@ CompoundIdentities Thermo10::GetCompoundIdentities(const PortMaterial& port) con
   const auto explain = [&](const std::string& why) {
     return Failure(UnitError{title, "Invalid compound names from material object: " + why, {}, {}});
   };
-  const com::Variant ids = ComponentIds(port, title);
-  const com::Variant casNumbers =
-      ComponentConstant(MaterialOf(port), names::kCasRegistryNumber, ids.Get(), title);
+  const Material material = MaterialOf(port);
+  const com::Variant ids = ComponentIds(material, title);
+  const com::Variant casNumbers = ComponentConstant(material, names::kCasRegistryNumber, ids.Get(), title);
   return ReadOr(
       [&] {
         return CompoundIdentities{com::ReadStrings(ids.Get()), com::ReadStrings(casNumbers.Get())};
@@ -128,9 +131,12 @@ com::Variant Thermo10::GetCompoundConstant(const PortMaterial& port, Name consta
 com::Bstr FindVaporLabel(ICapeThermoMaterialObject& material) {
   com::Variant labels;
   if (FAILED(material.get_PhaseIds(labels.Put()))) return {};
-  for (const com::Variant& label : com::ReadVariants(labels.Get()))
-    if (label.Get().vt == VT_BSTR && Name(label.Get().bstrVal) == names::kVapor)
-      return com::Bstr(SysAllocStringLen(label.Get().bstrVal, SysStringLen(label.Get().bstrVal)));
+  try {
+    for (const std::string& label : com::ReadStrings(labels.Get()))
+      if (com::EqualNoCase(label, "vapor")) return com::ToBstr(label);
+  } catch (const com::ValueError&) {
+    // No list is no vapour phase.
+  }
   return {};
 }
 

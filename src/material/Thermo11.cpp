@@ -105,10 +105,8 @@ com::Ref<ICapeThermoMaterial> Duplicate11(ICapeThermoMaterial& material, const c
 }
 
 com::Ref<ICapeThermoMaterial> DuplicateForUnit11(const PortMaterial& port) {
-  const Material material = InterfaceOf<ICapeThermoMaterial>(
-      port.object.Get(), [](const std::string& why) { return Failure(kNoMaterial + why); });
   return Duplicate11(
-      *material, port.object,
+      *MaterialOf(port), port.object,
       {"Failed to duplicate material: ", "Failed to get ICapeThermoMaterial from duplicate material object",
        "Failed to copy material: "});
 }

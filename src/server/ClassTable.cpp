@@ -1,5 +1,6 @@
 #include "server/ClassTable.h"
 
+#include "morvelan.h"
 #include "units/streams/CNoOperation.h"
 
 namespace morvelan::server {
@@ -11,7 +12,7 @@ com::Ref<BaseUnit> Create() {
 }
 
 const UnitClass kUnitClasses[] = {
-    {.clsid = {0xa158f66a, 0x9b33, 0x489f, {0xa4, 0xd1, 0xdc, 0xfe, 0x3b, 0xfd, 0x26, 0xb0}},
+    {.clsid = __uuidof(::NoOperation),
      .progId = "VELT_MORV.NoOperation",
      .displayName = "NoOperation Class",
      .name = "NoOperation",

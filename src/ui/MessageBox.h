@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 namespace morvelan::ui {
 
 enum class Icon { kInformation, kExclamation, kStop };
@@ -9,8 +7,8 @@ enum class Icon { kInformation, kExclamation, kStop };
 /// True where windows can be shown.
 [[nodiscard]] bool HasWindows();
 
-/// Shows a text until the user has seen it: a message box, or lines on standard error where no window can be
-/// shown.
-void ShowMessageBox(const std::string& text, const std::string& title, Icon icon) noexcept;
+/// Shows a text until the user has seen it: a message box, or a line on standard error where no window can be
+/// shown. Needs no memory, so that running out of it can be told.
+void ShowMessageBox(const char* text, const char* title, Icon icon) noexcept;
 
 }  // namespace morvelan::ui

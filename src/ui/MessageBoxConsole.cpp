@@ -8,8 +8,8 @@ namespace morvelan::ui {
 
 bool HasWindows() { return false; }
 
-void ShowMessageBox(const std::string& text, const std::string& title, Icon) noexcept {
-  std::fprintf(stderr, "%s %s\n", title.c_str(), text.c_str());
+void ShowMessageBox(const char* text, const char* title, Icon) noexcept {
+  std::fprintf(stderr, "%s %s\n", title, text);
 }
 
 }  // namespace morvelan::ui

@@ -198,13 +198,11 @@ TEST(Values, AreReadFromEveryFormOfArray) {
   EXPECT_EQ(com::ReadDoubles(fromThree.Get()), (std::vector<double>{1, 2}));
   VARIANT none = Plain(VT_ARRAY | VT_R8);
   EXPECT_EQ(com::ReadDoubles(none), std::vector<double>{}) << "an array that is null";
-  EXPECT_EQ(com::ReadStrings(com::kNoValue), std::vector<std::string>{});
-  VARIANT dangling = Plain(VT_VARIANT | VT_BYREF);
-  EXPECT_EQ(com::ReadDoubles(dangling), std::vector<double>{}) << "a reference to nothing";
 }
 
 TEST(Values, SayWhyTheyCannotBeRead) {
   const Unreadable cases[] = {
+      {"nothing", com::Variant(), "an array of numbers expected, nothing found"},
       {"scalar", com::MakeDouble(1), "an array of numbers expected, a number found"},
       {"text", com::MakeString("x"), "an array of numbers expected, a text found"},
       {"texts", com::MakeStrings(std::vector<std::string>{"x"}),
@@ -223,6 +221,11 @@ TEST(Values, SayWhyTheyCannotBeRead) {
   VARIANT circle = Plain(VT_VARIANT | VT_BYREF);
   circle.pvarVal = &circle;
   EXPECT_THROW((void)com::ReadDouble(circle), com::ValueError);
+  VARIANT dangling = Plain(VT_VARIANT | VT_BYREF);
+  EXPECT_THROW((void)com::ReadDoubles(dangling), com::ValueError);
+  com::Variant disguised = com::MakeDoubles(std::array{1.0});
+  const_cast<VARIANT&>(disguised.Get()).vt = VT_ARRAY | VT_BSTR;
+  EXPECT_THROW((void)com::ReadStrings(disguised.Get()), com::ValueError);
 }
 
 // ---- Streams

@@ -28,6 +28,18 @@ const UnitDeclaration kUnitWithHeat = {.name = "Heated",
                                        .parameters = kOnlyThermoVersion,
                                        .reports = kLastRun};
 
+constexpr InformationItem kNumber[] = {{"number", ""}};
+constexpr PortDeclaration kSignalPorts[] = {
+    {"Inlet", "feed", CAPE_INLET},
+    {"Signal", "signal", CAPE_INLET, CAPE_INFORMATION, kNumber},
+    {"Outlet", "product", CAPE_OUTLET},
+};
+const UnitDeclaration kUnitWithSignal = {.name = "Signalled",
+                                         .description = "",
+                                         .ports = kSignalPorts,
+                                         .parameters = kOnlyThermoVersion,
+                                         .reports = kLastRun};
+
 /// A unit and a host for it.
 struct Bench {
   explicit Bench(const UnitDeclaration& declaration = kTestUnit) : unit(com::Make<TestUnit>(declaration)) {
@@ -125,6 +137,45 @@ void ExpectAllGuarded(TestUnit& unit) {
   }
 }
 
+TEST(BaseUnit, TellsWhatKindOfErrorItHas) {
+  const auto unit = com::Make<TestUnit>(kTestUnit);
+  EXPECT_EQ(unit->Calculate(), kFailed);
+  LONG code = 0;
+  EXPECT_EQ(unit->get_code(&code), S_OK);
+  EXPECT_EQ(code, kFailed);
+  ICapeUnit* door = unit.Get();
+  EXPECT_EQ(TextFrom(door, &ECapeUser::get_operation), "Calculate");
+  EXPECT_EQ(TextFrom(door, &ECapeUser::get_moreInfo), "");
+  EXPECT_TRUE(com::Query<ECapeUnknown>(door));
+}
+
+/// A unit whose face can't be created.
+class Faceless final : public BaseUnit {
+ public:
+  Faceless() : BaseUnit(kTestUnit) {}
+  void CalculateUnit(int, std::optional<com::Name>&) override {}
+
+ protected:
+  void CreateFace() override {
+    BaseUnit::CreateFace();
+    if (fails) throw Failure(UnitError{"title", "no room for port Inlet", "AddPort", "CUnitPort"});
+  }
+
+ public:
+  bool fails = true;
+};
+
+TEST(BaseUnit, InitializesWholeOrNotAtAll) {
+  const auto unit = com::Make<Faceless>();
+  EXPECT_EQ(unit->Initialize(), kFailed);
+  EXPECT_EQ(ErrorOf(static_cast<ICapeUnit*>(unit.Get())),
+            (Texts{"no room for port Inlet", "no room for port Inlet", "Initialize", "ICapeUnit"}));
+  EXPECT_EQ(unit->Calculate(), kFailed);
+  unit->fails = false;
+  EXPECT_EQ(unit->Initialize(), S_OK);
+  EXPECT_EQ(unit->AllPorts().size(), 2u);
+}
+
 TEST(BaseUnit, AnswersOnlyAfterInitializeAndUntilTerminate) {
   const auto unit = com::Make<TestUnit>(kTestUnit);
   ExpectAllGuarded(*unit);
@@ -136,13 +187,20 @@ TEST(BaseUnit, AnswersOnlyAfterInitializeAndUntilTerminate) {
     if (std::string_view(entry.scope) == "Calculate" || std::string_view(entry.scope) == "Edit") continue;
     EXPECT_EQ(entry.call(*unit), S_OK) << entry.scope;
   }
-  const auto ports = UnitDoor(Bench::Unknown(unit)).Ports();
+  const UnitDoor door(Bench::Unknown(unit));
+  const com::Ref<ICapeCollection> collections[] = {door.Ports(), door.Parameters()};
+  EXPECT_EQ(TextFrom(collections[1].Get(), &ICapeIdentification::get_ComponentName), "Parameter Collection");
   EXPECT_EQ(unit->Terminate(), S_OK);
   ExpectAllGuarded(*unit);
-  LONG count = 0;
-  EXPECT_EQ(ports->Count(&count), kFailed);
-  EXPECT_EQ(ErrorOf(ports.Get()),
-            (Texts{"Initialize not called", "Initialize not called", "Count", "ICapeCollection"}));
+  for (const auto& collection : collections) {
+    LONG count = 0;
+    EXPECT_EQ(collection->Count(&count), kFailed);
+    EXPECT_EQ(ErrorOf(collection.Get()),
+              (Texts{"Initialize not called", "Initialize not called", "Count", "ICapeCollection"}));
+    com::Ref<IDispatch> item;
+    EXPECT_EQ(collection->Item(com::MakeInteger(1).Get(), item.Put()), kFailed);
+    EXPECT_EQ(ErrorOf(collection.Get()).scope, "Item");
+  }
 }
 
 TEST(BaseUnit, RefusesNullPointersAndKeepsItsError) {
@@ -226,12 +284,74 @@ TEST(BaseUnit, PrefersTheUsersThermoVersionToTheHosts) {
   EXPECT_EQ(bench.door.ParameterText("Thermo Version"), "1.1");
 }
 
+// Two readings of the list, one of the value, one line for the log: whichever fails, the rest goes on.
 TEST(BaseUnit, SurvivesAContextThatFails) {
-  for (int k = 1; k <= 4; ++k) {
+  const std::vector<std::string> all = {"NamedValueList", "NamedValue DefaultThermoVersion", "LogMessage",
+                                        "NamedValueList"};
+  for (std::size_t k = 0; k <= all.size(); ++k) {
+    SCOPED_TRACE(k);
     Bench bench;
-    bench.context->namedValues["DefaultThermoVersion"] = com::MakeString("1.3");
-    bench.script->failAt = k;
+    bench.context->namedValues["defaultThermoVersion"] = com::MakeString("1.3");
+    bench.context->namedValues["SIMPLIFIEDMODELREQUEST"] = com::MakeBoolean(true);
+    bench.context->ignoresCase = true;
+    bench.script->Restart();
+    bench.script->failAt = static_cast<int>(k);
     EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+    if (k == 0) EXPECT_EQ(bench.script->calls, all);
+    EXPECT_EQ(bench.script->calls.back(), "NamedValueList");
+    bench.script->Restart();
+    bench.ConnectBoth();
+    bool quiet = false;
+    bench.unit->onCalculate = [&](std::optional<com::Name>&) {
+      quiet = bench.unit->simplifiedModelRequested;
+    };
+    EXPECT_EQ(bench.unit->Calculate(), S_OK);
+    EXPECT_EQ(quiet, k != all.size());
+    EXPECT_EQ(bench.unit->put_simulationContext(nullptr), S_OK);
+    EXPECT_EQ(bench.unit->Calculate(), S_OK);
+    EXPECT_FALSE(quiet) << "what the context supported went with it";
+  }
+}
+
+TEST(BaseUnit, RefusesAContextWithoutDispatchInterface) {
+  Bench bench;
+  bench.context->hidesDispatch = true;
+  EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), kFailed);
+  EXPECT_EQ(bench.Error(),
+            (Texts{"could not obtain IDispatch from simulation context",
+                   "could not obtain IDispatch from simulation context in put_simulationContext",
+                   "put_simulationContext", "ICapeUtilities"}));
+}
+
+TEST(BaseUnit, LetsGoOfWhatItWasGivenWhileTerminated) {
+  Bench bench;
+  const auto port = bench.door.Port("Inlet");
+  EXPECT_EQ(bench.unit->Terminate(), S_OK);
+  const auto material = com::Make<FakeMaterial>(bench.script);
+  EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(material.Get())), S_OK);
+  EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
+  EXPECT_EQ(bench.unit->Terminate(), S_OK);
+  EXPECT_EQ(material->References(), 1u);
+  EXPECT_EQ(bench.context->References(), 1u);
+}
+
+struct ThermoIndexCase {
+  const char* title;
+  int index;
+  bool usesThermo11;
+};
+
+TEST(BaseUnit, KnowsWhereItsThermoVersionStands) {
+  for (const ThermoIndexCase& c :
+       {ThermoIndexCase{"none", -1, false}, ThermoIndexCase{"beyond the list", 1, true},
+        ThermoIndexCase{"in the list", 0, true}}) {
+    SCOPED_TRACE(c.title);
+    Bench bench;
+    EXPECT_EQ(bench.unit->Parameter(0).put_value(com::MakeString("1.1").Get()), S_OK);
+    bench.unit->thermoVersionIndex = c.index;
+    std::string message;
+    (void)bench.door.IsValid(message);
+    EXPECT_EQ(bench.unit->UsesThermo11(), c.usesThermo11);
   }
 }
 
@@ -296,6 +416,28 @@ TEST(BaseUnit, ValidatesInOrder) {
          };
        },
        "too hot", S_OK},
+      {"validation without a reason", &kTestUnit,
+       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw Failure(""); }; },
+       "the validation failed", kFailed},
+      {"foreign exception", &kTestUnit,
+       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw std::runtime_error("odd"); }; },
+       "odd", kFailed},
+      {"refused without a message", &kTestUnit,
+       [](Bench& b) { b.unit->onValidate = [](std::string&) { return false; }; },
+       "invalid unit specification", S_OK},
+      {"changed meanwhile", &kTestUnit,
+       [](Bench& b) {
+         b.unit->onValidate = [&b](std::string&) { return SUCCEEDED(b.unit->Parameter(0).Reset()); };
+       },
+       "the unit was changed while it was validated", S_OK},
+      {"list of properties not given", &kTestUnit,
+       [](Bench& b) {
+         b.unit->requiredProperties = {"enthalpy"};
+         b.script->oddAnswers["GetSinglePhasePropList"] = [] { return com::Variant(); };
+       },
+       "Failed to get list of properties from port Inlet: an array of texts expected, nothing found", S_OK},
+      {"inlet information port unconnected", &kUnitWithSignal, [](Bench&) {},
+       "not all inlet information ports are connected", S_OK},
       {"property that the feed lacks", &kTestUnit,
        [](Bench& b) {
          b.unit->requiredProperties = {"Enthalpy", "viscosity"};
@@ -315,7 +457,7 @@ TEST(BaseUnit, ValidatesInOrder) {
     EXPECT_EQ(valid, message.empty());
     EXPECT_EQ(bench.door.Status(), valid ? CAPE_VALID : CAPE_INVALID);
     EXPECT_EQ(bench.door.Report("Status"), valid ? "unit specification complete" : message);
-    if (c.outcome == kFailed)
+    if (c.outcome == kFailed && *c.message && std::string_view(c.title) != "validation without a reason")
       EXPECT_EQ(bench.Error(), (Texts{c.message, c.message, "Validate", "ICapeUnit"}));
     if (!valid) {
       EXPECT_EQ(bench.unit->Calculate(), kFailed);
@@ -458,7 +600,7 @@ TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {
     SCOPED_TRACE(c.title);
     Bench bench;
     bench.ConnectBoth();
-    bench.context->namedValues["simplifiedmodelrequest"] = com::MakeBoolean(false);
+
     bench.context->namedValues["SimplifiedModelRequest"] = c.answer();
     EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
     bench.unit->onCalculate = [&](std::optional<com::Name>&) {
@@ -476,6 +618,32 @@ TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {
   }
 }
 
+TEST(BaseUnit, KeepsItsOutcomeWhateverItDoesAtTheEnd) {
+  Bench bench;
+  bench.ConnectBoth();
+  bench.unit->onDone = [] { throw std::runtime_error("afterwards"); };
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.Error().description, "") << "success leaves the last error, here none";
+  EXPECT_EQ(bench.door.Report("Status"), "unit is solved");
+  bench.unit->onCalculate = [](std::optional<com::Name>&) { throw Failure("no root"); };
+  EXPECT_EQ(bench.unit->Calculate(), kFailed);
+  EXPECT_EQ(bench.Error().description, "no root");
+  bench.unit->onCalculate = nullptr;
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.Error().description, "no root") << "success leaves the last error";
+}
+
+TEST(BaseUnit, IsNotSolvedWhenItWasChangedMidway) {
+  Bench bench;
+  bench.ConnectBoth();
+  bench.unit->onCalculate = [&](std::optional<com::Name>&) {
+    EXPECT_EQ(bench.unit->Parameter(0).put_value(com::MakeString("1.1").Get()), S_OK);
+  };
+  EXPECT_EQ(bench.unit->Calculate(), S_OK);
+  EXPECT_EQ(bench.door.Status(), CAPE_NOT_VALIDATED);
+  EXPECT_EQ(bench.door.Report("Status"), "unit not validated");
+}
+
 TEST(BaseUnit, RefusesToBeCalculatedWhileItCalculates) {
   Bench bench;
   bench.ConnectBoth();
@@ -488,12 +656,10 @@ TEST(BaseUnit, RefusesToBeCalculatedWhileItCalculates) {
 TEST(BaseUnit, FailsCleanlyWhenTheHostTerminatesItMidway) {
   Bench bench;
   bench.ConnectBoth();
-  bench.unit->onCalculate = [&](std::optional<com::Name>&) {
-    EXPECT_EQ(bench.unit->Terminate(), S_OK);
-    (void)bench.unit->Inlet(0).GetProp(names::kPressure, names::kOverall, com::kNoValue, {}, {});
-  };
+  bench.unit->onCalculate = [&](std::optional<com::Name>&) { EXPECT_EQ(bench.unit->Terminate(), S_OK); };
   EXPECT_EQ(bench.unit->Calculate(), kFailed);
-  EXPECT_EQ(bench.Error().description, "port is not connected");
+  EXPECT_EQ(bench.Error().description, "The unit was terminated while it was calculated");
+  EXPECT_EQ(bench.feed->References(), 1u);
 }
 
 // ---- Reports

@@ -42,6 +42,17 @@ const ParameterDeclaration kParameters[] = {
      .defaultValue = std::vector<double>{0.5, 0.25},
      .lowerBound = 0,
      .upperBound = 1},
+    {.name = "Both",
+     .description = "d",
+     .mode = CAPE_INPUT_OUTPUT,
+     .defaultValue = 0.0,
+     .lowerBound = 0,
+     .upperBound = 1},
+    {.name = "Free count", .description = "d", .defaultValue = std::int32_t{0}},
+    {.name = "Duty",
+     .description = "d",
+     .defaultValue = "Heat duty",
+     .options = {"Heat duty", "Temperature"}},
     {.name = "Phase",
      .description = "d",
      .defaultValue = "Vapor",
@@ -65,6 +76,14 @@ com::Variant Doubles(std::vector<double> values) {
   return com::MakeVariants(elements);
 }
 
+/// An element out of bounds before one of another type.
+std::vector<com::Variant> Mixed() {
+  std::vector<com::Variant> elements;
+  elements.push_back(com::MakeDouble(2));
+  elements.push_back(com::MakeInteger(1));
+  return elements;
+}
+
 com::Variant FromOne(std::vector<double> values) {
   com::Variant array = Doubles(std::move(values));
   array.Get().parray->rgsabound[0].lLbound = 1;
@@ -83,8 +102,21 @@ com::Variant TwoDimensional() {
 struct PutCase {
   const char* parameter;
   com::Variant value;
-  const char* fault;  // empty when accepted
+  const char* fault;        // empty when accepted
+  bool keepsValue = false;  // because it is put anew
 };
+
+ParameterValue ValueOf(Bench& bench, std::string_view name) {
+  for (const auto& parameter : bench.unit->AllParameters())
+    if (parameter->ComponentName() == name) return parameter->Value();
+  return {};
+}
+
+CapeValidationStatus StatusOf(const com::Ref<ICapeParameter>& parameter) {
+  CapeValidationStatus status = CAPE_INVALID;
+  EXPECT_EQ(parameter->get_ValStatus(&status), S_OK);
+  return status;
+}
 
 TEST(CParameter, AcceptsAndRefusesValues) {
   const com::Variant inner = com::MakeDouble(7);
@@ -103,6 +135,10 @@ TEST(CParameter, AcceptsAndRefusesValues) {
       {"Drop", com::Variant(), "invalid argument type"},
       {"Drop", std::move(byReference), ""},
       {"Result", com::MakeDouble(17), ""},
+      {"Both", com::MakeDouble(17), ""},
+      {"Count", com::MakeInteger(1), "value out of bounds"},
+      {"Duty", com::MakeString("TEMPERATURE"), ""},
+      {"Duty", com::MakeString("Temp"), "invalid choice"},
       {"Count", com::MakeInteger(128), ""},
       {"Count", com::MakeInteger(129), "value out of bounds"},
       {"Count", com::MakeDouble(3), "invalid argument type"},
@@ -120,19 +156,22 @@ TEST(CParameter, AcceptsAndRefusesValues) {
        "invalid type for an array element for setting array parameter value: VT_R8 expected"},
       {"Factors", Doubles({0.5, 1.5}),
        "value out of bounds an array element for setting array parameter value"},
+      {"Factors", com::MakeVariants(Mixed()),
+       "value out of bounds an array element for setting array parameter value"},
       {"Factors", Doubles({kNaN}), "value out of bounds an array element for setting array parameter value"},
   };
   for (const PutCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.parameter << " = " << com::Describe(c.value.Get()));
     Bench bench;
     const auto parameter = bench.Parameter(c.parameter);
-    com::Variant before;
-    EXPECT_EQ(parameter->get_value(before.Put()), S_OK);
+    com::Bstr message;
+    VARIANT_BOOL valid = VARIANT_FALSE;
+    const ParameterValue before = ValueOf(bench, c.parameter);
+    EXPECT_EQ(parameter->Validate(message.Put(), &valid), S_OK);
     const HRESULT put = parameter->put_value(c.value.Get());
     EXPECT_EQ(put, *c.fault ? kFailed : S_OK);
-    com::Variant after;
-    EXPECT_EQ(parameter->get_value(after.Put()), S_OK);
-    EXPECT_EQ(after.Get().vt, before.Get().vt);
+    EXPECT_EQ(StatusOf(parameter), *c.fault ? CAPE_VALID : CAPE_NOT_VALIDATED);
+    EXPECT_EQ(ValueOf(bench, c.parameter) == before, *c.fault || c.keepsValue) << "the value";
     if (*c.fault)
       EXPECT_EQ(ErrorOf(parameter.Get()), (Texts{c.fault, c.fault, "put_value", "ICapeParameter"}));
   }
@@ -156,9 +195,34 @@ TEST(CParameter, AsksItsUnitAboutEveryKindOfValue) {
   EXPECT_EQ(bench.Parameter("Serial")->Validate(message.Put(), &valid), S_OK);
   EXPECT_EQ(valid, VARIANT_FALSE);
   EXPECT_EQ(com::ToUtf8(message.Get()), "not Serial");
-  CapeValidationStatus status = CAPE_VALID;
-  EXPECT_EQ(bench.Parameter("Serial")->get_ValStatus(&status), S_OK);
-  EXPECT_EQ(status, CAPE_INVALID);
+  EXPECT_EQ(StatusOf(bench.Parameter("Serial")), CAPE_INVALID);
+  EXPECT_EQ(bench.Parameter("Result")->Validate(message.Put(), &valid), S_OK);
+  EXPECT_EQ(com::ToUtf8(message.Get()), "not Result") << "results are asked about too";
+  com::Variant texts;
+  com::Variant verdicts;
+  const auto spec = factors.As<ICapeArrayParameterSpec>();
+  EXPECT_EQ(spec->Validate(Doubles({1, 0}).Get(), texts.Put(), verdicts.Put()), S_OK);
+  EXPECT_EQ(com::ReadStrings(texts.Get()), (std::vector<std::string>{"not Factors", "not Factors"}));
+  EXPECT_EQ(spec->Validate(Doubles({}).Get(), texts.Put(), verdicts.Put()), kFailed);
+}
+
+TEST(CParameter, ReportsThatItCouldNotBeChecked) {
+  Bench bench;
+  const auto drop = bench.Parameter("Drop");
+  com::Bstr message = com::ToBstr("of an earlier call");
+  VARIANT_BOOL valid = VARIANT_FALSE;
+  EXPECT_EQ(drop->Validate(message.Put(), &valid), S_OK);
+  EXPECT_EQ(StatusOf(drop), CAPE_VALID);
+  EXPECT_EQ(com::ToUtf8(message.Get()), "");
+  bench.unit->onParameterValue = [](const CParameter&, std::string&, const ParameterValue&) -> bool {
+    throw Failure(UnitError{"title", "the host is gone", "elsewhere", "IOther"});
+  };
+  EXPECT_EQ(drop->Validate(message.Put(), &valid), kFailed);
+  EXPECT_EQ(ErrorOf(drop.Get()),
+            (Texts{"the host is gone", "the host is gone", "Validate", "ICapeParameter"}));
+  EXPECT_EQ(StatusOf(drop), CAPE_INVALID);
+  EXPECT_EQ(drop->put_value(com::MakeDouble(1).Get()), kFailed);
+  EXPECT_EQ(ErrorOf(drop.Get()).scope, "put_value");
 }
 
 TEST(CParameter, ResetsToItsDefaultAndMirrorsIt) {
@@ -166,10 +230,15 @@ TEST(CParameter, ResetsToItsDefaultAndMirrorsIt) {
   double mirror = 0;
   bench.unit->Parameter(1).BindDouble(&mirror);
   EXPECT_EQ(mirror, 5);
+  double whenTold = 0;
+  bench.unit->onInputsChanged = [&] { whenTold = mirror; };
   EXPECT_EQ(bench.Parameter("Drop")->put_value(com::MakeDouble(7).Get()), S_OK);
   EXPECT_EQ(mirror, 7);
+  EXPECT_EQ(whenTold, 7);
   EXPECT_EQ(bench.Parameter("Drop")->Reset(), S_OK);
   EXPECT_EQ(mirror, 5);
+  EXPECT_EQ(whenTold, 5) << "the unit is told of the default";
+  EXPECT_EQ(StatusOf(bench.Parameter("Drop")), CAPE_NOT_VALIDATED);
   const auto factors = bench.Parameter("Factors");
   EXPECT_EQ(factors->put_value(Doubles({1}).Get()), S_OK);
   EXPECT_EQ(factors->Reset(), S_OK);
@@ -187,6 +256,52 @@ TEST(CParameter, SwitchesTheUnitsInterfacesAtOnce) {
   EXPECT_FALSE(bench.unit->UsesThermo11());
   EXPECT_EQ(bench.Parameter("Thermo Version")->put_value(com::MakeString("1.1").Get()), S_OK);
   EXPECT_TRUE(bench.unit->UsesThermo11());
+  EXPECT_EQ(bench.Parameter("Thermo Version")->Reset(), S_OK);
+  EXPECT_TRUE(bench.unit->UsesThermo11()) << "a reset acts from the next validation on";
+  std::string message;
+  EXPECT_TRUE(bench.door.IsValid(message)) << message;
+  EXPECT_FALSE(bench.unit->UsesThermo11());
+}
+
+TEST(CParameter, DescribesItself) {
+  Bench bench;
+  double real = 0;
+  const auto drop = bench.Parameter("Drop").As<ICapeRealParameterSpec>();
+  EXPECT_EQ(drop->get_DefaultValue(&real), S_OK);
+  EXPECT_EQ(real, 5);
+  EXPECT_EQ(drop->get_LowerBound(&real), S_OK);
+  EXPECT_EQ(real, 0);
+  EXPECT_EQ(drop->get_UpperBound(&real), S_OK);
+  EXPECT_EQ(real, 1e10);
+  LONG integer = 0;
+  const auto count = bench.Parameter("Count").As<ICapeIntegerParameterSpec>();
+  EXPECT_EQ(count->get_LowerBound(&integer), S_OK);
+  EXPECT_EQ(integer, 2);
+  EXPECT_EQ(count->get_UpperBound(&integer), S_OK);
+  EXPECT_EQ(integer, 128);
+  const auto freeCount = bench.Parameter("Free count").As<ICapeIntegerParameterSpec>();
+  EXPECT_EQ(freeCount->get_UpperBound(&integer), S_OK);
+  EXPECT_EQ(integer, std::numeric_limits<LONG>::max());
+  const auto duty = bench.Parameter("Duty").As<ICapeOptionParameterSpec>();
+  com::Bstr text;
+  com::Variant list;
+  VARIANT_BOOL flag = VARIANT_FALSE;
+  EXPECT_EQ(duty->get_DefaultValue(text.Put()), S_OK);
+  EXPECT_EQ(com::ToUtf8(text.Get()), "Heat duty");
+  EXPECT_EQ(duty->get_OptionList(list.Put()), S_OK);
+  EXPECT_EQ(com::ReadStrings(list.Get()), (std::vector<std::string>{"Heat duty", "Temperature"}));
+  EXPECT_EQ(duty->get_RestrictedToList(&flag), S_OK);
+  EXPECT_EQ(flag, VARIANT_TRUE);
+  EXPECT_EQ(duty->Validate(com::ToBstr("none").Get(), text.Put(), &flag), S_OK);
+  EXPECT_EQ(flag, VARIANT_FALSE);
+  EXPECT_EQ(com::ToUtf8(text.Get()), "invalid choice");
+  EXPECT_EQ(bench.Parameter("Phase").As<ICapeOptionParameterSpec>()->get_RestrictedToList(&flag), S_OK);
+  EXPECT_EQ(flag, VARIANT_FALSE);
+  EXPECT_EQ(drop->Validate(-1.0, text.Put(), &flag), S_OK);
+  EXPECT_EQ(com::ToUtf8(text.Get()), "value out of bounds");
+  com::Ref<IDispatch> specification;
+  EXPECT_EQ(bench.Parameter("Drop")->get_Specification(specification.Put()), S_OK);
+  EXPECT_TRUE(specification.As<ICapeRealParameterSpec>());
 }
 
 /// A typed specification's own getters work; those of the other kinds refuse.
@@ -234,6 +349,9 @@ TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
     expectKind(booleanSpec->Validate(VARIANT_TRUE, text.Put(), &boolean), 3, "Validate",
                "ICapeBooleanParameterSpec");
     const auto arraySpec = parameter.As<ICapeArrayParameterSpec>();
+    com::Variant verdicts;
+    expectKind(arraySpec->Validate(Doubles({}).Get(), value.Put(), verdicts.Put()), 4, "Validate",
+               "ICapeArrayParameterSpec");
     expectKind(arraySpec->get_NumDimensions(&integer), 4, "get_NumDimensions", "ICapeArrayParameterSpec");
     expectKind(arraySpec->get_Size(value.Put()), 4, "get_Size", "ICapeArrayParameterSpec");
     expectKind(arraySpec->get_ItemsSpecifications(value.Put()), 4, "get_ItemsSpecifications",
@@ -273,16 +391,26 @@ TEST(CParameter, DescribesTheElementsOfAnArray) {
   refused(member->get_Specification(specification.Put()), "get_Specification");
   refused(member->put_value(com::MakeString("invalid too").Get()), "put_value");
 
+  double ownDefault = 0;
+  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_DefaultValue(&ownDefault),
+            S_OK);
+  EXPECT_EQ(ownDefault, 0.25);
+  EXPECT_EQ(member.As<ICapeRealParameterSpec>()->Validate(kNaN, message.Put(), &valid), S_OK);
+  EXPECT_EQ(valid, VARIANT_FALSE) << "an element is never unset";
+
   com::Variant texts;
   com::Variant verdicts;
-  EXPECT_EQ(spec->Validate(Doubles({0.5, 2}).Get(), texts.Put(), verdicts.Put()), S_OK);
+  std::vector<com::Variant> candidate = Mixed();
+  candidate.push_back(com::MakeDouble(0.5));
+  EXPECT_EQ(spec->Validate(com::MakeVariants(candidate).Get(), texts.Put(), verdicts.Put()), S_OK);
   EXPECT_EQ(com::ReadStrings(texts.Get()),
             (std::vector<std::string>{
-                "", "value out of bounds an array element for setting array parameter value"}));
+                "value out of bounds an array element for setting array parameter value",
+                "invalid type for an array element for setting array parameter value: VT_R8 expected", ""}));
   const auto flags = com::ReadVariants(verdicts.Get());
-  ASSERT_EQ(flags.size(), 2u);
-  EXPECT_TRUE(com::ReadBoolean(flags[0].Get()));
+  ASSERT_EQ(flags.size(), 3u);
   EXPECT_FALSE(com::ReadBoolean(flags[1].Get()));
+  EXPECT_TRUE(com::ReadBoolean(flags[2].Get()));
 }
 
 TEST(CParameter, KeepsItsModeFromTheHost) {
@@ -327,19 +455,20 @@ TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
       {"double", com::MakeDouble(2.0), "Drop", {}},
       {"small integer", SmallIndex(3), "Result", {}},
       {"name in other case", com::MakeString("factors"), "Factors", {}},
-      {"beyond the list", com::MakeInteger(8), "Apart", {}},
+      {"beyond the list", com::MakeInteger(11), "Apart", {}},
       {"zero",
        com::MakeInteger(0),
        nullptr,
        {"parameter index out of range", "parameter index out of range"}},
       {"beyond all",
-       com::MakeInteger(9),
+       com::MakeInteger(12),
        nullptr,
        {"parameter index out of range", "parameter index out of range"}},
       {"empty name", com::MakeString(""), nullptr, {"empty string", "empty string"}},
       {"unknown name", com::MakeString("x"), nullptr, {"invalid parameter name", "parameter name not found"}},
-      {"nothing",
-       com::Variant(),
+      {"nothing", com::Variant(), nullptr, {"parameter index out of range", "parameter index out of range"}},
+      {"an array",
+       com::MakeDoubles(std::array{1.0}),
        nullptr,
        {"invalid parameter specification", "expected a name or an integer for a parameter identifier"}},
       {"too large",
@@ -350,7 +479,7 @@ TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
   const auto parameters = bench.door.Parameters();
   LONG count = 0;
   EXPECT_EQ(parameters->Count(&count), S_OK);
-  EXPECT_EQ(count, 8);
+  EXPECT_EQ(count, 11);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.title);
     com::Ref<IDispatch> item;
@@ -381,6 +510,14 @@ TEST(ReportFormat, PrintsOneLinePerParameter) {
   };
   const LineCase cases[] = {
       {"pressure drop", real(5000, kPressureDropDimension), "x:\t5000 Pa"},
+      {"thermal conductance", real(1, {2, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t1 W/K"},
+      {"energy", real(1, {2, 1, -2, 0, 0, 0, 0, 0, 0}), "x:\t1 J"},
+      {"power per length", real(1, {1, 1, -3, 0, 0, 0, 0, 0, 0}), "x:\t1 W/m"},
+      {"molar energy", real(1, kMolarEnergyDimension), "x:\t1 J/mol"},
+      {"specific energy", real(1, kSpecificEnergyDimension), "x:\t1 J/kg"},
+      {"viscosity", real(1, {-1, 1, -1, 0, 0, 0, 0, 0, 0}), "x:\t1 Pa s"},
+      {"root of a length", real(1, {0.5, 0, 0, 0, 0, 0, 0, 0, 0}), "x:\t1 m^0.5"},
+      {"empty array", {.name = "a", .description = "", .defaultValue = std::vector<double>{}}, "a:\t []"},
       {"power", real(-1.5e-7, kPowerDimension), "x:\t-1.5e-07 W"},
       {"15 digits", real(1.0 / 3, kTemperatureDimension), "x:\t0.333333333333333 K"},
       {"heat transfer coefficient", real(2, {0, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t2 W/m²/K"},

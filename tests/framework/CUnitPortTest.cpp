@@ -14,10 +14,12 @@ namespace {
 constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 
 constexpr InformationItem kTemperatureItem[] = {{"Temperature", "a temperature", kTemperatureDimension}};
+constexpr InformationItem kPlainItem[] = {{"number", "a number"}};
 constexpr PortDeclaration kPorts[] = {
     {"Inlet", "feed", CAPE_INLET},
     {"Heat", "heat", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
     {"Signal", "signal", CAPE_INLET, CAPE_INFORMATION, kTemperatureItem},
+    {"Plain", "plain", CAPE_INLET, CAPE_INFORMATION, kPlainItem},
     {"Result", "result", CAPE_OUTLET, CAPE_INFORMATION, kTemperatureItem},
 };
 const UnitDeclaration kUnit = {
@@ -82,6 +84,48 @@ TEST(CUnitPort, RefusesWhatIsNoMaterial) {
   EXPECT_EQ(ErrorOf(bench.door.Port("Inlet").Get()).description,
             "failed to obtain IDispatch interface to material: Invalid pointer");
   EXPECT_FALSE(bench.IsConnected("Inlet"));
+  EXPECT_EQ(bench.door.Port("Heat")->Connect(nullptr), kFailed);
+  EXPECT_EQ(ErrorOf(bench.door.Port("Heat").Get()).description,
+            "failed to obtain IDispatch interface to energy object: Invalid pointer");
+}
+
+TEST(CUnitPort, IsUnconnectedAfterAFailedConnect) {
+  Bench bench;
+  const auto material = com::Make<FakeMaterial>(bench.script);
+  EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
+  EXPECT_EQ(bench.Connect("Inlet", bench.stream), kFailed);
+  EXPECT_FALSE(bench.IsConnected("Inlet"));
+  EXPECT_EQ(material->References(), 1u);
+  // The unit may fail when it is told.
+  bench.unit->onInputsChanged = [&] {
+    if (bench.unit->Inlet(0).IsConnected()) throw Failure("no room for another port");
+  };
+  EXPECT_EQ(bench.Connect("Inlet", material), kFailed);
+  EXPECT_FALSE(bench.IsConnected("Inlet"));
+  EXPECT_EQ(material->References(), 1u);
+}
+
+TEST(CUnitPort, TellsItsUnitBeforeAndAfterConnecting) {
+  Bench bench;
+  const auto material = com::Make<FakeMaterial>(bench.script, FakeState{.thermo11 = false});
+  std::vector<bool> connectedWhenTold;
+  bench.unit->onInputsChanged = [&] { connectedWhenTold.push_back(bench.unit->Inlet(0).IsConnected()); };
+  EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
+  EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
+  EXPECT_EQ(connectedWhenTold, (std::vector<bool>{false, true, false, true}));
+}
+
+TEST(CUnitPort, LeavesItsUnitForGood) {
+  Bench bench;
+  const auto port = bench.door.Port("Result");
+  EXPECT_EQ(bench.Connect("Result", bench.stream), kFailed);
+  bench.stream->Add("T", kKelvin, 1);
+  EXPECT_EQ(bench.Connect("Result", bench.stream), S_OK);
+  bench.unit->RemovePort(bench.unit->Outlet(0));
+  EXPECT_EQ(bench.stream->References(), 1u);
+  EXPECT_FALSE(bench.door.Port("Result"));
+  EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(bench.stream.Get())), kFailed);
+  EXPECT_EQ(bench.door.Status(), CAPE_NOT_VALIDATED);
 }
 
 TEST(CUnitPort, RefusesToDisconnectTwice) {
@@ -102,9 +146,11 @@ TEST(CUnitPort, IsFoundByNameAndIndex) {
     return TextFrom(port.Get(), &ICapeIdentification::get_ComponentName);
   };
   EXPECT_EQ(nameAt(com::MakeString("inlet")), "Inlet");
-  EXPECT_EQ(nameAt(com::MakeDouble(4)), "Result");
+  EXPECT_EQ(nameAt(com::MakeDouble(5)), "Result");
   for (const char* wrong : {"x", ""}) EXPECT_EQ(nameAt(com::MakeString(wrong)), "<refused>");
-  EXPECT_EQ(nameAt(com::MakeInteger(5)), "<refused>");
+  EXPECT_EQ(bench.door.Port("Plain").As<ICapeIdentification>()->put_ComponentName(nullptr), S_OK);
+  EXPECT_EQ(nameAt(com::MakeString("<UNKNOWN>")), "");
+  EXPECT_EQ(nameAt(com::MakeInteger(6)), "<refused>");
   EXPECT_EQ(ErrorOf(ports.Get()), (Texts{"invalid index or id", "could not find port, invalid index or id",
                                          "Item", "ICapeCollection"}));
 }
@@ -176,6 +222,30 @@ const MatchCase kMatches[] = {
      {{"T", {0, 0, 0, 0, 1, 0, 0, 0}}},
      -1,
      {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
+     ""},
+    {"just outside the tolerance",
+     "Signal",
+     {{"T", {0, 0, 0, 0, 1 + 2e-6, 0, 0, 0}}},
+     -1,
+     {"Warning: Parameter T on object matches does not match dimensionality with port parameter",
+      "Port \"Signal\" does not predict values for \"T\"; no suitable information item is present"},
+     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
+     "the "
+     "object to connect to"},
+    {"another difference flag",
+     "Signal",
+     {{"T", {0, 0, 0, 0, 1, 0, 0, 0, 1}}},
+     -1,
+     {"Warning: Parameter T on object matches does not match dimensionality with port parameter",
+      "Port \"Signal\" does not predict values for \"T\"; no suitable information item is present"},
+     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
+     "the "
+     "object to connect to"},
+    {"no dimensionality on either side",
+     "Plain",
+     {{"x", {}}},
+     -1,
+     {"info: port Plain matches connection parameter \"x\" to information item \"number\""},
      ""},
     {"within the tolerance",
      "Signal",
@@ -335,9 +405,13 @@ const Operation kOperations[] = {
     {"write",
      [](Bench& b) { return Outcome([&] { b.InfoPort(2).WriteInformation(0, 1); }); },
      {{"QueryInterface ICapeCollection",
-       "failed to get ICapeCollection from object connected to port, <why>"},
-      {"Item", "Failed to obtain specified item 1 from connected object's parameter collection: <why>"},
-      {"QueryInterface ICapeParameter", "Failed to get ICapeParameter from parameter: <why>"},
+       "Unable to set Temperature to port \"Signal\": failed to get ICapeCollection from object connected to "
+       "port, <why>"},
+      {"Item",
+       "Unable to set Temperature to port \"Signal\": Failed to obtain specified item 1 from connected "
+       "object's parameter collection: <why>"},
+      {"QueryInterface ICapeParameter",
+       "Unable to set Temperature to port \"Signal\": Failed to get ICapeParameter from parameter: <why>"},
       {"put_value",
        "Unable to set Temperature to port \"Signal\": Failed to set value from parameter: <why>"}}},
 };

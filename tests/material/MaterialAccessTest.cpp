@@ -5,8 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <span>
+#include <utility>
 
+#include "material/MissingValue.h"
 #include "material/Names.h"
 #include "material/Thermo10.h"
 #include "tests/support/Door.h"
@@ -39,6 +42,11 @@ double Scalar(const com::Variant& values) {
   const auto numbers = com::ReadDoubles(values.Get());
   EXPECT_EQ(numbers.size(), 1u);
   return numbers.at(0);
+}
+
+std::ptrdiff_t CallsOf(const Bench& bench, const std::string& label) {
+  return std::ranges::count_if(bench.script->calls,
+                               [&](const std::string& call) { return call.starts_with(label + "/"); });
 }
 
 com::Name Kept(const char* text) { return com::KeepName(text); }
@@ -89,7 +97,7 @@ TEST(MaterialAccess, RemembersThatTheHostCannotCalculateAnOverallProperty) {
   const auto ask = [&] {
     bench.script->Restart();
     (void)bench.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole);
-    return std::ranges::count(bench.script->calls, "CalcProp Overall");
+    return CallsOf(bench, "CalcProp Overall");
   };
   // A sum that fails teaches nothing.
   bench.script->Restart();
@@ -99,6 +107,8 @@ TEST(MaterialAccess, RemembersThatTheHostCannotCalculateAnOverallProperty) {
       Failure);
   EXPECT_EQ(ask(), 1);
   EXPECT_EQ(ask(), 0);
+  (void)bench.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, names::kMole);
+  EXPECT_EQ(CallsOf(bench, "CalcProp Overall"), 1) << "another property is asked for first";
 }
 
 TEST(MaterialAccess, SkipsAbsentPhasesUnderThermo10Only) {
@@ -112,7 +122,7 @@ TEST(MaterialAccess, SkipsAbsentPhasesUnderThermo10Only) {
                                                           names::kMole)),
                      -500);
     const char* calculation = thermo11 ? "CalcSinglePhaseProp Vapor" : "CalcProp Vapor";
-    EXPECT_EQ(std::ranges::count(bench.script->calls, calculation), thermo11 ? 1 : 0);
+    EXPECT_EQ(CallsOf(bench, calculation), thermo11 ? 1 : 0);
   }
 }
 
@@ -340,10 +350,224 @@ TEST(MaterialAccess, RefusesWhatItCannotAnswer) {
   }
 }
 
+/// An answer that no careful host gives, and the refusal's description.
+struct OddAnswer {
+  const char* title;
+  bool thermo11;
+  void (*spoil)(Bench&);
+  void (*ask)(Bench&);
+  const char* description;
+};
+
+template <class... Elements>
+auto Answer(const char* call, Elements... elements) {
+  return std::pair(std::string(call), [=] { return com::MakeDoubles(std::vector<double>{elements...}); });
+}
+
+void Say(Bench& b, std::pair<std::string, std::function<com::Variant()>> answer) {
+  b.script->oddAnswers.insert(std::move(answer));
+}
+
+com::Variant TextArray() { return com::MakeStrings(std::vector<std::string>{"one", "two"}); }
+
+com::Variant MixedArray() {
+  std::vector<com::Variant> elements;
+  elements.push_back(com::MakeString("Vapor"));
+  elements.push_back(com::MakeDouble(1));
+  return com::MakeVariants(elements);
+}
+
+void AskEnthalpy(Bench& b) {
+  (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, {});
+}
+void AskMassEnthalpy(Bench& b) {
+  (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMass);
+}
+void AskVapor(Bench& b) { (void)b.Port().GetVaporName(); }
+void AskFractions(Bench& b) { (void)b.Port().GetPhaseFractions(); }
+void AskNames(Bench& b) { (void)b.Port().GetCompoundIdentities(); }
+void AskWeights(Bench& b) { (void)b.Port().GetCompoundConstant(names::kMolecularWeight); }
+void AskCas(Bench& b) { (void)b.Port().GetCompoundText(names::kCasRegistryNumber); }
+void CannotCalculateOverall(Bench& b) { b.material->state.calculatesOverall = false; }
+
+const OddAnswer kOddAnswers[] = {
+    {"two enthalpies", false, [](Bench& b) { Say(b, Answer("GetProp enthalpy", 1.0, 2.0)); }, AskEnthalpy,
+     "Unexpected number of values for enthalpy: scalar expected"},
+    {"two flows", false, [](Bench& b) { Say(b, Answer("GetProp totalFlow", 1.0, 2.0)); }, AskEnthalpy,
+     "Unexpected number of values for totalFlow: scalar expected"},
+    {"enthalpy as text", false, [](Bench& b) { b.script->oddAnswers["GetProp enthalpy"] = TextArray; },
+     AskEnthalpy,
+     "Failed to convert enthalpy values from GetProp: element 1: a number expected, a text found"},
+    {"flow not set", false, [](Bench& b) { Say(b, Answer("GetProp totalFlow", kMissingValue)); }, AskEnthalpy,
+     "Failed to convert total flow values from GetProp: value is not set"},
+    {"two phase fractions to sum", false,
+     [](Bench& b) {
+       CannotCalculateOverall(b);
+       Say(b, Answer("GetProp phaseFraction", 1.0, 2.0));
+     },
+     AskEnthalpy, "Unexpected value for phase fraction for Vapor"},
+    {"two phase enthalpies to sum", false,
+     [](Bench& b) {
+       CannotCalculateOverall(b);
+       Say(b, Answer("GetProp enthalpy", 1.0, 2.0));
+     },
+     AskEnthalpy, "Unexpected value for enthalpy for Vapor phase: scalar expected"},
+    {"flow to multiply a sum not set", false,
+     [](Bench& b) {
+       CannotCalculateOverall(b);
+       Say(b, Answer("GetProp totalFlow", kMissingValue));
+     },
+     AskEnthalpy, "Unexpected value for total flow for overall phase: value is not set"},
+    {"phases as numbers", false,
+     [](Bench& b) {
+       CannotCalculateOverall(b);
+       Say(b, Answer("PhaseIds", 1.0));
+     },
+     AskEnthalpy,
+     "Failed to obtain overall enthalpy; invalid list of phases from material: an array of texts expected, "
+     "an array "
+     "of numbers found"},
+    {"one phase as number", false,
+     [](Bench& b) {
+       CannotCalculateOverall(b);
+       b.script->oddAnswers["PhaseIds"] = MixedArray;
+     },
+     AskEnthalpy, "unable to get phase name from array"},
+    {"present phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPresentPhases", 1.0, 2.0)); },
+     AskEnthalpy,
+     "Failed to calculate overall enthalpy; invalid list of phases from GetPresentPhases: element 1: a text "
+     "expected, "
+     "a number found"},
+    {"present phases not given", true,
+     [](Bench& b) { b.script->oddAnswers["GetPresentPhases"] = [] { return com::Variant(); }; }, AskEnthalpy,
+     "Failed to calculate overall enthalpy; invalid list of phases from GetPresentPhases: an array of texts "
+     "expected, "
+     "nothing found"},
+    {"phase not at equilibrium", true,
+     [](Bench& b) {
+       b.material->state.statuses = {1, 2};
+     },
+     AskEnthalpy, "Failed to calculate overall enthalpy; phase Liquid is reported not to be in equilibrium"},
+    {"phase named overall", true, [](Bench& b) { b.material->state.phases[0].label = "overall"; },
+     AskEnthalpy, "Invalid phase name \"overall\" from GetPresentPhases"},
+    {"no phase", true, [](Bench& b) { b.material->state.phases.clear(); }, AskEnthalpy,
+     "Failed to get overall enthalpy: no valid phases are present"},
+    {"two enthalpies of a phase", true,
+     [](Bench& b) { Say(b, Answer("GetSinglePhaseProp enthalpy", 1.0, 2.0)); }, AskEnthalpy,
+     "Invalid values for enthalpy for phase Vapor, basis \"mole\": scalar expected"},
+    {"two fractions of a phase", true,
+     [](Bench& b) { Say(b, Answer("GetSinglePhaseProp phaseFraction", 1.0, 2.0)); }, AskEnthalpy,
+     "Invalid values for phase fraction for phase Vapor, basis \"mole\": scalar expected"},
+    {"three mole fractions of two compounds", true,
+     [](Bench& b) { Say(b, Answer("GetOverallProp Fraction", 0.1, 0.2, 0.7)); }, AskMassEnthalpy,
+     "Material object returned inconsistent number of values for molecular weights and overall compositions "
+     "for "
+     "mass/mole conversion"},
+    {"mole fraction not set", true,
+     [](Bench& b) { Say(b, Answer("GetOverallProp Fraction", 0.1, kMissingValue)); }, AskMassEnthalpy,
+     "Invalid values for overall composition for mass/mole conversion: value is not set"},
+    {"molecular weight not set", true,
+     [](Bench& b) { Say(b, Answer("GetCompoundConstant molecularWeight", 16.0, kMissingValue)); },
+     AskMassEnthalpy,
+     "Invalid value for molecular weight of a compound for mass/mole conversion. Expected VARIANT of type "
+     "REAL."},
+    {"supported phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPhaseList", 1.0, 2.0)); },
+     AskVapor, "invalid phase name array from GetPhaseList: element 1: a text expected, a number found"},
+    {"fewer phases than states", true,
+     [](Bench& b) {
+       b.script->oddAnswers["GetPhaseList"] = [] {
+         return com::MakeStrings(std::vector<std::string>{"Vapor"});
+       };
+     },
+     AskVapor,
+     "number of elements in aggregation state array does not match number of elements in names array "
+     "returned from "
+     "GetPhaseList"},
+    {"two values of a phase fraction", false,
+     [](Bench& b) { Say(b, Answer("GetProp phaseFraction", 1.0, 2.0)); }, AskFractions,
+     "Unexpected format for phase fraction from material object: array with one value expected"},
+    {"phase fraction as text", true,
+     [](Bench& b) { b.script->oddAnswers["GetSinglePhaseProp phaseFraction"] = TextArray; }, AskFractions,
+     "Unexpected format for phase fraction from material object: element 1: a number expected, a text found"},
+    {"no phase fractions", false, [](Bench& b) { b.material->state.phases.clear(); }, AskFractions,
+     "No phases are present in material"},
+    {"compound without name", true, [](Bench& b) { b.material->state.compounds[1] = ""; }, AskNames,
+     "One or more empty compound names from material object: compound 2 of port Inlet"},
+    {"names as numbers", false, [](Bench& b) { Say(b, Answer("ComponentIds", 1.0, 2.0)); }, AskNames,
+     "Invalid compound names from material object: element 1: a text expected, a number found"},
+    {"three weights of two compounds", false,
+     [](Bench& b) { Say(b, Answer("GetComponentConstant molecularWeight", 1.0, 2.0, 3.0)); }, AskWeights,
+     "Invalid values for molecularWeight"},
+    {"constant without value", true,
+     [](Bench& b) {
+       b.script->oddAnswers["GetCompoundConstant molecularWeight"] = [] {
+         return com::MakeVariants(std::vector<com::Variant>(2));
+       };
+     },
+     AskWeights, "One or more missing values for molecularWeight from port Inlet"},
+    {"text constants as numbers", true,
+     [](Bench& b) { Say(b, Answer("GetCompoundConstant CasRegistryNumber", 1.0, 2.0)); }, AskCas,
+     "Unexpected data type"},
+    {"no text constants", true, [](Bench& b) { Say(b, Answer("GetCompoundConstant CasRegistryNumber")); },
+     AskCas, "No data"},
+    {"text constants not given", false,
+     [](Bench& b) {
+       b.script->oddAnswers["GetComponentConstant CasRegistryNumber"] = [] { return com::Variant(); };
+     },
+     AskCas, "Invalid data: an array of values expected, nothing found"},
+    {"one text constant of two", false,
+     [](Bench& b) {
+       b.script->oddAnswers["GetComponentConstant CasRegistryNumber"] = [] {
+         return com::MakeStrings(std::vector<std::string>{"1-1-1"});
+       };
+     },
+     AskCas, "Unexpected number of data elements"},
+    {"two isentropic enthalpies", false, [](Bench& b) { Say(b, Answer("GetProp enthalpy", 1.0, 2.0)); },
+     [](Bench& b) { (void)b.unit->HFromPSFlash(1e5, 0); }, "Invalid values for enthalpy"},
+    {"a copy that is none, 1.0", false, [](Bench& b) { b.material->state.givesNoCopy = true; },
+     [](Bench& b) { (void)b.Port().DuplicateMaterial(); }, "Failed to duplicate material: Invalid pointer"},
+    {"a copy that is none, 1.1", true, [](Bench& b) { b.material->state.givesNoCopy = true; },
+     [](Bench& b) { (void)b.Port().DuplicateMaterial(); },
+     "Failed to get ICapeThermoMaterial from duplicate material object"},
+};
+
+TEST(MaterialAccess, ExplainsOddAnswers) {
+  for (const OddAnswer& odd : kOddAnswers) {
+    SCOPED_TRACE(odd.title);
+    Bench bench(odd.thermo11);
+    odd.spoil(bench);
+    try {
+      odd.ask(bench);
+      ADD_FAILURE() << "was not refused";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.error.description, odd.description);
+    }
+    EXPECT_EQ(bench.script->liveObjects, 1) << "a copy was not released";
+  }
+}
+
+TEST(MaterialAccess, TakesTheWholeOrAPhaseInAnyCase) {
+  Bench bench(true);
+  const com::Variant value = com::MakeDoubles(std::array{1.0});
+  for (const char* phase : {"OVERALL", "Liquid"}) {
+    bench.Port().SetProp(names::kEnthalpy, Kept(phase), com::kNoValue, names::kMixture, names::kMole,
+                         value.Get());
+    (void)bench.Port().GetProp(names::kPhaseFraction, Kept(phase), com::kNoValue, {}, names::kMole);
+  }
+  std::erase(bench.script->calls, "QueryInterface ICapeThermoMaterial");
+  EXPECT_EQ(bench.script->calls,
+            (std::vector<std::string>{"SetOverallProp enthalpy/Mole/[1]", "GetOverallProp phaseFraction/Mole",
+                                      "SetSinglePhaseProp enthalpy/Liquid/Mole/[1]",
+                                      "GetSinglePhaseProp phaseFraction/Liquid/Mole"}));
+}
+
 TEST(MaterialAccess, FindsTheVaporLabelOfAThermo10MaterialAsTheHostSpellsIt) {
   Bench bench(false);
   bench.material->state.phases[0].label = "VAPOR";
   EXPECT_EQ(com::ToUtf8(material::FindVaporLabel(*bench.material).Get()), "VAPOR");
+  bench.script->oddAnswers["PhaseIds"] = [] { return com::MakeDouble(1); };
+  EXPECT_EQ(material::FindVaporLabel(*bench.material).Get(), nullptr);
+  bench.script->oddAnswers.clear();
   bench.material->state.phases[0].label = "Gas";
   EXPECT_EQ(material::FindVaporLabel(*bench.material).Get(), nullptr);
 }
@@ -410,9 +634,9 @@ const Operation kOperations[] = {
      {{kQuery10, kNo10},
       {"Duplicate", "Failed to duplicate material for calculating enthalpy in CPort::GetProperty(): <why>"},
       {kQuery10, "Failed to get ICapeThermoMaterialObject from duplicate material"},
-      {"CalcProp Overall", nullptr},
-      {"GetProp enthalpy", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"},
-      {"GetProp totalFlow", "GetProp (totalFlow/Overall/base mole) failed: <why>"}}},
+      {"CalcProp Overall/[enthalpy]/[Overall]/mixture", nullptr},
+      {"GetProp enthalpy/Overall//mixture/Mole", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"},
+      {"GetProp totalFlow/Overall///Mole", "GetProp (totalFlow/Overall/base mole) failed: <why>"}}},
     {"1.0 total enthalpy summed over phases",
      false,
      false,
@@ -420,15 +644,15 @@ const Operation kOperations[] = {
      {{kQuery10, kNo10},
       {"Duplicate", "Failed to duplicate material for calculating enthalpy in CPort::GetProperty(): <why>"},
       {kQuery10, "Failed to get ICapeThermoMaterialObject from duplicate material"},
-      {"CalcProp Overall", nullptr},
+      {"CalcProp Overall/[enthalpy]/[Overall]/mixture", nullptr},
       {"PhaseIds", "Failed to obtain overall enthalpy; unable to get a list of phases, <why>"},
-      {"GetProp phaseFraction", "GetProp (phaseFraction/Vapor) failed: <why>"},
-      {"CalcProp Vapor", "CalcProp (enthalpy/Vapor/mixture) failed: <why>"},
-      {"GetProp enthalpy", "GetProp (enthalpy/Vapor/mixture/mole) failed: <why>"},
-      {"GetProp phaseFraction", "GetProp (phaseFraction/Liquid) failed: <why>"},
-      {"CalcProp Liquid", "CalcProp (enthalpy/Liquid/mixture) failed: <why>"},
-      {"GetProp enthalpy", "GetProp (enthalpy/Liquid/mixture/mole) failed: <why>"},
-      {"GetProp totalFlow", "GetProp (totalFlow/overall) failed: <why>"}}},
+      {"GetProp phaseFraction/Vapor///Mole", "GetProp (phaseFraction/Vapor) failed: <why>"},
+      {"CalcProp Vapor/[enthalpy]/[Vapor]/mixture", "CalcProp (enthalpy/Vapor/mixture) failed: <why>"},
+      {"GetProp enthalpy/Vapor//mixture/Mole", "GetProp (enthalpy/Vapor/mixture/mole) failed: <why>"},
+      {"GetProp phaseFraction/Liquid///Mole", "GetProp (phaseFraction/Liquid) failed: <why>"},
+      {"CalcProp Liquid/[enthalpy]/[Liquid]/mixture", "CalcProp (enthalpy/Liquid/mixture) failed: <why>"},
+      {"GetProp enthalpy/Liquid//mixture/Mole", "GetProp (enthalpy/Liquid/mixture/mole) failed: <why>"},
+      {"GetProp totalFlow/Overall///Mole", "GetProp (totalFlow/overall) failed: <why>"}}},
     {"1.1 total enthalpy",
      true,
      true,
@@ -440,30 +664,33 @@ const Operation kOperations[] = {
       {"CopyFromMaterial", "Failed to copy material: <why>"},
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
-      {"CalcSinglePhaseProp Vapor", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
-      {"GetSinglePhaseProp phaseFraction",
+      {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
+       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"},
-      {"CalcSinglePhaseProp Liquid", "Failed to calculate enthalpy for phase Liquid: <why>"},
-      {"GetSinglePhaseProp enthalpy", "Failed to get enthalpy for phase Liquid, basis \"mole\": <why>"},
-      {"GetSinglePhaseProp phaseFraction",
+      {"CalcSinglePhaseProp Liquid/[enthalpy]", "Failed to calculate enthalpy for phase Liquid: <why>"},
+      {"GetSinglePhaseProp enthalpy/Liquid/Mole",
+       "Failed to get enthalpy for phase Liquid, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp phaseFraction/Liquid/Mole",
        "Failed to get phase fraction for phase Liquid, basis \"mole\": <why>"},
-      {"GetOverallProp totalFlow", "Failed to get total flow for overall phase, basis \"mole\": <why>"}}},
+      {"GetOverallProp totalFlow/Mole",
+       "Failed to get total flow for overall phase, basis \"mole\": <why>"}}},
     {"1.0 vapour volume",
      false,
      true,
      AskVaporVolume,
      {{kQuery10, kNo10},
-      {"CalcProp Vapor", "CalcProp (volume/Vapor/mixture) failed: <why>"},
-      {"GetProp volume", "GetProp (volume/Vapor/mixture/Mole) failed: <why>"}}},
+      {"CalcProp Vapor/[volume]/[Vapor]/mixture", "CalcProp (volume/Vapor/mixture) failed: <why>"},
+      {"GetProp volume/Vapor//mixture/Mole", "GetProp (volume/Vapor/mixture/Mole) failed: <why>"}}},
     {"1.1 vapour volume",
      true,
      true,
      AskVaporVolume,
      {{kQuery11, kNo11},
       {kQueryRoutine, kNoRoutine},
-      {"CalcSinglePhaseProp Vapor", "CalcProp (volume/Vapor) failed: <why>"},
-      {"GetSinglePhaseProp volume", "GetProp (volume/Vapor/Mole) failed: <why>"}}},
+      {"CalcSinglePhaseProp Vapor/[volume]", "CalcProp (volume/Vapor) failed: <why>"},
+      {"GetSinglePhaseProp volume/Vapor/Mole", "GetProp (volume/Vapor/Mole) failed: <why>"}}},
     {"1.1 volume on mass basis",
      true,
      true,
@@ -474,22 +701,21 @@ const Operation kOperations[] = {
      {{kQuery11, kNo11},
       {"GetPresentPhases", "Failed to calculate overall volume; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
-      {"CalcSinglePhaseProp Vapor", "Failed to calculate volume for phase Vapor: <why>"},
-      {"GetSinglePhaseProp volume", "Failed to get volume for phase Vapor, basis \"mole\": <why>"},
-      {"GetSinglePhaseProp phaseFraction",
+      {"CalcSinglePhaseProp Vapor/[volume]", "Failed to calculate volume for phase Vapor: <why>"},
+      {"GetSinglePhaseProp volume/Vapor/Mole", "Failed to get volume for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"},
       {kQueryCompounds, "Failed to obtain material's ICapeThermoCompounds interface: <why>"},
-      {"GetCompoundConstant molecularWeight",
+      {"GetCompoundConstant molecularWeight/",
        "Failed to get molecular weights for mass/mole conversion: <why>"},
-      {"GetOverallProp Fraction", "Failed to get overall composition for mass/mole conversion: <why>"}}},
+      {"GetOverallProp Fraction/Mole", "Failed to get overall composition for mass/mole conversion: <why>"}}},
     {"1.0 names and CAS numbers",
      false,
      true,
      AskIdentities,
-     {{kQuery10, "Failed to obtain material interface: <why>"},
+     {{kQuery10, kNo10},
       {"ComponentIds", "Failed to obtain compound IDs: <why>"},
-      {kQuery10, kNo10},
-      {"GetComponentConstant CasRegistryNumber", "GetComponentConstant failed: <why>"}}},
+      {"GetComponentConstant CasRegistryNumber/[methane,ethane]", "GetComponentConstant failed: <why>"}}},
     {"1.1 names and CAS numbers",
      true,
      true,
@@ -502,16 +728,17 @@ const Operation kOperations[] = {
      AskPhaseFractions,
      {{kQuery10, "Failed to get ICapeThermoMaterialObject interface from material: <why>"},
       {"PhaseIds", "Failed to get present phase IDs in material: <why>"},
-      {"GetProp phaseFraction", "Failed to get Vapor fraction from material: <why>"},
-      {"GetProp phaseFraction", "Failed to get Liquid fraction from material: <why>"}}},
+      {"GetProp phaseFraction/Vapor///Mole", "Failed to get Vapor fraction from material: <why>"},
+      {"GetProp phaseFraction/Liquid///Mole", "Failed to get Liquid fraction from material: <why>"}}},
     {"1.1 phase fractions",
      true,
      true,
      AskPhaseFractions,
      {{kQuery11, "Failed to get ICapeThermoMaterial interface from material: <why>"},
       {"GetPresentPhases", "Failed to get present phase IDs in material: <why>"},
-      {"GetSinglePhaseProp phaseFraction", "Failed to get Vapor fraction from material: <why>"},
-      {"GetSinglePhaseProp phaseFraction", "Failed to get Liquid fraction from material: <why>"}}},
+      {"GetSinglePhaseProp phaseFraction/Vapor/Mole", "Failed to get Vapor fraction from material: <why>"},
+      {"GetSinglePhaseProp phaseFraction/Liquid/Mole",
+       "Failed to get Liquid fraction from material: <why>"}}},
     {"1.0 isentropic flash",
      false,
      true,
@@ -519,11 +746,11 @@ const Operation kOperations[] = {
      {{kQuery10, "Failed to get interface to material connected to inlet port"},
       {"Duplicate", "Failed to duplicate material: <why>"},
       {kQuery10, "Failed to obtain material interface: <why>"},
-      {"SetProp Pressure", "failed to set Pressure: <why>"},
-      {"SetProp entropy", "failed to set entropy: <why>"},
-      {"CalcEquilibrium", kNoFlash},
-      {"CalcProp Overall", nullptr},
-      {"GetProp enthalpy", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"}}},
+      {"SetProp Pressure/Overall////[200000]", "failed to set Pressure: <why>"},
+      {"SetProp entropy/Overall//mixture/Mole/[12]", "failed to set entropy: <why>"},
+      {"CalcEquilibrium/pS/", kNoFlash},
+      {"CalcProp Overall/[enthalpy]/[Overall]/mixture", nullptr},
+      {"GetProp enthalpy/Overall//mixture/Mole", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"}}},
     {"1.1 isentropic flash",
      true,
      true,
@@ -535,18 +762,19 @@ const Operation kOperations[] = {
       {"CreateMaterial", "Failed to create material from inlet material: <why>"},
       {kQuery11, "Failed to get ICapeThermoMaterial from duplicate material: <why>"},
       {"CopyFromMaterial", "Failed to copy material from inlet: <why>"},
-      {"SetOverallProp Pressure", "failed to set Pressure: <why>"},
-      {"SetOverallProp entropy", "failed to set entropy: <why>"},
+      {"SetOverallProp Pressure//[200000]", "failed to set Pressure: <why>"},
+      {"SetOverallProp entropy/Mole/[12]", "failed to set entropy: <why>"},
       {kQueryPhases, kNoPhases},
       {"GetPhaseList", kNoPhaseList},
-      {"SetPresentPhases", kNoPresentPhases},
+      {"SetPresentPhases/[Vapor]/[0]", kNoPresentPhases},
       {kQueryEquilibrium, kNoEquilibrium},
-      {"CalcEquilibrium", kNoFlash},
+      {"CalcEquilibrium/[entropy,,Overall]/[Pressure,,Overall]/unspecified", kNoFlash},
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
-      {"CalcSinglePhaseProp Vapor", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
-      {"GetSinglePhaseProp phaseFraction",
+      {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
+       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"}}},
     {"1.0 normal enthalpy",
      false,
@@ -555,13 +783,13 @@ const Operation kOperations[] = {
      {{kQuery10, kNo10},
       {"Duplicate", "Failed to duplicate material: <why>"},
       {kQuery10, kNo10},
-      {"SetProp Pressure", "Failed to set pressure on duplicate material: <why>"},
-      {"SetProp Temperature", "Failed to set temperature on duplicate material: <why>"},
-      {"SetProp Fraction", "Failed to set composition on duplicate material: <why>"},
-      {"CalcEquilibrium",
+      {"SetProp Pressure/Overall////[101325]", "Failed to set pressure on duplicate material: <why>"},
+      {"SetProp Temperature/Overall////[298.15]", "Failed to set temperature on duplicate material: <why>"},
+      {"SetProp Fraction/Overall///Mole/[0.5,0.5]", "Failed to set composition on duplicate material: <why>"},
+      {"CalcEquilibrium/TP/",
        "Failed to calculate TP flash on duplicate material object at normal conditions: <why>"},
-      {"CalcProp Overall", nullptr},
-      {"GetProp enthalpy", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"}}},
+      {"CalcProp Overall/[enthalpy]/[Overall]/mixture", nullptr},
+      {"GetProp enthalpy/Overall//mixture/Mole", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"}}},
     {"1.1 normal enthalpy",
      true,
      true,
@@ -573,37 +801,47 @@ const Operation kOperations[] = {
       {"CreateMaterial", "Failed to duplicate material: <why>"},
       {kQuery11, "Failed to get ICapeThermoMaterial from duplicate material object"},
       {"CopyFromMaterial", "Failed to copy material: <why>"},
-      {"SetOverallProp Pressure", "Failed to set pressure on duplicate material: <why>"},
-      {"SetOverallProp Temperature", "Failed to set temperature on duplicate material: <why>"},
-      {"SetOverallProp Fraction", "Failed to set composition on duplicate material: <why>"},
+      {"SetOverallProp Pressure//[101325]", "Failed to set pressure on duplicate material: <why>"},
+      {"SetOverallProp Temperature//[298.15]", "Failed to set temperature on duplicate material: <why>"},
+      {"SetOverallProp Fraction/Mole/[0.5,0.5]", "Failed to set composition on duplicate material: <why>"},
       {kQueryPhases, kNoPhases},
       {"GetPhaseList", kNoPhaseList},
-      {"SetPresentPhases", kNoPresentPhases},
+      {"SetPresentPhases/[Vapor]/[0]", kNoPresentPhases},
       {kQueryEquilibrium, "Failed to get ICapeThermoEquilibriumRoutine from duplicate material"},
-      {"CalcEquilibrium", "Failed to calculate phase equilibrium on duplicate material: <why>"},
+      {"CalcEquilibrium/[Temperature,,Overall]/[Pressure,,Overall]/unspecified",
+       "Failed to calculate phase equilibrium on duplicate material: <why>"},
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
-      {"CalcSinglePhaseProp Vapor", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
-      {"GetSinglePhaseProp phaseFraction",
+      {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
+       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"}}},
     {"1.1 TVF flash",
      true,
      true,
      AskFlash,
      {{kQuery11, kNo11},
-      {"SetOverallProp Temperature", "failed to set Temperature: <why>"},
-      {"SetOverallProp totalFlow", "failed to set totalFlow: <why>"},
-      {"SetOverallProp Fraction", "failed to set Fraction: <why>"},
+      {"SetOverallProp Temperature//[0]", "failed to set Temperature: <why>"},
+      {"SetOverallProp totalFlow/Mole/[0]", "failed to set totalFlow: <why>"},
+      {"SetOverallProp Fraction/Mole/[]", "failed to set Fraction: <why>"},
       {kQueryPhases, "Failed to get ICapeThermoPhases from material: <why>"},
       {"GetPhaseList", "Failed to get list of phases from material: <why>"},
       {kQueryPhases, kNoPhases},
       {"GetPhaseList", kNoPhaseList},
-      {"SetPresentPhases", kNoPresentPhases},
+      {"SetPresentPhases/[Vapor,Liquid]/[0,0]", kNoPresentPhases},
       {kQueryEquilibrium, kNoEquilibrium},
-      {"CalcEquilibrium", kNoFlash}}},
-    {"1.0 SetProp", false, true, AskSetProp, {{kQuery10, kNo10}, {"SetProp enthalpy", "<why>"}}},
-    {"1.1 SetProp", true, true, AskSetProp, {{kQuery11, kNo11}, {"SetOverallProp enthalpy", "<why>"}}},
+      {"CalcEquilibrium/[Temperature,,Overall]/[phaseFraction,Mole,Vapor]/unspecified", kNoFlash}}},
+    {"1.0 SetProp",
+     false,
+     true,
+     AskSetProp,
+     {{kQuery10, kNo10}, {"SetProp enthalpy/Overall//mixture/Mole/[1]", "<why>"}}},
+    {"1.1 SetProp",
+     true,
+     true,
+     AskSetProp,
+     {{kQuery11, kNo11}, {"SetOverallProp enthalpy/Mole/[1]", "<why>"}}},
 };
 
 TEST(MaterialAccess, ExplainsEveryFailingHostCallAndRecovers) {

@@ -54,6 +54,22 @@ TEST(Server, MakesObjectsAndCountsThem) {
   EXPECT_EQ(factory->LockServer(FALSE), S_OK);
 }
 
+TEST(Server, SaysThatMemoryRanOutWhenAUnitCannotBeMade) {
+  const UnitClass unmakeable = {.clsid = {},
+                                .progId = "",
+                                .displayName = "",
+                                .name = "",
+                                .description = "",
+                                .consumesThermodynamics = false,
+                                .create = []() -> com::Ref<BaseUnit> { throw std::bad_alloc(); }};
+  com::Ref<IUnknown> unit;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(com::Make<server::ClassFactory>(unmakeable)
+                ->CreateInstance(nullptr, __uuidof(IUnknown), reinterpret_cast<void**>(unit.Put())),
+            E_OUTOFMEMORY);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "MORVELAN critical: out of memory\n");
+}
+
 TEST(Server, IsOneObjectWhateverInterfaceItIsAskedFor) {
   const auto unit = server::UnitClasses()[0].create();
   const auto first = com::Query<IUnknown>(static_cast<ICapeUnit*>(unit.Get()));

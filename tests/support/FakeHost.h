@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -34,14 +35,24 @@ class FakeContext final
   }
   HRESULT get_NamedValue(BSTR name, VARIANT* value) override {
     const HRESULT hr = script->Call("NamedValue", com::Name(name));
-    const auto found = namedValues.find(com::ToUtf8(name));
+    const auto found = std::ranges::find_if(namedValues, [&](const auto& entry) {
+      const std::string wanted = com::ToUtf8(name);
+      return ignoresCase ? com::EqualNoCase(entry.first, wanted) : entry.first == wanted;
+    });
     if (FAILED(hr) || found == namedValues.end()) return FAILED(hr) ? hr : E_INVALIDARG;
     return script->Answer(com::Copy(found->second.Get()), value);
   }
 
   std::map<std::string, com::Variant> namedValues;
+  bool ignoresCase = false;
+  bool hidesDispatch = false;
   std::vector<std::string> log;
   std::vector<std::string> popUps;
+
+ protected:
+  void* FindInterface(REFIID iid) override {
+    return hidesDispatch && iid == __uuidof(IDispatch) ? nullptr : Implements::FindInterface(iid);
+  }
 };
 
 /// A parameter of an energy or information stream.

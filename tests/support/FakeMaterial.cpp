@@ -56,25 +56,20 @@ HRESULT FakeMaterial::Read(com::Name property, com::Name phase, com::Name basis,
   return give(overall);
 }
 
-HRESULT FakeMaterial::Write(const char* what, com::Name property, const VARIANT& values) {
-  const HRESULT hr = script->Call(what, property);
-  if (FAILED(hr)) return hr;
+HRESULT FakeMaterial::Write(com::Name property, const VARIANT& values) {
   const std::vector<double> numbers = com::ReadDoubles(values);
-  if (property == com::Name(com::ToBstr("Fraction"))) {
-    state.fractions = numbers;
-  } else {
-    const std::string name = Lower(property);
-    if (name == "temperature") state.temperature = numbers.at(0);
-    if (name == "pressure") state.pressure = numbers.at(0);
-    if (name == "totalflow") state.flow = numbers.at(0);
-  }
+  const std::string name = Lower(property);
+  if (name == "fraction") state.fractions = numbers;
+  if (name == "temperature") state.temperature = numbers.at(0);
+  if (name == "pressure") state.pressure = numbers.at(0);
+  if (name == "totalflow") state.flow = numbers.at(0);
   if (script->recording) state.written[com::ToUtf8(property)] = numbers;
   return S_OK;
 }
 
-HRESULT FakeMaterial::Constant(const char* what, const VARIANT& props, VARIANT* values) {
+HRESULT FakeMaterial::Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values) {
   const std::string property = First(props);
-  const HRESULT hr = script->Call(what, com::Name(com::ToBstr(property)));
+  const HRESULT hr = script->Call(what, com::Name(com::ToBstr(property)), {ids});
   if (FAILED(hr)) return hr;
   const bool isCas = com::EqualNoCase(property, "casRegistryNumber");
   if (!isCas && !com::EqualNoCase(property, "molecularWeight")) return kNotAvailable;
@@ -92,13 +87,6 @@ HRESULT FakeMaterial::Labels(bool withOverall, VARIANT* labels) {
   return script->Answer(com::MakeStrings(texts), labels);
 }
 
-HRESULT FakeMaterial::Copy(const char* what, IDispatch** copy) {
-  const HRESULT hr = script->Call(what);
-  if (FAILED(hr)) return hr;
-  *copy = static_cast<ICapeThermoMaterialObject*>(com::Make<FakeMaterial>(script, state).Detach());
-  return S_OK;
-}
-
 HRESULT FakeMaterial::get_ComponentIds(VARIANT* ids) {
   const HRESULT hr = script->Call("ComponentIds");
   return FAILED(hr) ? hr : script->Answer(com::MakeStrings(state.compounds), ids);
@@ -109,33 +97,41 @@ HRESULT FakeMaterial::get_PhaseIds(VARIANT* ids) {
   return FAILED(hr) ? hr : Labels(true, ids);
 }
 
-HRESULT FakeMaterial::GetComponentConstant(VARIANT props, VARIANT, VARIANT* values) {
-  return Constant("GetComponentConstant", props, values);
+HRESULT FakeMaterial::GetComponentConstant(VARIANT props, VARIANT ids, VARIANT* values) {
+  return Constant("GetComponentConstant", props, ids, values);
 }
 
-HRESULT FakeMaterial::CalcProp(VARIANT, VARIANT phases, BSTR) {
+HRESULT FakeMaterial::CalcProp(VARIANT props, VARIANT phases, BSTR calcType) {
   const std::string phase = First(phases);
-  const HRESULT hr = script->Call("CalcProp", com::Name(com::ToBstr(phase)));
+  const HRESULT hr = script->Call("CalcProp", com::Name(com::ToBstr(phase)), {props, phases, calcType});
   if (FAILED(hr)) return hr;
   return com::EqualNoCase(phase, "overall") && !state.calculatesOverall ? E_NOTIMPL : S_OK;
 }
 
-HRESULT FakeMaterial::GetProp(BSTR property, BSTR phase, VARIANT, BSTR, BSTR basis, VARIANT* values) {
-  const HRESULT hr = script->Call("GetProp", com::Name(property));
+HRESULT FakeMaterial::GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
+                              VARIANT* values) {
+  const HRESULT hr = script->Call("GetProp", com::Name(property), {phase, ids, calcType, basis});
   return FAILED(hr) ? hr : Read(com::Name(property), com::Name(phase), com::Name(basis), values);
 }
 
-HRESULT FakeMaterial::SetProp(BSTR property, BSTR, VARIANT, BSTR, BSTR, VARIANT values) {
-  return Write("SetProp", com::Name(property), values);
+HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
+                              VARIANT values) {
+  const HRESULT hr = script->Call("SetProp", com::Name(property), {phase, ids, calcType, basis, values});
+  return FAILED(hr) ? hr : Write(com::Name(property), values);
 }
 
-HRESULT FakeMaterial::CalcEquilibrium(BSTR flashType, VARIANT) {
-  const HRESULT hr = script->Call("CalcEquilibrium");
+HRESULT FakeMaterial::CalcEquilibrium(BSTR flashType, VARIANT props) {
+  const HRESULT hr = script->Call("CalcEquilibrium", {}, {flashType, props});
   if (script->recording) state.flash = com::ToUtf8(flashType);
   return hr;
 }
 
-HRESULT FakeMaterial::Duplicate(IDispatch** copy) { return Copy("Duplicate", copy); }
+HRESULT FakeMaterial::Duplicate(IDispatch** copy) {
+  const HRESULT hr = script->Call("Duplicate");
+  if (FAILED(hr) || state.givesNoCopy) return hr;
+  *copy = static_cast<ICapeThermoMaterialObject*>(com::Make<FakeMaterial>(script, state).Detach());
+  return S_OK;
+}
 
 HRESULT FakeMaterial::GetPropList(VARIANT* list) {
   const HRESULT hr = script->Call("GetPropList");
@@ -146,13 +142,23 @@ HRESULT FakeMaterial::GetPropList(VARIANT* list) {
 HRESULT FakeMaterial::CopyFromMaterial(IDispatch** source) {
   const HRESULT hr = script->Call("CopyFromMaterial");
   if (FAILED(hr)) return hr;
-  return source && *source ? S_OK : E_POINTER;  // CreateMaterial has copied already
+  const auto* original = source ? dynamic_cast<const FakeMaterial*>(*source) : nullptr;
+  if (!original) return E_INVALIDARG;
+  state = original->state;
+  return S_OK;
 }
 
-HRESULT FakeMaterial::CreateMaterial(IDispatch** created) { return Copy("CreateMaterial", created); }
+HRESULT FakeMaterial::CreateMaterial(IDispatch** created) {
+  const HRESULT hr = script->Call("CreateMaterial");
+  if (FAILED(hr) || state.givesNoCopy) return hr;
+  const FakeState blank{
+      .flow = 0, .fractions = {}, .compounds = {}, .casNumbers = {}, .molecularWeights = {}, .phases = {}};
+  *created = static_cast<ICapeThermoMaterialObject*>(com::Make<FakeMaterial>(script, blank).Detach());
+  return S_OK;
+}
 
 HRESULT FakeMaterial::GetOverallProp(BSTR property, BSTR basis, VARIANT* values) {
-  const HRESULT hr = script->Call("GetOverallProp", com::Name(property));
+  const HRESULT hr = script->Call("GetOverallProp", com::Name(property), {basis});
   if (FAILED(hr)) return hr;
   static const com::Name overall = com::KeepName("Overall");
   return Read(com::Name(property), overall, com::Name(basis), values);
@@ -163,34 +169,31 @@ HRESULT FakeMaterial::GetPresentPhases(VARIANT* labels, VARIANT* statuses) {
   if (FAILED(hr)) return hr;
   const std::vector<std::int32_t> atEquilibrium(state.phases.size(), CAPE_ATEQUILIBRIUM);
   VariantClear(statuses);
-  *statuses = com::MakeIntegers(atEquilibrium).Detach();
+  *statuses = com::MakeIntegers(state.statuses.empty() ? atEquilibrium : state.statuses).Detach();
   return Labels(false, labels);
 }
 
 HRESULT FakeMaterial::GetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT* values) {
-  const HRESULT hr = script->Call("GetSinglePhaseProp", com::Name(property));
+  const HRESULT hr = script->Call("GetSinglePhaseProp", com::Name(property), {phase, basis});
   return FAILED(hr) ? hr : Read(com::Name(property), com::Name(phase), com::Name(basis), values);
 }
 
-HRESULT FakeMaterial::SetOverallProp(BSTR property, BSTR, VARIANT values) {
-  return Write("SetOverallProp", com::Name(property), values);
+HRESULT FakeMaterial::SetOverallProp(BSTR property, BSTR basis, VARIANT values) {
+  const HRESULT hr = script->Call("SetOverallProp", com::Name(property), {basis, values});
+  return FAILED(hr) ? hr : Write(com::Name(property), values);
 }
 
 HRESULT FakeMaterial::SetPresentPhases(VARIANT labels, VARIANT statuses) {
-  const HRESULT hr = script->Call("SetPresentPhases");
-  if (FAILED(hr)) return hr;
-  const auto flags = com::ReadIntegers(statuses);
-  const bool allUnknown =
-      std::ranges::all_of(flags, [](int flag) { return flag == CAPE_UNKNOWNPHASESTATUS; });
-  return com::CountStrings(labels) == flags.size() && allUnknown ? S_OK : E_INVALIDARG;
+  return script->Call("SetPresentPhases", {}, {labels, statuses});
 }
 
-HRESULT FakeMaterial::SetSinglePhaseProp(BSTR property, BSTR, BSTR, VARIANT values) {
-  return Write("SetSinglePhaseProp", com::Name(property), values);
+HRESULT FakeMaterial::SetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT values) {
+  const HRESULT hr = script->Call("SetSinglePhaseProp", com::Name(property), {phase, basis, values});
+  return FAILED(hr) ? hr : Write(com::Name(property), values);
 }
 
-HRESULT FakeMaterial::CalcSinglePhaseProp(VARIANT, BSTR phase) {
-  return script->Call("CalcSinglePhaseProp", com::Name(phase));
+HRESULT FakeMaterial::CalcSinglePhaseProp(VARIANT props, BSTR phase) {
+  return script->Call("CalcSinglePhaseProp", com::Name(phase), {props});
 }
 
 HRESULT FakeMaterial::GetSinglePhasePropList(VARIANT* list) {
@@ -200,7 +203,7 @@ HRESULT FakeMaterial::GetSinglePhasePropList(VARIANT* list) {
 }
 
 HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR solutionType) {
-  const HRESULT hr = script->Call("CalcEquilibrium");
+  const HRESULT hr = script->Call("CalcEquilibrium", {}, {first, second, solutionType});
   if (!script->recording) return hr;
   const auto describe = [](const VARIANT& specification) {
     const auto texts = com::ReadStrings(specification);
@@ -210,8 +213,8 @@ HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR soluti
   return hr;
 }
 
-HRESULT FakeMaterial::GetCompoundConstant(VARIANT props, VARIANT, VARIANT* values) {
-  return Constant("GetCompoundConstant", props, values);
+HRESULT FakeMaterial::GetCompoundConstant(VARIANT props, VARIANT ids, VARIANT* values) {
+  return Constant("GetCompoundConstant", props, ids, values);
 }
 
 HRESULT FakeMaterial::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* names,

@@ -32,6 +32,10 @@ struct FakeState {
   std::vector<double> molecularWeights = {16, 30};
   std::vector<FakePhase> phases = {{"Vapor", "Vapor", 0.4, {{"enthalpy", 1000}, {"volume", 0.02}}},
                                    {"Liquid", "Liquid", 0.6, {{"enthalpy", -500}, {"volume", 0.0001}}}};
+  /// Under thermo 1.1: the status of each phase; empty for all at equilibrium.
+  std::vector<std::int32_t> statuses = {};
+  /// Says that it made a copy, and gives none.
+  bool givesNoCopy = false;
   /// Values written by the unit, by property; the last flash.
   std::map<std::string, std::vector<double>> written = {};
   std::string flash = {};
@@ -114,10 +118,9 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
 
  private:
   HRESULT Read(com::Name property, com::Name phase, com::Name basis, VARIANT* values);
-  HRESULT Write(const char* what, com::Name property, const VARIANT& values);
-  HRESULT Constant(const char* what, const VARIANT& props, VARIANT* values);
+  HRESULT Write(com::Name property, const VARIANT& values);
+  HRESULT Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values);
   HRESULT Labels(bool withOverall, VARIANT* labels);
-  HRESULT Copy(const char* what, IDispatch** copy);
 };
 
 }  // namespace morvelan::test

@@ -1,26 +1,60 @@
 #pragma once
 
+#include <charconv>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "com/Name.h"
 #include "com/Platform.h"
+#include "com/Values.h"
 
 namespace morvelan::test {
+
+/// An argument of a host call: a text, or a list of texts or numbers.
+class Argument {
+ public:
+  Argument(BSTR argument) : text(argument), list(nullptr) {}             // NOLINT: made in passing
+  Argument(const VARIANT& argument) : text(nullptr), list(&argument) {}  // NOLINT
+
+  [[nodiscard]] std::string Text() const {
+    if (!list) return com::ToUtf8(text);
+    if (list->vt == VT_EMPTY) return {};
+    std::string joined = "[";
+    for (const com::Variant& element : com::ReadVariants(*list)) {
+      const VARIANT& value = element.Get();
+      if (joined.size() > 1) joined += ",";
+      joined += value.vt == VT_BSTR ? com::ToUtf8(value.bstrVal) : Shortest(com::ReadDouble(value));
+    }
+    return joined + "]";
+  }
+
+ private:
+  static std::string Shortest(double number) {
+    char buffer[32];
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed).ptr};
+  }
+
+  BSTR text;
+  const VARIANT* list;
+};
 
 /// What a fake host does: it remembers the calls made to it, lets one of them fail, and answers oddly where
 /// told to. All objects of one fake host share a script.
 class HostScript {
  public:
-  /// Counts a call and returns its outcome. A label is what the call is and what it is about: "GetProp
-  /// Temperature".
-  HRESULT Call(const char* what, com::Name about = {}) {
+  /// Counts a call and returns its outcome. Its label is what it is and what it is about: "GetProp
+  /// Temperature". The further arguments are kept as texts; those that are null, empty or not given show as
+  /// nothing.
+  HRESULT Call(const char* what, com::Name about = {}, std::initializer_list<Argument> further = {}) {
     ++count;
     if (!recording) return S_OK;
     std::string label = what;
     if (!about.IsEmpty()) label += " " + com::ToUtf8(about);
+    lastLabel = label;
+    for (const Argument& argument : further) label += "/" + argument.Text();
     calls.push_back(std::move(label));
     return count == failAt ? failure : S_OK;
   }
@@ -28,7 +62,7 @@ class HostScript {
   /// Gives `answer`, or what the test put in its place for the call made last.
   HRESULT Answer(com::Variant answer, VARIANT* result) {
     if (recording)
-      if (const auto odd = oddAnswers.find(calls.back()); odd != oddAnswers.end()) answer = odd->second();
+      if (const auto odd = oddAnswers.find(lastLabel); odd != oddAnswers.end()) answer = odd->second();
     VariantClear(result);
     *result = answer.Detach();
     return S_OK;
@@ -42,7 +76,8 @@ class HostScript {
 
   bool recording = true;
   int count = 0;
-  std::vector<std::string> calls;
+  std::vector<std::string> calls;  // labels, each with its further arguments
+  std::string lastLabel;
   int failAt = 0;  // the call that fails, from 1; 0 for none
   HRESULT failure = E_FAIL;
   // What the host's error interfaces say; those that are empty are offered but say nothing.

@@ -18,7 +18,10 @@ class TestUnit final : public BaseUnit {
 
   int ThermoVersionParameterIndex() const override { return thermoVersionIndex; }
   bool ValidateUnit(std::string& message) override { return onValidate ? onValidate(message) : true; }
-  void InputsChanged() override { ++inputChanges; }
+  void InputsChanged() override {
+    ++inputChanges;
+    if (onInputsChanged) onInputsChanged();
+  }
   void ParameterRequested(std::size_t index) override { requested.push_back(index); }
   void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override {
     calculatedCount = compoundCount;
@@ -29,7 +32,10 @@ class TestUnit final : public BaseUnit {
                               const ParameterValue& value) const override {
     return onParameterValue ? onParameterValue(parameter, message, value) : true;
   }
-  void OnCalculateDone(int compoundCount, bool success) override { done = std::pair(compoundCount, success); }
+  void OnCalculateDone(int compoundCount, bool success) override {
+    done = std::pair(compoundCount, success);
+    if (onDone) onDone();
+  }
 
   // What a derived unit may use.
   using BaseUnit::AddReportText;
@@ -42,11 +48,14 @@ class TestUnit final : public BaseUnit {
   using BaseUnit::Inlet;
   using BaseUnit::Outlet;
   using BaseUnit::Parameter;
+  using BaseUnit::RemovePort;
   using BaseUnit::SetReportText;
   using BaseUnit::simplifiedModelRequested;
   using BaseUnit::Warn;
 
   int thermoVersionIndex = 0;
+  std::function<void()> onInputsChanged;
+  std::function<void()> onDone;
   std::function<bool(std::string&)> onValidate;
   std::function<void(std::optional<com::Name>&)> onCalculate;
   std::function<bool(const CParameter&, std::string&, const ParameterValue&)> onParameterValue;

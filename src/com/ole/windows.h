@@ -35,6 +35,7 @@ constexpr BOOL TRUE = 1;
 #define EXTERN_C extern "C"
 #define STDAPI EXTERN_C __attribute__((visibility("default"))) HRESULT
 #define MIDL_INTERFACE(uuid) struct
+#define DECLSPEC_UUID(uuid)
 
 struct GUID {
   std::uint32_t Data1;

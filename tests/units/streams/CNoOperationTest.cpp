@@ -6,12 +6,14 @@
 #include <limits>
 #include <span>
 
+#include "material/Names.h"
 #include "tests/support/Door.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/FakeMaterial.h"
 #include "tests/support/Faults.h"
 #include "tests/support/Heap.h"
 #include "tests/support/Published.h"
+#include "units/streams/CNoOperation.h"
 
 namespace morvelan::test {
 namespace {
@@ -102,44 +104,46 @@ constexpr HostCall kCompare11[] = {
 };
 constexpr HostCall kRun10[] = {
     {kQuery10, kNoMaterial10},
-    {"GetProp Temperature", kReadTemperature},
+    {"GetProp Temperature/Overall///", kReadTemperature},
     {kQuery10, kNoMaterial10},
-    {"GetProp Pressure", kReadPressure},
+    {"GetProp Pressure/Overall///", kReadPressure},
     {kQuery10, kNoMaterial10},
-    {"GetProp totalFlow", kReadFlow},
+    {"GetProp totalFlow/Overall///Mole", kReadFlow},
     {kQuery10, kNoMaterial10},
-    {"GetProp Fraction", kReadFraction},
+    {"GetProp Fraction/Overall///Mole", kReadFraction},
     {"NamedValue SimplifiedModelRequest", nullptr},
     {kQuery10, kNoMaterial10},
-    {"SetProp Pressure", "failed to set Pressure: <why>"},
-    {"SetProp Temperature", "failed to set Temperature: <why>"},
-    {"SetProp totalFlow", "failed to set totalFlow: <why>"},
-    {"SetProp Fraction", "failed to set Fraction: <why>"},
-    {"CalcEquilibrium", "CalcEquilibrium failed: <why>"},
+    {"SetProp Pressure/Overall////[100000]", "failed to set Pressure: <why>"},
+    {"SetProp Temperature/Overall////[300]", "failed to set Temperature: <why>"},
+    {"SetProp totalFlow/Overall///Mole/[2]", "failed to set totalFlow: <why>"},
+    {"SetProp Fraction/Overall///Mole/[0.25,0.75]", "failed to set Fraction: <why>"},
+    {"CalcEquilibrium/TP/", "CalcEquilibrium failed: <why>"},
 };
 constexpr HostCall kRun11[] = {
     {kQuery11, kNoMaterial11},
-    {"GetOverallProp Temperature", kReadTemperature},
+    {"GetOverallProp Temperature/", kReadTemperature},
     {kQuery11, kNoMaterial11},
-    {"GetOverallProp Pressure", kReadPressure},
+    {"GetOverallProp Pressure/", kReadPressure},
     {kQuery11, kNoMaterial11},
-    {"GetOverallProp totalFlow", kReadFlow},
+    {"GetOverallProp totalFlow/Mole", kReadFlow},
     {kQuery11, kNoMaterial11},
-    {"GetOverallProp Fraction", kReadFraction},
+    {"GetOverallProp Fraction/Mole", kReadFraction},
     {"NamedValue SimplifiedModelRequest", nullptr},
     {kQuery11, kNoMaterial11},
-    {"SetOverallProp Pressure", "failed to set Pressure: <why>"},
-    {"SetOverallProp Temperature", "failed to set Temperature: <why>"},
-    {"SetOverallProp totalFlow", "failed to set totalFlow: <why>"},
-    {"SetOverallProp Fraction", "failed to set Fraction: <why>"},
+    {"SetOverallProp Pressure//[100000]", "failed to set Pressure: <why>"},
+    {"SetOverallProp Temperature//[300]", "failed to set Temperature: <why>"},
+    {"SetOverallProp totalFlow/Mole/[2]", "failed to set totalFlow: <why>"},
+    {"SetOverallProp Fraction/Mole/[0.25,0.75]", "failed to set Fraction: <why>"},
     {"QueryInterface ICapeThermoPhases",
      "Failed to obtain ICapeThermoPhases from material \"stream\" before CalcEquilibrium: <why>"},
     {"GetPhaseList",
      "Failed to obtain list of supported phases from material \"stream\" before CalcEquilibrium: <why>"},
-    {"SetPresentPhases", "Failed to set present phases on material \"stream\" before CalcEquilibrium: <why>"},
+    {"SetPresentPhases/[Vapor,Liquid]/[0,0]",
+     "Failed to set present phases on material \"stream\" before CalcEquilibrium: <why>"},
     {"QueryInterface ICapeThermoEquilibriumRoutine",
      "Failed to get ICapeThermoEquilibriumRoutine from material: <why>"},
-    {"CalcEquilibrium", "CalcEquilibrium failed: <why>"},
+    {"CalcEquilibrium/[Temperature,,Overall]/[Pressure,,Overall]/unspecified",
+     "CalcEquilibrium failed: <why>"},
 };
 
 /// Everything that must hold whatever call failed.
@@ -304,7 +308,9 @@ const OddAnswer kOddAnswers[] = {
     {"empty array", false, "GetProp Temperature", [] { return com::MakeDoubles({}); },
      "failed to get property Temperature from material connected to port Inlet: 1 values expected"},
     {"nothing", true, "GetOverallProp totalFlow", [] { return com::Variant(); },
-     "failed to get property totalFlow from material connected to port Inlet: 1 values expected"},
+     "failed to get property totalFlow from material connected to port Inlet: an array of numbers expected, "
+     "nothing "
+     "found"},
     {"NaN", false, "GetProp totalFlow", [] { return com::MakeDoubles(std::array{kNaN}); },
      "failed to get property totalFlow from material connected to port Inlet: value is not set"},
     {"missing value among fractions", true, "GetOverallProp Fraction",
@@ -324,14 +330,14 @@ const OddAnswer kOddAnswers[] = {
      "failed to get property Fraction from material connected to port Inlet: element 1: a number expected, a "
      "text "
      "found"},
-    {"no compounds", false, "ComponentIds", [] { return com::Variant(); },
+    {"no compounds", false, "ComponentIds", [] { return Strings({}); },
      "No chemical compounds on port Inlet"},
     {"numbers as compounds", true, "GetCompoundList",
      [] {
        return com::MakeDoubles(std::array{1.0, 2.0});
      },
      "Invalid list of compounds from Inlet: element 1: a text expected, a number found"},
-    {"no phases", true, "GetPhaseList", [] { return com::Variant(); },
+    {"no phases", true, "GetPhaseList", [] { return Strings({}); },
      "Empty list of supported phases from material \"stream\" before CalcEquilibrium: no phases"},
     {"numbers as phases", true, "GetPhaseList", [] { return com::MakeDoubles(std::array{1.0}); },
      "Invalid list of phases from material \"stream\" before CalcEquilibrium: element 1: a text expected, a "
@@ -407,6 +413,28 @@ TEST(CNoOperation, StandsManyRunsWithoutGrowing) {
     EXPECT_EQ(sheet.feed->References(), references);
     EXPECT_LT(HeapInUse(), before + 10'000) << "bytes more after 1000 runs";
   }
+}
+
+TEST(CNoOperation, RepeatsTheLastFractionBeyondTheInletsCompounds) {
+  const auto unit = com::Make<CNoOperation>();
+  EXPECT_EQ(unit->Initialize(), S_OK);
+  material::StreamState& inlet = unit->AllPorts()[0]->State();
+  material::StreamState& outlet = unit->AllPorts()[1]->State();
+  std::optional<com::Name> flash = names::kTP;
+  inlet = {.pressure = 1e5, .temperature = 300, .totalFlow = 2, .composition = {0.3, 0.7}};
+  outlet.composition.resize(3);
+  unit->CalculateUnit(4, flash);
+  EXPECT_EQ(outlet.composition, (std::vector<double>{0.3, 0.7, 0.7}));
+  EXPECT_EQ(outlet.pressure, 1e5);
+  inlet.composition = {};
+  unit->CalculateUnit(2, flash);
+  EXPECT_EQ(outlet.composition, (std::vector<double>{0, 0, 0.7}));
+  inlet = {.pressure = 2e5, .temperature = 400, .totalFlow = 1, .composition = {1}};
+  unit->CalculateUnit(0, flash);
+  EXPECT_EQ(outlet.composition, (std::vector<double>{0, 0, 0.7})) << "no compounds, no fractions";
+  EXPECT_EQ(outlet.temperature, 400);
+  EXPECT_EQ(outlet.totalFlow, 1);
+  EXPECT_TRUE(flash == names::kTP);
 }
 
 TEST(CNoOperation, OutlivesItsReleaseDuringACalculation) {
