@@ -166,7 +166,7 @@ void HostCalls(benchmark::State& state, bool thermo11) {
   }
   state.counters["all"] = sheet.script->count;
   std::map<std::string, int> counts;
-  for (const std::string& call : sheet.script->calls) ++counts[call];
+  for (const std::string& call : sheet.script->calls) ++counts[call.substr(0, call.find('/'))];
   for (const auto& [call, count] : counts) state.counters[call] = count;
   sheet.script->Restart();
   thermo11 ? CallDirectly11(sheet) : CallDirectly10(sheet);
