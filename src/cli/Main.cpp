@@ -3,27 +3,26 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/Commands.h"
+#include "com/Module.h"
+#include "com/Program.h"
 
 namespace morvelan::cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// The folder of this program; of the current folder's, should the system not tell.
-fs::path ProgramFolder(const char* invokedAs) {
-  std::error_code unknown;
-  const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
-  return (unknown ? fs::absolute(fs::path(invokedAs)) : program).parent_path();
-}
-
-/// Compound data as installed with the program, or else in the source tree.
-fs::path DataFolder(const char* invokedAs) {
-  const fs::path program = ProgramFolder(invokedAs);
-  for (const char* folder : {"../share/morvelan/data", "../data", "data"})
+/// Compound data as installed with the program, or in the source tree in which it was built.
+fs::path DataFolder() {
+  const fs::path program = com::ModuleFile().parent_path();
+  for (const char* folder : {"../share/morvelan/data", "../data", "data", "../../../data"})
     if (fs::exists(program / folder / "compounds.json")) return (program / folder).lexically_normal();
-  return MORVELAN_DATA_DIR;
+  throw std::runtime_error("the compound data is not installed with " + program.string());
 }
 
 class Command {
@@ -31,6 +30,7 @@ class Command {
   Command() {
     app.set_version_flag("--version", "morvelan " MORVELAN_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // a slash begins a path
     AddRun();
     app.add_subcommand("units", "List the unit operations that are installed")->callback([this] {
       action = [](const fs::path&) { return ListUnits(); };
@@ -40,9 +40,10 @@ class Command {
     describe->callback([this] { action = [this](const fs::path&) { return Describe(className); }; });
   }
 
-  int Execute(int argc, char** argv) try {
-    app.parse(argc, argv);
-    return action(DataFolder(argv[0]));
+  /// `arguments` stand in reverse order, without the program's name, as CLI11 takes them.
+  int Execute(std::vector<std::string> arguments) try {
+    app.parse(std::move(arguments));
+    return action(DataFolder());
   } catch (const CLI::Success& request) {  // help or version
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
@@ -81,4 +82,11 @@ class Command {
 }  // namespace
 }  // namespace morvelan::cli
 
-int main(int argc, char** argv) { return morvelan::cli::Command().Execute(argc, argv); }
+int main(int argc, char** argv) try {
+  const morvelan::com::Program program(argc, argv);
+  const std::vector<std::string>& arguments = program.Arguments();
+  return morvelan::cli::Command().Execute({arguments.rbegin(), arguments.rend() - 1});
+} catch (const std::exception& error) {
+  std::cerr << "morvelan: " << error.what() << '\n';
+  return morvelan::cli::kWrongInput;
+}

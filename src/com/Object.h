@@ -1,17 +1,28 @@
 #pragma once
 
-#include <algorithm>
 #include <atomic>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
+#include "com/Dispatch.h"
 #include "com/Ref.h"
 
 namespace morvelan::com {
 
 /// The number of objects of this module that are alive, and the locks that hosts hold on it.
 [[nodiscard]] std::atomic<long>& ModuleUses();
+
+/// One of an object's dispatch interfaces.
+struct Face {
+  GUID iid;
+  void* object;
+};
+
+/// An interface as objects derive from it: dispatch interfaces answer through the type library.
+template <class Interface>
+using AsBase = std::conditional_t<std::is_base_of_v<IDispatch, Interface>, Dispatched<Interface>, Interface>;
 
 /// The reference count of every object; classes derive from it through `Implements`.
 class ObjectCore {
@@ -29,17 +40,19 @@ class ObjectCore {
     return left;
   }
   virtual void* FindInterface(REFIID) { return nullptr; }
+  /// Appends the object's dispatch interfaces, the base class's first.
+  virtual void AppendFaces(std::vector<Face>&) {}
 
  private:
   std::atomic<ULONG> references = 1;
 };
 
-/// Adds interfaces to an object class: `class X : public Implements<Base, IFirst, ISecond>`, where Base is
-/// another object class, or ObjectCore. An interface that is not found here is looked for in Base.
-template <class Base, class... Interfaces>
-class Implements : public Base, public Interfaces... {
+/// Adds interfaces to an object class: `class X : public Implements<Parent, IFirst, ISecond>`, where Parent
+/// is another object class, or ObjectCore. An interface that is not found here is looked for in Parent.
+template <class Parent, class... Interfaces>
+class Implements : public Parent, public AsBase<Interfaces>... {
  public:
-  using Base::Base;
+  using Parent::Parent;
 
   HRESULT QueryInterface(REFIID iid, void** object) override {
     if (!object) return E_POINTER;
@@ -51,37 +64,25 @@ class Implements : public Base, public Interfaces... {
   ULONG AddRef() override { return this->AddReference(); }
   ULONG Release() override { return this->DropReference(); }
 
-  // Callers that bind through the virtual table need no names; late binding needs a type library at run time.
-  HRESULT GetTypeInfoCount(UINT* count) override {
-    if (!count) return E_POINTER;
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
-    if (!info) return E_POINTER;
-    *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
-  HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID, DISPID* ids) override {
-    if (!ids) return E_POINTER;
-    std::fill_n(ids, count, -1);
-    return DISP_E_UNKNOWNNAME;
-  }
-  HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    return DISP_E_MEMBERNOTFOUND;
-  }
-
  protected:
   void* FindInterface(REFIID iid) override {
     void* found = nullptr;
     ((iid == __uuidof(Interfaces) ? (found = static_cast<Interfaces*>(this)) : nullptr), ...);
-    if (!found) found = Base::FindInterface(iid);
-    if constexpr (std::is_same_v<Base, ObjectCore>) {
+    if (!found) found = Parent::FindInterface(iid);
+    if constexpr (std::is_same_v<Parent, ObjectCore>) {
       using First = std::tuple_element_t<0, std::tuple<Interfaces...>>;
       if (!found && (iid == __uuidof(IUnknown) || iid == __uuidof(IDispatch)))
         found = static_cast<First*>(this);
     }
     return found;
+  }
+
+  void AppendFaces(std::vector<Face>& faces) override {
+    Parent::AppendFaces(faces);
+    const auto append = [&]<class Interface>(Interface* face) {
+      if constexpr (std::is_base_of_v<IDispatch, Interface>) faces.push_back({__uuidof(Interface), face});
+    };
+    (append(static_cast<Interfaces*>(this)), ...);
   }
 };
 

@@ -6,3 +6,4 @@
 #include <ole2.h>
 
 #include <oaidl.h>
+#include <ocidl.h>

@@ -1,6 +1,7 @@
 #include "com/Values.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace morvelan::com {
 namespace {
@@ -258,8 +259,12 @@ bool ReadBoolean(const VARIANT& variant) {
 
 std::int32_t ReadInteger(const VARIANT& variant) {
   const VARIANT v = Borrow(variant);
+  // Systems differ on what integer a number that is none becomes.
+  if ((v.vt == VT_R8 && std::isnan(v.dblVal)) || (v.vt == VT_R4 && std::isnan(v.fltVal)))
+    Mismatch("an integer", v);
   Variant converted;
-  if (FAILED(VariantChangeTypeEx(converted.Put(), &v, LOCALE_INVARIANT, 0, VT_I4))) Mismatch("an integer", v);
+  if (FAILED(VariantChangeTypeEx(converted.Put(), const_cast<VARIANT*>(&v), LOCALE_INVARIANT, 0, VT_I4)))
+    Mismatch("an integer", v);
   return converted.Get().lVal;
 }
 
@@ -405,7 +410,7 @@ Variant MakeObject(IDispatch* object) {
 
 Variant Copy(const VARIANT& variant) {
   Variant result;
-  if (FAILED(VariantCopy(result.Put(), &variant))) throw std::bad_alloc();
+  if (FAILED(VariantCopy(result.Put(), const_cast<VARIANT*>(&variant)))) throw std::bad_alloc();
   return result;
 }
 

@@ -7,8 +7,19 @@
 
 namespace morvelan {
 
-BaseObject::BaseObject(std::string objectName, std::string objectDescription)
-    : name(std::move(objectName)), description(std::move(objectDescription)) {}
+BaseObject::BaseObject(std::string objectName, std::string objectDescription, const GUID& type)
+    : name(std::move(objectName)), description(std::move(objectDescription)), automationType(type) {}
+
+void* BaseObject::FindInterface(REFIID iid) {
+  if (iid == __uuidof(IDispatch)) return static_cast<IDispatch*>(&automation);
+  return Implements::FindInterface(iid);
+}
+
+std::vector<com::Face> BaseObject::Faces() {
+  std::vector<com::Face> faces;
+  AppendFaces(faces);
+  return faces;
+}
 
 HRESULT BaseObject::get_ComponentName(BSTR* value) {
   if (!value) return E_POINTER;
@@ -75,6 +86,7 @@ void BaseObject::RecordCurrentException(std::string_view scope, std::string_view
     setText("out of memory");
   }
   SetError(std::move(caught));
+  com::PublishError(error.description, name);
 }
 
 HRESULT ReturnText(BSTR* value, std::string_view text) noexcept {

@@ -5,16 +5,20 @@
 #include <utility>
 
 #include "cape_open.h"
+#include "com/Automation.h"
 #include "com/Object.h"
 #include "errors/Failure.h"
 
 namespace morvelan {
 
 /// Root of every object that the host sees: its identification and its last failure.
-class BaseObject
-    : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser, ECapeUnknown> {
+/// `type` is the object's dispatch interface in the type library, which lists the members of all its
+/// interfaces.
+class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser,
+                                          ECapeUnknown, ISupportErrorInfo>,
+                   private com::AutomationOwner {
  public:
-  BaseObject(std::string objectName, std::string objectDescription);
+  BaseObject(std::string objectName, std::string objectDescription, const GUID& type);
 
   // ICapeIdentification
   HRESULT get_ComponentName(BSTR* value) override;
@@ -30,6 +34,8 @@ class BaseObject
   HRESULT get_interfaceName(BSTR* value) override;
   HRESULT get_operation(BSTR* value) override;
   HRESULT get_moreInfo(BSTR* value) override;
+  // ISupportErrorInfo
+  HRESULT InterfaceSupportsErrorInfo(REFIID) override { return S_OK; }
 
   [[nodiscard]] const std::string& ComponentName() const { return name; }
   [[nodiscard]] const UnitError& LastError() const { return error; }
@@ -38,6 +44,8 @@ class BaseObject
   void SetError(UnitError failure) noexcept;
 
  protected:
+  void* FindInterface(REFIID iid) override;
+
   /// Runs the body of an entry point and turns whatever it throws into this object's error and a failure
   /// code. The object lives until the body has ended, whatever the host releases meanwhile.
   template <class Body>
@@ -68,9 +76,16 @@ class BaseObject
  private:
   void RecordCurrentException(std::string_view scope, std::string_view interfaceName) noexcept;
 
+  // com::AutomationOwner
+  [[nodiscard]] GUID AutomationType() const override { return automationType; }
+  [[nodiscard]] std::vector<com::Face> Faces() override;
+  [[nodiscard]] IUnknown* Identity() override { return static_cast<ICapeIdentification*>(this); }
+
   std::string name;
   std::string description;
   UnitError error;
+  const GUID automationType;
+  com::Automation automation{*this};
 };
 
 /// Runs `body`; a failure takes the given scope and interface, and its description becomes its name too, as

@@ -2,6 +2,7 @@
 
 #include "framework/CUnitInfoPort.h"
 #include "material/Names.h"
+#include "morvelan.h"
 #include "ui/MessageBox.h"
 
 namespace morvelan {
@@ -28,7 +29,7 @@ ParameterDeclaration ThermoVersionParameter() {
 }
 
 BaseUnit::BaseUnit(const UnitDeclaration& unitDeclaration)
-    : Implements(unitDeclaration.name, unitDeclaration.description),
+    : Implements(unitDeclaration.name, unitDeclaration.description, __uuidof(DUnit)),
       declaration(unitDeclaration),
       parameterCollection(com::Make<CParamCollection>(this)),
       portCollection(com::Make<CPortCollection>(this)) {
@@ -158,6 +159,12 @@ HRESULT BaseUnit::ProduceReport(BSTR* text) {
     const std::size_t selected = reports.Selected();
     ReplaceText(text, selected == 0 ? calcStatusText : reports.At(selected).text);
   });
+}
+
+HRESULT BaseUnit::GetClassInfo(ITypeInfo** info) {
+  if (!info) return E_POINTER;
+  *info = nullptr;
+  return com::TypeInfoOf(classId, info);
 }
 
 void BaseUnit::RequireInitialized() const {

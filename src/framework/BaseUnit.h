@@ -17,7 +17,8 @@ namespace morvelan {
 
 /// Base of all units: what the host sees of a unit, and everything that runs around a unit's own validation
 /// and calculation. A concrete unit declares its ports and parameters and overrides the operations below.
-class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport> {
+class BaseUnit
+    : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport, IProvideClassInfo> {
  public:
   explicit BaseUnit(const UnitDeclaration& unitDeclaration);
   ~BaseUnit() override;
@@ -38,6 +39,11 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   HRESULT get_selectedReport(BSTR* name) override;
   HRESULT put_selectedReport(BSTR name) override;
   HRESULT ProduceReport(BSTR* text) override;
+  // IProvideClassInfo
+  HRESULT GetClassInfo(ITypeInfo** info) override;
+
+  /// Tells the unit under which class identifier hosts made it.
+  void SetClassId(const CLSID& clsid) { classId = clsid; }
 
   // What a concrete unit supplies.
 
@@ -152,6 +158,7 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   void FinishCalculation(int compoundCount, bool success);
 
   const UnitDeclaration declaration;
+  CLSID classId{};
   bool initialized = false;
   bool faceCreated = false;
   bool calculating = false;

@@ -1,11 +1,14 @@
 #include "framework/CInfoParamDesc.h"
 
 #include "framework/ParameterValue.h"
+#include "morvelan.h"
 
 namespace morvelan {
 
 CInfoParamDesc::CInfoParamDesc(const InformationItem& item)
-    : Implements(item.name, item.description), dimensionality(item.dimensionality), optional(item.optional) {}
+    : Implements(item.name, item.description, __uuidof(DInfoParamDesc)),
+      dimensionality(item.dimensionality),
+      optional(item.optional) {}
 
 HRESULT CInfoParamDesc::get_Type(CapeParamType* type) {
   if (!type) return E_POINTER;

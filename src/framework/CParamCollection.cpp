@@ -2,6 +2,7 @@
 
 #include "framework/BaseUnit.h"
 #include "framework/CollectionItem.h"
+#include "morvelan.h"
 
 namespace morvelan {
 namespace {
@@ -18,7 +19,7 @@ constexpr CollectionTexts kTexts = {
 }  // namespace
 
 CParamCollection::CParamCollection(BaseUnit* owner)
-    : Implements("Parameter Collection", "Parameters of the unit"), unit(owner) {}
+    : Implements("Parameter Collection", "Parameters of the unit", __uuidof(DCollection)), unit(owner) {}
 
 BaseUnit& CParamCollection::Unit() const {
   if (!unit)

@@ -1,15 +1,36 @@
 #include "framework/CParameter.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <utility>
 
 #include "com/Text.h"
 #include "framework/BaseUnit.h"
+#include "morvelan.h"
 
 namespace morvelan {
 
+namespace {
+
+/// The dispatch interface of a parameter of a value's kind.
+GUID TypeOf(const ParameterValue& value) {
+  const GUID types[] = {__uuidof(DRealParameter), __uuidof(DIntegerParameter), __uuidof(DOptionParameter),
+                        __uuidof(DBooleanParameter), __uuidof(DArrayParameter)};
+  return types[value.index()];
+}
+
+GUID SpecificationOf(CapeParamType kind) {
+  const GUID types[] = {__uuidof(ICapeRealParameterSpec), __uuidof(ICapeIntegerParameterSpec),
+                        __uuidof(ICapeOptionParameterSpec), __uuidof(ICapeBooleanParameterSpec),
+                        __uuidof(ICapeArrayParameterSpec)};
+  return types[kind];
+}
+
+}  // namespace
+
 CParameter::CParameter(const ParameterDeclaration& declaration, BaseUnit* owner)
-    : Implements(declaration.name, declaration.description),
+    : Implements(declaration.name, declaration.description, TypeOf(declaration.defaultValue)),
       value(declaration.defaultValue),
       defaultValue(declaration.defaultValue),
       mode(declaration.mode),
@@ -123,6 +144,33 @@ std::string CParameter::CheckCurrentValue() {
   std::string fault = Recorded("Validate", "ICapeParameter", [&] { return Check(value); });
   if (fault.empty()) valStatus = CAPE_VALID;
   return fault;
+}
+
+void CParameter::AppendFaces(std::vector<com::Face>& faces) {
+  std::vector<com::Face> all;
+  Implements::AppendFaces(all);
+  // The specifications of the other kinds bear the same names.
+  const GUID own = SpecificationOf(Kind());
+  for (const com::Face& face : all) {
+    const bool foreign =
+        std::ranges::any_of(std::array{CAPE_REAL, CAPE_INT, CAPE_OPTION, CAPE_BOOLEAN, CAPE_ARRAY},
+                            [&](CapeParamType kind) { return face.iid == SpecificationOf(kind); }) &&
+        !(face.iid == own);
+    if (!foreign) faces.push_back(face);
+  }
+}
+
+std::optional<com::Variant> CParameter::AdaptPut(REFIID iid, DISPID, const VARIANT& given) const try {
+  if (!(iid == __uuidof(ICapeParameter))) return std::nullopt;
+  if (Kind() == CAPE_REAL) return com::MakeDouble(com::ReadDouble(given));
+  if (Kind() == CAPE_ARRAY) return ToVariant(com::ReadDoubles(given));
+  if (Kind() != CAPE_INT) return std::nullopt;
+  const double number = com::ReadDouble(given);
+  const std::int32_t integer = com::ReadInteger(given);
+  if (static_cast<double>(integer) != number) return std::nullopt;
+  return com::MakeInteger(integer);
+} catch (const com::ValueError&) {
+  return std::nullopt;  // to be refused as it is
 }
 
 void CParameter::Orphan() {

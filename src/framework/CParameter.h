@@ -82,7 +82,14 @@ class CParameter final
   /// The unit is going; the parameter may stay with the host.
   void Orphan();
 
+ protected:
+  void AppendFaces(std::vector<com::Face>& faces) override;
+
  private:
+  /// Scripts know numbers, not the forms that a parameter's value must have exactly.
+  [[nodiscard]] std::optional<com::Variant> AdaptPut(REFIID iid, DISPID member,
+                                                     const VARIANT& given) const override;
+
   template <class Body>
   HRESULT Enter(std::string_view scope, Body&& body);
   template <class Body>

@@ -2,6 +2,7 @@
 
 #include "framework/BaseUnit.h"
 #include "framework/CollectionItem.h"
+#include "morvelan.h"
 
 namespace morvelan {
 namespace {
@@ -18,7 +19,7 @@ constexpr CollectionTexts kTexts = {
 }  // namespace
 
 CPortCollection::CPortCollection(BaseUnit* owner)
-    : Implements("Port Collection", "Ports of the unit"), unit(owner) {}
+    : Implements("Port Collection", "Ports of the unit", __uuidof(DCollection)), unit(owner) {}
 
 BaseUnit& CPortCollection::Unit() const {
   if (!unit)

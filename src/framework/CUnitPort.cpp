@@ -2,6 +2,7 @@
 
 #include "errors/ErrorText.h"
 #include "framework/BaseUnit.h"
+#include "morvelan.h"
 
 namespace morvelan {
 namespace {
@@ -15,7 +16,8 @@ Failure ConnectFailure(std::string why) {
 }  // namespace
 
 CUnitPort::CUnitPort(const PortDeclaration& declaration, BaseUnit& owner)
-    : Implements(declaration.name, declaration.description),
+    : Implements(declaration.name, declaration.description,
+                 declaration.type == CAPE_MATERIAL ? __uuidof(DUnitPort) : __uuidof(DUnitInfoPort)),
       direction(declaration.direction),
       type(declaration.type),
       unit(&owner) {}

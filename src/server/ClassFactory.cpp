@@ -21,6 +21,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   if (outer) return CLASS_E_NOAGGREGATION;
   try {
     const com::Ref<BaseUnit> unit = unitClass.create();
+    unit->SetClassId(unitClass.clsid);
     return unit->QueryInterface(iid, object);
   } catch (const std::bad_alloc&) {
     ui::ShowMessageBox("out of memory", "MORVELAN critical:", ui::Icon::kStop);

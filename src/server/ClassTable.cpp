@@ -21,6 +21,8 @@ const UnitClass kUnitClasses[] = {
      .create = Create<CNoOperation>},
 };
 
+constexpr const char* kVendorUrl = "https://morvelan.example";
+
 constexpr GUID kCategories[] = {
     {0x678c09a5, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}},  // unit operation
     {0x678c09a1, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}},  // CAPE-OPEN component
@@ -42,6 +44,16 @@ constexpr std::size_t kCategoriesWithoutThermodynamics = 2;
 }  // namespace
 
 std::span<const UnitClass> UnitClasses() { return kUnitClasses; }
+
+std::vector<DescriptionValue> DescriptionOf(const UnitClass& unitClass) {
+  return {{"Name", unitClass.name},
+          {"Description", unitClass.description},
+          {"CapeVersion", "1.0"},
+          {"ComponentVersion", MORVELAN_VERSION},
+          {"VendorURL", kVendorUrl},
+          {"HelpURL", std::string(kVendorUrl) + "/units/" + unitClass.name},
+          {"About", "MORVELAN, an open library of unit operations for process simulators"}};
+}
 
 std::string VersionedProgId(const UnitClass& unitClass) { return std::string(unitClass.progId) + ".1"; }
 

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "framework/BaseUnit.h"
 
@@ -28,9 +29,13 @@ struct UnitClass {
 /// The categories under which hosts look for a unit class.
 [[nodiscard]] std::span<const GUID> CategoriesOf(const UnitClass& unitClass);
 
-// The same for all classes.
-inline constexpr const char* kCapeVersion = "1.0";
-inline constexpr const char* kVendorUrl = "https://morvelan.example";
-inline constexpr const char* kAbout = "MORVELAN, an open library of unit operations for process simulators";
+/// One value of the description that hosts read to list a unit.
+struct DescriptionValue {
+  const char* name;
+  std::string text;
+};
+
+/// Every value that hosts expect of a class: they read them without a check.
+[[nodiscard]] std::vector<DescriptionValue> DescriptionOf(const UnitClass& unitClass);
 
 }  // namespace morvelan::server

@@ -3,7 +3,10 @@
 #include <exception>
 #include <new>
 
+#include "com/Dispatch.h"
 #include "server/ClassFactory.h"
+#include "server/HostDetection.h"
+#include "server/Installation.h"
 #include "server/Registration.h"
 #include "ui/MessageBox.h"
 
@@ -11,24 +14,15 @@ using namespace morvelan;
 
 namespace {
 
-constexpr HRESULT kRegistrationFailed = static_cast<HRESULT>(0x80040201u);  // SELFREG_E_CLASS
-
-template <class Action>
-HRESULT RunRegistration(Action action) {
-  try {
-    action();
-    return S_OK;
-  } catch (const std::exception& error) {
-    ui::ShowMessageBox(error.what(), "MORVELAN registration:", ui::Icon::kStop);
-    return kRegistrationFailed;
-  }
-}
+// The host that may have no visible active window when it calls a unit.
+constexpr int kHostWithHiddenWindow = 1;
 
 }  // namespace
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   if (!object) return E_POINTER;
   *object = nullptr;
+  if (server::DetectHost() == kHostWithHiddenWindow) ui::SeekOwnerWindow();
   for (const server::UnitClass& unitClass : server::UnitClasses()) {
     if (!(unitClass.clsid == clsid)) continue;
     try {
@@ -40,8 +34,12 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
-STDAPI DllCanUnloadNow() { return com::ModuleUses() == 0 ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() {
+  if (com::ModuleUses() != 0) return S_FALSE;
+  com::ReleaseTypeLibrary();
+  return S_OK;
+}
 
-STDAPI DllRegisterServer() { return RunRegistration(server::RegisterClasses); }
+STDAPI DllRegisterServer() { return server::Install(server::RegisterClasses); }
 
-STDAPI DllUnregisterServer() { return RunRegistration(server::UnregisterClasses); }
+STDAPI DllUnregisterServer() { return server::Install(server::UnregisterClasses); }

@@ -1,12 +1,11 @@
 // Registration where there is no registry: the class table goes into a manifest.
 
-#include <dlfcn.h>
-
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "com/Module.h"
 #include "com/Text.h"
 #include "com/ole/ClassManifest.h"
 #include "server/ClassTable.h"
@@ -17,26 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The file from which this library was loaded.
-std::string LibraryFile() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<const void*>(&LibraryFile), &info) == 0 || !info.dli_fname)
-    throw std::runtime_error("The file of the library can't be found");
-  return fs::absolute(info.dli_fname).string();
-}
-
 nlohmann::ordered_json Describe(const UnitClass& unitClass) {
   nlohmann::ordered_json entry;
   entry["clsid"] = com::ToText(unitClass.clsid);
   entry["progId"] = unitClass.progId;
   entry["versionedProgId"] = VersionedProgId(unitClass);
   entry["displayName"] = unitClass.displayName;
-  entry["name"] = unitClass.name;
-  entry["description"] = unitClass.description;
-  entry["capeVersion"] = kCapeVersion;
-  entry["componentVersion"] = MORVELAN_VERSION;
-  entry["vendorUrl"] = kVendorUrl;
-  entry["about"] = kAbout;
+  for (const DescriptionValue& value : DescriptionOf(unitClass))
+    entry["capeDescription"][value.name] = value.text;
   for (const GUID& category : CategoriesOf(unitClass)) entry["categories"].push_back(com::ToText(category));
   return entry;
 }
@@ -45,7 +32,7 @@ nlohmann::ordered_json Describe(const UnitClass& unitClass) {
 
 void RegisterClasses() {
   nlohmann::ordered_json manifest;
-  manifest["library"] = LibraryFile();
+  manifest["library"] = com::ModuleFile().string();
   for (const UnitClass& unitClass : UnitClasses()) manifest["classes"].push_back(Describe(unitClass));
 
   const fs::path file = com::ManifestToWrite();

@@ -8,6 +8,8 @@ namespace morvelan::ui {
 
 bool HasWindows() { return false; }
 
+void SeekOwnerWindow() {}
+
 void ShowMessageBox(const char* text, const char* title, Icon) noexcept {
   std::fprintf(stderr, "%s %s\n", title, text);
 }

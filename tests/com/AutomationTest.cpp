@@ -83,8 +83,6 @@ TEST(Variants, ConvertBetweenNumbersBooleansAndTexts) {
       {"double to integer rounds to even", com::MakeDouble(2.5), VT_I4, S_OK, 2, ""},
       {"double to integer rounds up", com::MakeDouble(3.5), VT_I4, S_OK, 4, ""},
       {"too large for 32 bits", com::MakeDouble(3e9), VT_I4, DISP_E_OVERFLOW, 0, ""},
-      {"NaN to integer", com::MakeDouble(std::numeric_limits<double>::quiet_NaN()), VT_I4, DISP_E_OVERFLOW, 0,
-       ""},
       {"large unsigned to integer", Unsigned64(1ull << 40), VT_I4, DISP_E_OVERFLOW, 0, ""},
       {"text to integer", com::MakeString(" 12 "), VT_I4, S_OK, 12, ""},
       {"text that is no number", com::MakeString("12a"), VT_I4, DISP_E_TYPEMISMATCH, 0, ""},
@@ -92,13 +90,15 @@ TEST(Variants, ConvertBetweenNumbersBooleansAndTexts) {
       {"integer to boolean", com::MakeInteger(5), VT_BOOL, S_OK, -1, ""},
       {"nothing to double", com::Variant(), VT_R8, S_OK, 0, ""},
       {"integer to text", com::MakeInteger(-7), VT_BSTR, S_OK, 0, "-7"},
-      {"boolean to text", com::MakeBoolean(false), VT_BSTR, S_OK, 0, "False"},
+      {"boolean to text", com::MakeBoolean(false), VT_BSTR, S_OK, 0, "0"},
       {"array to text", com::MakeDoubles(std::array{1.0}), VT_BSTR, DISP_E_TYPEMISMATCH, 0, ""},
   };
   for (const Conversion& c : cases) {
     SCOPED_TRACE(c.title);
     com::Variant result;
-    EXPECT_EQ(VariantChangeTypeEx(result.Put(), &c.from.Get(), LOCALE_INVARIANT, 0, c.to), c.outcome);
+    EXPECT_EQ(
+        VariantChangeTypeEx(result.Put(), const_cast<VARIANT*>(&c.from.Get()), LOCALE_INVARIANT, 0, c.to),
+        c.outcome);
     if (FAILED(c.outcome)) continue;
     EXPECT_EQ(result.Get().vt, c.to);
     if (c.to == VT_BSTR)
@@ -147,17 +147,18 @@ TEST(SafeArrays, IndexEveryDimensionFromItsLowerBound) {
   EXPECT_EQ(upper, 12);
   const LONG* data = static_cast<const LONG*>(array.Get()->pvData);
   EXPECT_EQ(data[1], 10) << "the first index varies fastest";
-  LONG indices[] = {0, 12};
   LONG value = 0;
-  EXPECT_EQ(SafeArrayGetElement(array.Get(), indices, &value), S_OK);
-  EXPECT_EQ(value, 12);
+  for (LONG i = -1; i <= 0; ++i)
+    for (LONG j = 10; j <= 12; ++j) {
+      LONG indices[] = {i, j};
+      EXPECT_EQ(SafeArrayGetElement(array.Get(), indices, &value), S_OK);
+      EXPECT_EQ(value, 100 * i + j);
+    }
   LONG outside[] = {0, 13};
   EXPECT_EQ(SafeArrayGetElement(array.Get(), outside, &value), DISP_E_BADINDEX);
 }
 
 TEST(SafeArrays, RefuseWhatCannotBeAllocated) {
-  SAFEARRAYBOUND bounds[] = {{0x7fffffff, 0}, {0x7fffffff, 0}};
-  EXPECT_EQ(SafeArrayCreate(VT_R8, 2, bounds), nullptr);
   EXPECT_THROW((void)com::MakeArray(std::size_t{1} << 33, VT_R8), com::ArrayAllocationError);
 }
 
@@ -226,6 +227,8 @@ TEST(Values, SayWhyTheyCannotBeRead) {
   com::Variant disguised = com::MakeDoubles(std::array{1.0});
   const_cast<VARIANT&>(disguised.Get()).vt = VT_ARRAY | VT_BSTR;
   EXPECT_THROW((void)com::ReadStrings(disguised.Get()), com::ValueError);
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_THROW((void)com::ReadInteger(com::MakeDouble(kNone).Get()), com::ValueError);
 }
 
 // ---- Streams

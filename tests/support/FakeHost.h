@@ -73,7 +73,7 @@ class FakeParameter final : public com::Implements<FakeObject, ICapeParameter, I
   }
   HRESULT get_value(VARIANT* result) override {
     const HRESULT hr = script->Call("get_value");
-    return FAILED(hr) ? hr : VariantCopy(result, &value.Get());
+    return FAILED(hr) ? hr : script->Answer(com::Copy(value.Get()), result);
   }
   HRESULT put_value(VARIANT newValue) override {
     const HRESULT hr = script->Call("put_value");

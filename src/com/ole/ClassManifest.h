@@ -8,7 +8,7 @@ namespace morvelan::com {
 // Where there is no registry, a library publishes its classes in a manifest: a JSON file
 // "morvelan/classes.json" in the user's data folder or in a system one,
 //   {"library": "/path/to/library.so",
-//    "classes": [{"clsid": "{...}", "progId": "...", "name": "...", "description": "...", ...}]}
+//    "classes": [{"clsid": "{...}", "progId": "...", "capeDescription": {"Name": "...", ...}, ...}]}
 
 /// Manifests that exist, those of the user first.
 [[nodiscard]] std::vector<std::filesystem::path> FindManifests();

@@ -33,7 +33,8 @@ std::vector<ManifestClass> ReadManifest(const std::filesystem::path& file) try {
   std::vector<ManifestClass> classes;
   for (const auto& entry : manifest.at("classes"))
     classes.push_back(
-        {{ParseClsid(entry.at("clsid")), entry.at("progId"), entry.at("name"), entry.at("description")},
+        {{ParseClsid(entry.at("clsid")), entry.at("progId"), entry.at("capeDescription").at("Name"),
+          entry.at("capeDescription").at("Description")},
          manifest.at("library")});
   return classes;
 } catch (const std::exception& error) {

@@ -154,7 +154,7 @@ HRESULT ToText(const VARIANT& source, VARIANT* target) {
   char buffer[64];
   std::string text;
   if (source.vt == VT_BOOL) {
-    text = source.boolVal ? "True" : "False";
+    text = source.boolVal ? "-1" : "0";
   } else if (source.vt == VT_EMPTY) {
     text.clear();
   } else if (source.vt == VT_I8 || source.vt == VT_UI8) {
@@ -195,7 +195,7 @@ EXTERN_C HRESULT VariantClear(VARIANT* variant) {
   return S_OK;
 }
 
-EXTERN_C HRESULT VariantCopy(VARIANT* target, const VARIANT* source) {
+EXTERN_C HRESULT VariantCopy(VARIANT* target, VARIANT* source) {
   if (!target || !source) return E_INVALIDARG;
   if (target == source) return S_OK;
   VARIANT copy = *source;
@@ -215,12 +215,12 @@ EXTERN_C HRESULT VariantCopy(VARIANT* target, const VARIANT* source) {
   return hr;
 }
 
-EXTERN_C HRESULT VariantCopyInd(VARIANT* target, const VARIANT* source) {
+EXTERN_C HRESULT VariantCopyInd(VARIANT* target, VARIANT* source) {
   if (!target || !source) return E_INVALIDARG;
   if (!(source->vt & VT_BYREF)) return VariantCopy(target, source);
   if (!source->byref) return E_INVALIDARG;
   if ((source->vt & VT_TYPEMASK) == VT_VARIANT && !(source->vt & VT_ARRAY)) {
-    const VARIANT* inner = source->pvarVal;
+    VARIANT* inner = source->pvarVal;
     if ((inner->vt & VT_BYREF) && (inner->vt & VT_TYPEMASK) == VT_VARIANT) return E_INVALIDARG;
     return VariantCopyInd(target, inner);
   }
@@ -235,7 +235,7 @@ EXTERN_C HRESULT VariantCopyInd(VARIANT* target, const VARIANT* source) {
   return VariantCopy(target, &borrowed);
 }
 
-EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, const VARIANT* source, LCID, USHORT, VARTYPE type) {
+EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, VARIANT* source, LCID, USHORT, VARTYPE type) {
   if (!target || !source) return E_INVALIDARG;
   VARIANT value{};
   HRESULT hr = VariantCopyInd(&value, source);

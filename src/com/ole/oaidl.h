@@ -142,6 +142,11 @@ struct EXCEPINFO {
   SCODE scode;
 };
 
+constexpr WORD DISPATCH_METHOD = 1;
+constexpr WORD DISPATCH_PROPERTYGET = 2;
+constexpr WORD DISPATCH_PROPERTYPUT = 4;
+constexpr WORD DISPATCH_PROPERTYPUTREF = 8;
+
 struct ITypeInfo;
 
 struct IDispatch : IUnknown {
@@ -153,6 +158,11 @@ struct IDispatch : IUnknown {
 };
 __CRT_UUID_DECL(IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
+struct ISupportErrorInfo : IUnknown {
+  virtual HRESULT InterfaceSupportsErrorInfo(REFIID iid) = 0;
+};
+__CRT_UUID_DECL(ISupportErrorInfo, 0xdf0b3d60, 0x548f, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19)
+
 EXTERN_C BSTR SysAllocString(const OLECHAR* text);
 EXTERN_C BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
 EXTERN_C void SysFreeString(BSTR text);
@@ -163,10 +173,10 @@ constexpr LCID LOCALE_INVARIANT = 0x007F;
 
 EXTERN_C void VariantInit(VARIANT* variant);
 EXTERN_C HRESULT VariantClear(VARIANT* variant);
-EXTERN_C HRESULT VariantCopy(VARIANT* target, const VARIANT* source);
-EXTERN_C HRESULT VariantCopyInd(VARIANT* target, const VARIANT* source);
+EXTERN_C HRESULT VariantCopy(VARIANT* target, VARIANT* source);
+EXTERN_C HRESULT VariantCopyInd(VARIANT* target, VARIANT* source);
 /// Converts between numbers, booleans and strings; the locale is taken as LOCALE_INVARIANT.
-EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, const VARIANT* source, LCID locale, USHORT flags,
+EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, VARIANT* source, LCID locale, USHORT flags,
                                      VARTYPE type);
 
 EXTERN_C SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds);

@@ -87,11 +87,24 @@ UnitParameter ReadParameter(const com::Ref<IDispatch>& item) {
 
 std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
                                                  const std::vector<com::PublishedClass>& classes) {
-  const auto found = std::ranges::find_if(classes, [&](const com::PublishedClass& candidate) {
-    return com::EqualNoCase(candidate.name, name) || com::EqualNoCase(candidate.progId, name) ||
-           com::EqualNoCase(com::ToText(candidate.clsid), name);
-  });
-  return found == classes.end() ? std::nullopt : std::optional(*found);
+  const auto find = [&](auto bears) {
+    const auto found = std::ranges::find_if(classes, bears);
+    return found == classes.end() ? std::nullopt : std::optional(*found);
+  };
+  const auto isNamed = [&](const com::PublishedClass& candidate) {
+    return com::EqualNoCase(candidate.name, name);
+  };
+  if (auto found = find([&](const com::PublishedClass& candidate) {
+        return com::EqualNoCase(candidate.progId, name) ||
+               com::EqualNoCase(com::ToText(candidate.clsid), name);
+      }))
+    return found;
+  // Other libraries have their mixers and valves too.
+  if (auto found = find([&](const com::PublishedClass& candidate) {
+        return isNamed(candidate) && candidate.progId.starts_with("VELT_MORV.");
+      }))
+    return found;
+  return find(isNamed);
 }
 
 HostedUnit::HostedUnit(const com::PublishedClass& unitClass)

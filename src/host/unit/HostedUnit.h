@@ -41,7 +41,8 @@ struct UnitReport {
   std::string text;
 };
 
-/// The class that a name, a ProgID or a class identifier means, in any ASCII case.
+/// The class that a name, a ProgID or a class identifier means, in any ASCII case; of several of one name,
+/// ours.
 [[nodiscard]] std::optional<com::PublishedClass> FindUnitClass(
     const std::string& name, const std::vector<com::PublishedClass>& classes);
 

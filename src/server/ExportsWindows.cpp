@@ -1,0 +1,18 @@
+// The entry point through which installers register for one user: regsvr32 /n /i:user.
+
+#include <string>
+
+#include "server/Installation.h"
+#include "server/Registration.h"
+#include "server/RegistrationRegistry.h"
+
+using namespace morvelan;
+
+STDAPI DllInstall(BOOL install, LPCWSTR target) {
+  const std::wstring scope = target ? target : L"";
+  if (scope == L"user")
+    return server::Install(install ? +[] { server::RegisterClassesIn(HKEY_CURRENT_USER); }
+                                   : +[] { server::UnregisterClassesIn(HKEY_CURRENT_USER); });
+  if (!scope.empty() && scope != L"machine") return E_INVALIDARG;
+  return server::Install(install ? server::RegisterClasses : server::UnregisterClasses);
+}
