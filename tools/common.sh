@@ -32,3 +32,24 @@ build() {
     cmake --build --preset "$preset" ${*:+--target "$@"}
   ) >"$log" 2>&1 || { cat "$log" >&2; echo "The $preset build failed; see $log" >&2; exit 1; }
 }
+
+# Cross-compiling for Windows, and running the outcome.
+windows_packages=(g++-mingw-w64-x86-64-posix libboost-dev wine wine64)
+
+# windows COMMAND...: runs a Windows program in a system of the tests' own; what it prints stands in $windows_output.
+windows_output=$root/build/windows-output.txt
+windows() {
+  # Wine's server outlives the program: it must not hold on to whatever reads our output.
+  timeout 300 wine "$@" >"$windows_output" 2>&1 </dev/null
+}
+
+# use_windows NAME: makes build/NAME, a fresh Windows system without a screen, the one that `windows` uses.
+use_windows() {
+  export WINEPREFIX=$root/build/$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree=;mshtml=" LANG=C.UTF-8
+  unset DISPLAY
+  [ ! -d "$WINEPREFIX" ] || { wineserver -k || true; rm -rf "$WINEPREFIX"; }
+  mkdir -p "$root/build"
+  timeout 300 wineboot -i >/dev/null 2>&1 </dev/null
+  windows reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+  wineserver -k  # so that it is read
+}

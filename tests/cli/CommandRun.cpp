@@ -1,11 +1,7 @@
-#include <sys/wait.h>
+#include "tests/cli/CommandRun.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
-
-#include "tests/cli/CommandRun.h"
 
 namespace morvelan::test {
 
@@ -24,15 +20,6 @@ std::filesystem::path WriteScratch(const std::string& name, const std::string& t
 std::string ReadFile(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-CommandOutcome RunCommand(const std::string& arguments) {
-  const auto output = Scratch("output.txt"), errors = Scratch("errors.txt");
-  const std::string line = std::string("\"" MORVELAN_COMMAND "\" ") + arguments + " > \"" + output.string() +
-                           "\" 2> \"" + errors.string() + '"';
-  const int ended = std::system(line.c_str());
-  if (!WIFEXITED(ended)) throw std::runtime_error("the command did not end by itself: " + line);
-  return {WEXITSTATUS(ended), ReadFile(output), ReadFile(errors)};
 }
 
 FlowsheetOutcome RunFlowsheet(const std::string& text, const std::string& options) {

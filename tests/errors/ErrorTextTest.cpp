@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "errors/ErrorText.h"
+#include "tests/support/SystemText.h"
 
 namespace morvelan::test {
 namespace {
@@ -45,7 +46,8 @@ TEST(ErrorText, ExplainsCodesWithoutAnObject) {
       {0x80040500, "error code 0x80040500"},
       {0x80004005, "Unspecified error"},
   };
-  for (const CodeText& c : cases) EXPECT_EQ(ErrorText(nullptr, static_cast<HRESULT>(c.code)), c.text);
+  for (const CodeText& c : cases)
+    EXPECT_EQ(ErrorText(nullptr, static_cast<HRESULT>(c.code)), InThisSystemsWords(c.text));
 }
 
 }  // namespace

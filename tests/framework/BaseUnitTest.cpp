@@ -8,6 +8,7 @@
 #include "tests/support/Door.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/FakeMaterial.h"
+#include "tests/support/MessageBoxes.h"
 #include "tests/support/TestUnit.h"
 
 namespace morvelan::test {
@@ -357,18 +358,14 @@ TEST(BaseUnit, KnowsWhereItsThermoVersionStands) {
 
 TEST(BaseUnit, ShowsErrorsInThePopUpOrAMessageBox) {
   Bench bench;
-  testing::internal::CaptureStderr();
-  bench.unit->ShowError("nowhere");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unit Operation error: nowhere\n");
+  EXPECT_EQ(MessageBoxesOf([&] { bench.unit->ShowError("nowhere"); }), "Unit Operation error: nowhere\n");
   bench.unit->LogToHost("to nobody");
   EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
   bench.unit->ShowError("in the pop-up");
   EXPECT_EQ(bench.context->popUps, std::vector<std::string>{"in the pop-up"});
   bench.script->Restart();
   bench.script->failAt = 1;
-  testing::internal::CaptureStderr();
-  bench.unit->ShowError("refused");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unit Operation error: refused\n");
+  EXPECT_EQ(MessageBoxesOf([&] { bench.unit->ShowError("refused"); }), "Unit Operation error: refused\n");
 }
 
 // ---- Validation

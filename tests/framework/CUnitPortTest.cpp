@@ -82,11 +82,11 @@ TEST(CUnitPort, RefusesWhatIsNoMaterial) {
                    "Connect", "ICapeUnitPort"}));
   EXPECT_EQ(bench.door.Port("Inlet")->Connect(nullptr), kFailed);
   EXPECT_EQ(ErrorOf(bench.door.Port("Inlet").Get()).description,
-            "failed to obtain IDispatch interface to material: Invalid pointer");
+            InThisSystemsWords("failed to obtain IDispatch interface to material: Invalid pointer"));
   EXPECT_FALSE(bench.IsConnected("Inlet"));
   EXPECT_EQ(bench.door.Port("Heat")->Connect(nullptr), kFailed);
   EXPECT_EQ(ErrorOf(bench.door.Port("Heat").Get()).description,
-            "failed to obtain IDispatch interface to energy object: Invalid pointer");
+            InThisSystemsWords("failed to obtain IDispatch interface to energy object: Invalid pointer"));
 }
 
 TEST(CUnitPort, IsUnconnectedAfterAFailedConnect) {

@@ -313,7 +313,8 @@ const Refusal kRefusals[] = {
        b.material->state.calculatesOverall = false;
        (void)b.Port().GetProperty(names::kViscosity, names::kOverall, {}, names::kMole);
      },
-     Evaluation("CalcProp (Viscosity/Overall/<NULL>) failed: Not implemented", "GetProperty")},
+     Evaluation(InThisSystemsWords("CalcProp (Viscosity/Overall/<NULL>) failed: Not implemented"),
+                "GetProperty")},
     {"missing constants",
      false,
      [](Bench& b) {
@@ -540,7 +541,7 @@ TEST(MaterialAccess, ExplainsOddAnswers) {
       odd.ask(bench);
       ADD_FAILURE() << "was not refused";
     } catch (const Failure& failure) {
-      EXPECT_EQ(failure.error.description, odd.description);
+      EXPECT_EQ(failure.error.description, InThisSystemsWords(odd.description));
     }
     EXPECT_EQ(bench.script->liveObjects, 1) << "a copy was not released";
   }

@@ -8,6 +8,7 @@
 #include "server/ClassFactory.h"
 #include "server/ClassTable.h"
 #include "tests/support/Door.h"
+#include "tests/support/MessageBoxes.h"
 
 namespace morvelan::test {
 namespace {
@@ -63,11 +64,12 @@ TEST(Server, SaysThatMemoryRanOutWhenAUnitCannotBeMade) {
                                 .consumesThermodynamics = false,
                                 .create = []() -> com::Ref<BaseUnit> { throw std::bad_alloc(); }};
   com::Ref<IUnknown> unit;
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(com::Make<server::ClassFactory>(unmakeable)
-                ->CreateInstance(nullptr, __uuidof(IUnknown), reinterpret_cast<void**>(unit.Put())),
-            E_OUTOFMEMORY);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "MORVELAN critical: out of memory\n");
+  const std::string shown = MessageBoxesOf([&] {
+    EXPECT_EQ(com::Make<server::ClassFactory>(unmakeable)
+                  ->CreateInstance(nullptr, __uuidof(IUnknown), reinterpret_cast<void**>(unit.Put())),
+              E_OUTOFMEMORY);
+  });
+  EXPECT_EQ(shown, "MORVELAN critical: out of memory\n");
 }
 
 TEST(Server, IsOneObjectWhateverInterfaceItIsAskedFor) {

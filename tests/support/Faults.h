@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "tests/support/HostScript.h"
+#include "tests/support/SystemText.h"
 
 namespace morvelan::test {
 
@@ -41,7 +43,7 @@ inline void Provoke(HostScript& script, const FaultMode& mode, int failAt) {
 inline std::string Explain(std::string text, const std::string& call, const FaultMode& mode) {
   const std::string why = call.starts_with("QueryInterface") ? "No such interface supported" : mode.why;
   if (const auto at = text.find("<why>"); at != std::string::npos) text.replace(at, 5, why);
-  return text;
+  return InThisSystemsWords(std::move(text));
 }
 
 }  // namespace morvelan::test

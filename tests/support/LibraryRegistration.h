@@ -2,8 +2,8 @@
 
 namespace morvelan::test {
 
-/// Registers the built library for this process alone, so that tests create units as hosts do. Throws
-/// std::runtime_error.
+/// Registers the built library for the tests, so that they create units as hosts do: where the tests have
+/// data of their own, or a system of their own. Throws std::runtime_error.
 void RegisterBuiltLibrary();
 
 }  // namespace morvelan::test
