@@ -33,8 +33,8 @@ build() {
   ) >"$log" 2>&1 || { cat "$log" >&2; echo "The $preset build failed; see $log" >&2; exit 1; }
 }
 
-# Cross-compiling for Windows, and running the outcome.
-windows_packages=(g++-mingw-w64-x86-64-posix libboost-dev wine wine64)
+# Cross-compiling for Windows, running the outcome, and its installer.
+windows_packages=(g++-mingw-w64-x86-64-posix googletest wine wine64 nsis)
 
 # windows COMMAND...: runs a Windows program in a system of the tests' own; what it prints stands in $windows_output.
 windows_output=$root/build/windows-output.txt
