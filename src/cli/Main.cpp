@@ -11,6 +11,7 @@
 #include "cli/Commands.h"
 #include "com/Module.h"
 #include "com/Program.h"
+#include "com/Text.h"
 
 namespace morvelan::cli {
 namespace {
@@ -57,7 +58,7 @@ class Command {
  private:
   void AddRun() {
     auto* command = app.add_subcommand("run", "Calculate a flowsheet");
-    command->add_option("FILE", run.file, "The flowsheet, a JSON file")->required();
+    command->add_option("FILE", file, "The flowsheet, a JSON file")->required();
     command->add_option("--json", run.json,
                         "Write the results to this file, or to standard output for \"-\"");
     command->add_option("--thermo", thermo, "Interfaces that materials offer, instead of the file's choice")
@@ -67,6 +68,7 @@ class Command {
                       "Save every unit, restore it and calculate with what was restored");
     command->add_flag("--quiet", run.quiet, "Print errors only");
     command->callback([this] {
+      run.file = com::ToPath(file);
       run.options.thermoInterface = host::ThermoOfferByName(thermo);
       action = [this](const fs::path& dataFolder) { return Run(run, dataFolder); };
     });
@@ -74,6 +76,7 @@ class Command {
 
   CLI::App app{"Runs flowsheets of MORVELAN unit operations without a process simulator", "morvelan"};
   RunArguments run;
+  std::string file;
   std::string thermo;
   std::string className;
   std::function<int(const fs::path&)> action;

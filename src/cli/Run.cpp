@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "cli/Commands.h"
+#include "com/Text.h"
 #include "host/flowsheet/ResultJson.h"
 #include "host/flowsheet/ResultTable.h"
 
@@ -28,7 +29,7 @@ int Run(const RunArguments& arguments, const std::filesystem::path& dataFolder) 
   const bool toScreen = arguments.json == "-";
   std::ofstream json;
   if (!arguments.json.empty() && !toScreen) {
-    json.open(arguments.json, std::ios::binary);
+    json.open(com::ToPath(arguments.json), std::ios::binary);
     if (!json) throw std::runtime_error(arguments.json + ": the file cannot be written");
   }
   const host::Results results = run.Calculate();

@@ -47,10 +47,11 @@ HRESULT Automation::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* 
   if (member < 0 || place < 1 || place > faces.size()) return DISP_E_MEMBERNOTFOUND;
   const Face& face = faces[place - 1];
   const DISPID own = member & kMemberMask;
+  if (flags & DISPATCH_PROPERTYPUTREF) flags = DISPATCH_PROPERTYPUT;  // objects are put as values are
   DISPPARAMS adapted = params ? *params : DISPPARAMS{};
   std::optional<Variant> value;
   VARIANT argument;
-  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) && adapted.cArgs == 1)
+  if ((flags & DISPATCH_PROPERTYPUT) && adapted.cArgs == 1)
     value = owner.AdaptPut(face.iid, own, adapted.rgvarg[0]);
   if (value) {
     argument = value->Get();

@@ -17,7 +17,7 @@ namespace morvelan::com {
 
 /// The same for a script, which can't pass a text by reference as the standard's methods want it: such an
 /// argument may be a variable of any content, which takes the text afterwards, or missing. A method without
-/// another result gives its text as result.
+/// another result gives its text as result. An array is given as one of variants.
 [[nodiscard]] HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags,
                                        DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                        UINT* argumentError);

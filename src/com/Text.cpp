@@ -89,6 +89,8 @@ Bstr ToBstr(std::string_view utf8) {
   return result;
 }
 
+std::filesystem::path ToPath(std::string_view utf8) { return std::u8string(utf8.begin(), utf8.end()); }
+
 bool EqualNoCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });

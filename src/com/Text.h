@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ namespace morvelan::com {
 
 /// A new BSTR; bytes that are not UTF-8 become U+FFFD. Throws std::bad_alloc.
 [[nodiscard]] Bstr ToBstr(std::string_view utf8);
+
+/// The file of that name; a path made of the bytes themselves would be another one on Windows.
+[[nodiscard]] std::filesystem::path ToPath(std::string_view utf8);
 
 /// Equality without regard to the case of the letters A to Z.
 [[nodiscard]] bool EqualNoCase(std::string_view a, std::string_view b);

@@ -81,16 +81,34 @@ TextArgument TakeText(VARIANT* given) {
   return argument;
 }
 
+/// Scripts read the elements of no other arrays than those of variants.
+void LoosenArray(VARIANT& result) {
+  if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT)) return;
+  VARIANT loose = MakeVariants(ReadVariants(result)).Detach();
+  VariantClear(&result);
+  result = loose;
+}
+
+/// The argument for parameter `i`, by its name or by its place; null when it is missing. Arguments stand in
+/// reverse order, those with names first.
+VARIANT* ArgumentFor(UINT i, const DISPPARAMS& params) {
+  for (UINT k = 0; k < params.cNamedArgs; ++k)
+    if (params.rgdispidNamedArgs[k] == static_cast<DISPID>(i)) return &params.rgvarg[k];
+  return i + params.cNamedArgs < params.cArgs ? &params.rgvarg[params.cArgs - 1 - i] : nullptr;
+}
+
 HRESULT InvokeWithTexts(const Function& function, const Ref<ITypeInfo>& info, void* target, DISPID member,
                         WORD flags, const DISPPARAMS& params, VARIANT* result, EXCEPINFO* exception,
                         UINT* argumentError) {
   const UINT count = function.ParameterCount();
+  if (params.cArgs > count) return DISP_E_BADPARAMCOUNT;
+  for (UINT k = 0; k < params.cNamedArgs; ++k)
+    if (static_cast<UINT>(params.rgdispidNamedArgs[k]) >= count) return DISP_E_PARAMNOTFOUND;
   std::vector<TextArgument> texts(count);
   std::vector<VARIANT> arguments(count);
   UINT textCount = 0;
   for (UINT i = 0; i < count; ++i) {
-    // Arguments stand in reverse order.
-    VARIANT* given = i < params.cArgs ? &params.rgvarg[params.cArgs - 1 - i] : nullptr;
+    VARIANT* given = ArgumentFor(i, params);
     VARIANT& argument = arguments[count - 1 - i];
     VariantInit(&argument);
     if (function.ReplacesText(i)) {
@@ -143,15 +161,18 @@ HRESULT Invoke(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* 
 HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params,
                          VARIANT* result, EXCEPINFO* exception, UINT* argumentError) try {
   Ref<ITypeInfo> info;
-  const HRESULT hr = TypeInfoOf(iid, info.Put());
+  HRESULT hr = TypeInfoOf(iid, info.Put());
   if (FAILED(hr)) return hr;
   const Function function(info, member, flags);
   bool replacesText = false;
   for (UINT i = 0; i < function.ParameterCount(); ++i)
     replacesText = replacesText || function.ReplacesText(i);
   if (!replacesText || !params)
-    return info->Invoke(target, member, flags, params, result, exception, argumentError);
-  return InvokeWithTexts(function, info, target, member, flags, *params, result, exception, argumentError);
+    hr = info->Invoke(target, member, flags, params, result, exception, argumentError);
+  else
+    hr = InvokeWithTexts(function, info, target, member, flags, *params, result, exception, argumentError);
+  if (SUCCEEDED(hr) && result) LoosenArray(*result);
+  return hr;
 } catch (...) {
   return E_OUTOFMEMORY;
 }

@@ -31,7 +31,7 @@ CompoundData ReadData(const JsonNode& thermo, const std::filesystem::path& file,
     if (own->Value().is_object())
       data.AddCompounds(nlohmann::json(own->Value()), "compounds");
     else
-      data.AddCompounds(file.parent_path() / std::filesystem::path(own->Text()));
+      data.AddCompounds(file.parent_path() / com::ToPath(own->Text()));
   } catch (const FlowsheetError&) {
     throw;
   } catch (const std::runtime_error& error) {

@@ -1,0 +1,266 @@
+// Objects as scripts call them: by name, with a script's forms of values, and with a script's way to learn of
+// a failure.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "com/Classes.h"
+#include "morvelan.h"
+#include "server/ClassTable.h"
+#include "tests/support/Door.h"
+#include "tests/support/TestUnit.h"
+#include "tests/windows/LateBound.h"
+
+namespace morvelan::test {
+namespace {
+
+using com::MakeBoolean;
+using com::MakeDouble;
+using com::MakeInteger;
+using com::MakeString;
+using com::Ref;
+using com::Variant;
+
+constexpr WORD kGet = DISPATCH_PROPERTYGET;
+constexpr WORD kPut = DISPATCH_PROPERTYPUT;
+constexpr WORD kCall = DISPATCH_METHOD;
+
+Ref<IDispatch> MakeNoOperation() { return com::CreateObject(__uuidof(NoOperation)).As<IDispatch>(); }
+
+Variant MakeShort(short value) {
+  VARIANT variant{};
+  variant.vt = VT_I2;
+  variant.iVal = value;
+  return Variant(variant);
+}
+
+std::string TextOf(const VARIANT& value) {
+  if (value.vt == (VT_ARRAY | VT_VARIANT)) {
+    std::ostringstream text;
+    for (const double element : com::ReadDoubles(value)) text << element << ' ';
+    return text.str();
+  }
+  Variant text;
+  return FAILED(VariantChangeType(text.Put(), const_cast<VARIANT*>(&value), 0, VT_BSTR))
+             ? "no text"
+             : com::ToUtf8(text.Get().bstrVal);
+}
+
+TEST(Dispatch, LeadsFromAUnitToAllItsObjects) {
+  const Ref<IDispatch> unit = MakeNoOperation();
+  EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
+  const Ref<IDispatch> ports = ObjectByName(unit.Get(), "ports");
+  ASSERT_TRUE(ports);
+  const Ref<IDispatch> inlet = ObjectByName(ports.Get(), "Item", {MakeString("Inlet").Get()});
+  ASSERT_TRUE(inlet);
+  EXPECT_EQ(TextOf(CallByName(inlet.Get(), "ComponentName", kGet).result.Get()), "Inlet");
+  EXPECT_EQ(CallByName(inlet.Get(), "componentNAME", kPut, {MakeString("Feed").Get()}).code, S_OK);
+  EXPECT_EQ(TextOf(CallByName(inlet.Get(), "COMPONENTNAME", kGet).result.Get()), "Feed");
+  EXPECT_EQ(TextOf(CallByName(ports.Get(), "count").result.Get()), "2");
+  EXPECT_EQ(CallByName(inlet.Get(), "Inlet").code, DISP_E_UNKNOWNNAME);
+}
+
+struct Put {
+  const char* parameter;
+  Variant given;
+  HRESULT outcome;
+  const char* text;  // the value afterwards, or why it was refused
+  VARTYPE type;      // of the value afterwards
+};
+
+TEST(Dispatch, TakesAScriptsFormsOfValues) {
+  const ParameterDeclaration kParameters[] = {
+      {.name = "Real", .description = "", .defaultValue = 0.5, .lowerBound = -10, .upperBound = 10},
+      {.name = "Integer",
+       .description = "",
+       .defaultValue = std::int32_t{1},
+       .lowerBound = -10,
+       .upperBound = 10},
+      {.name = "Option", .description = "", .defaultValue = "a", .options = {"a", "b"}},
+      {.name = "Boolean", .description = "", .defaultValue = false},
+      {.name = "Array", .description = "", .defaultValue = std::vector{1.0}},
+  };
+  const auto object = com::Make<TestUnit>(
+      UnitDeclaration{.name = "", .description = "", .ports = {}, .parameters = kParameters});
+  const auto unit = com::Query<IDispatch>(static_cast<ICapeUnit*>(object.Get()));
+  EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
+  const Ref<IDispatch> parameters = ObjectByName(unit.Get(), "parameters");
+  ASSERT_TRUE(parameters);
+  std::vector<Variant> numbers;
+  numbers.push_back(MakeShort(2));
+  numbers.push_back(MakeInteger(3));
+  const Put kPuts[] = {
+      {"Real", MakeShort(3), S_OK, "3", VT_R8},
+      {"Real", MakeInteger(-4), S_OK, "-4", VT_R8},
+      {"Real", MakeDouble(2.5), S_OK, "2.5", VT_R8},
+      {"Real", MakeInteger(11), DISP_E_EXCEPTION, "value out of bounds", VT_R8},
+      {"Real", MakeString("warm"), DISP_E_EXCEPTION, "invalid argument type", VT_R8},
+      {"Integer", MakeDouble(3.0), S_OK, "3", VT_I4},
+      {"Integer", MakeShort(-5), S_OK, "-5", VT_I4},
+      {"Integer", MakeDouble(2.5), DISP_E_EXCEPTION, "invalid argument type", VT_I4},
+      {"Integer", MakeDouble(1e10), DISP_E_EXCEPTION, "invalid argument type", VT_I4},
+      {"Option", MakeString("B"), S_OK, "B", VT_BSTR},
+      {"Option", MakeDouble(1.0), DISP_E_EXCEPTION, "invalid argument type", VT_BSTR},
+      {"Boolean", MakeBoolean(true), S_OK, "-1", VT_BOOL},
+      {"Boolean", MakeInteger(1), DISP_E_EXCEPTION, "invalid argument type", VT_BOOL},
+      {"Array", com::MakeVariants(numbers), S_OK, "2 3 ", VT_ARRAY | VT_VARIANT},
+      {"Array", MakeDouble(1.0), DISP_E_EXCEPTION, "invalid type for array parameter value",
+       VT_ARRAY | VT_VARIANT},
+  };
+  for (const Put& put : kPuts) {
+    SCOPED_TRACE(std::string(put.parameter) + " = " + TextOf(put.given.Get()));
+    const Ref<IDispatch> parameter =
+        ObjectByName(parameters.Get(), "Item", {MakeString(put.parameter).Get()});
+    ASSERT_TRUE(parameter);
+    const Outcome outcome = CallByName(parameter.Get(), "value", kPut, {put.given.Get()});
+    const Outcome value = CallByName(parameter.Get(), "value", kGet);
+    EXPECT_EQ(outcome.code, put.outcome);
+    EXPECT_EQ(FAILED(outcome.code) ? outcome.description : TextOf(value.result.Get()), put.text);
+    EXPECT_EQ(value.result.Get().vt, put.type);
+  }
+}
+
+TEST(Dispatch, HandsTextsBackHoweverAScriptPassesThem) {
+  const Ref<IDispatch> unit = MakeNoOperation();
+  EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
+  const std::string wanted = "not all material ports are connected";
+  EXPECT_EQ(TextOf(CallByName(unit.Get(), "Validate").result.Get()), "0") << "without an argument";
+  EXPECT_EQ(CallByName(unit.Get(), "Validate", kCall, {MakeString("by value").Get()}).code, S_OK);
+  Variant variable = MakeInteger(5);
+  VARIANT reference{};
+  reference.vt = VT_BYREF | VT_VARIANT;
+  reference.pvarVal = const_cast<VARIANT*>(&variable.Get());
+  EXPECT_EQ(CallByName(unit.Get(), "Validate", kCall, {reference}).code, S_OK);
+  EXPECT_EQ(TextOf(variable.Get()), wanted);
+  Variant named = MakeInteger(5);
+  reference.pvarVal = const_cast<VARIANT*>(&named.Get());
+  DISPID first = 0, validate = DISPID_UNKNOWN;
+  EXPECT_EQ(FindName(unit.Get(), "Validate", validate), S_OK);
+  DISPPARAMS byName{&reference, &first, 1, 1};
+  EXPECT_EQ(InvokeMember(unit.Get(), validate, kCall, byName).code, S_OK);
+  EXPECT_EQ(TextOf(named.Get()), wanted) << "by the argument's name";
+  BSTR text = com::ToBstr("old").Detach();
+  reference.vt = VT_BYREF | VT_BSTR;
+  reference.pbstrVal = &text;
+  EXPECT_EQ(CallByName(unit.Get(), "Validate", kCall, {reference}).code, S_OK);
+  EXPECT_EQ(com::ToUtf8(com::Bstr(text).Get()), wanted);
+  EXPECT_EQ(TextOf(CallByName(unit.Get(), "ProduceReport").result.Get()), wanted)
+      << "a text as the only result";
+}
+
+TEST(Dispatch, ExplainsFailures) {
+  const Ref<IDispatch> unit = MakeNoOperation();
+  const Outcome outcome = CallByName(unit.Get(), "Calculate");
+  EXPECT_EQ(outcome.code, DISP_E_EXCEPTION);
+  EXPECT_EQ(outcome.description, "Initialize not called");
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(unit.As<ICapeUnit>()->Calculate(), static_cast<HRESULT>(0x80040501u));
+  Ref<IErrorInfo> error;
+  ASSERT_EQ(GetErrorInfo(0, error.Put()), S_OK);
+  com::Bstr description, source;
+  EXPECT_EQ(error->GetDescription(description.Put()), S_OK);
+  EXPECT_EQ(error->GetSource(source.Put()), S_OK);
+  EXPECT_EQ(com::ToUtf8(description.Get()), "Initialize not called");
+  EXPECT_EQ(com::ToUtf8(source.Get()), "NoOperation");
+  const auto support = unit.As<ISupportErrorInfo>();
+  ASSERT_TRUE(support);
+  for (const GUID& iid : {__uuidof(ICapeUnit), __uuidof(ICapeUtilities), __uuidof(ICapeUnitReport),
+                          __uuidof(ICapeIdentification)})
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(iid), S_OK) << com::ToText(iid);
+}
+
+struct Misuse {
+  const char* title;
+  const char* name;
+  WORD flags;
+  std::vector<LONG> arguments;
+  std::vector<DISPID> names = {};  // of the first of them
+};
+
+// With codes that differ between systems.
+TEST(Dispatch, RefusesMisuse) {
+  const Ref<IDispatch> unit = MakeNoOperation();
+  EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
+  const Ref<IDispatch> ports = ObjectByName(unit.Get(), "ports");
+  const Misuse kMisuses[] = {
+      {"too few", "Item", kCall, {}},
+      {"too many", "Item", kCall, {1, 2}},
+      {"too many for none", "Count", kCall, {1}},
+      {"unknown name of an argument", "Item", kCall, {1}, {7}},
+      {"put without a value", "selectedReport", kPut, {}},
+      {"put of a method", "Count", kPut, {1}, {DISPID_PROPERTYPUT}},
+      {"put of what is only read", "ports", kPut, {1}, {DISPID_PROPERTYPUT}},
+      {"too many for a text", "Validate", kCall, {1, 2}},
+      {"unknown name of a text", "Validate", kCall, {1}, {7}},
+      {"negative name of a text", "ProduceReport", kCall, {1}, {DISPID_PROPERTYPUT}},
+  };
+  for (const Misuse& misuse : kMisuses) {
+    SCOPED_TRACE(misuse.title);
+    DISPID id = DISPID_UNKNOWN;
+    IDispatch* object = SUCCEEDED(FindName(ports.Get(), misuse.name, id)) ? ports.Get() : unit.Get();
+    EXPECT_EQ(FindName(object, misuse.name, id), S_OK);
+    std::vector<VARIANT> arguments;
+    for (const LONG argument : misuse.arguments) arguments.push_back(MakeInteger(argument).Detach());
+    std::vector<DISPID> names = misuse.names;
+    DISPPARAMS parameters{arguments.data(), names.data(), static_cast<UINT>(arguments.size()),
+                          static_cast<UINT>(names.size())};
+    EXPECT_TRUE(FAILED(InvokeMember(object, id, misuse.flags, parameters).code));
+  }
+}
+
+TEST(Dispatch, RefusesIdentifiersThatAreNoMembers) {
+  const Ref<IDispatch> unit = MakeNoOperation();
+  constexpr DISPID kNoMembers[] = {DISPID_VALUE, DISPID_UNKNOWN, DISPID_NEWENUM, 1,
+                                   0x10000,      0x10099,        0x80001,        0x7fff0001};
+  for (const DISPID id : kNoMembers) {
+    DISPPARAMS none{};
+    EXPECT_EQ(InvokeMember(unit.Get(), id, kCall | kGet, none).code, DISP_E_MEMBERNOTFOUND) << std::hex << id;
+  }
+  DISPID id = 1;
+  EXPECT_EQ(unit->GetIDsOfNames(IID_NULL, nullptr, 1, LOCALE_USER_DEFAULT, &id), E_POINTER);
+  EXPECT_EQ(FindName(unit.Get(), "NoSuchMember", id), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(id, DISPID_UNKNOWN);
+}
+
+TEST(Dispatch, IsTheUnitItself) {
+  for (const server::UnitClass& unitClass : server::UnitClasses()) {
+    SCOPED_TRACE(unitClass.name);
+    const Ref<IUnknown> object = com::CreateObject(unitClass.clsid);
+    EXPECT_EQ(object.As<IDispatch>().As<IUnknown>().Get(), object.Get());
+    EXPECT_EQ(object.As<IDispatch>().As<ICapeUnit>().As<IUnknown>().Get(), object.Get());
+    EXPECT_EQ(object.As<ICapeUnit>().As<IDispatch>().Get(), object.As<IDispatch>().Get());
+    const auto provider = object.As<IProvideClassInfo>();
+    ASSERT_TRUE(provider);
+    Ref<ITypeInfo> info;
+    ASSERT_EQ(provider->GetClassInfo(info.Put()), S_OK);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+    EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
+    EXPECT_EQ(com::ToText(attributes->guid), com::ToText(unitClass.clsid));
+    info->ReleaseTypeAttr(attributes);
+  }
+}
+
+// A host that has an interface may call it by the standard's identifiers.
+TEST(Dispatch, AnswersByTheStandardsIdentifiersOnAnInterface) {
+  const auto unit = MakeNoOperation().As<ICapeUnit>();
+  EXPECT_EQ(unit.As<ICapeUtilities>()->Initialize(), S_OK);
+  BSTR text = nullptr;
+  VARIANT message{};
+  message.vt = VT_BYREF | VT_BSTR;
+  message.pbstrVal = &text;
+  DISPPARAMS parameters{&message, nullptr, 1, 0};
+  constexpr DISPID kValidate = 4;
+  const Outcome outcome = InvokeMember(unit.Get(), kValidate, kCall, parameters);
+  EXPECT_EQ(outcome.code, S_OK);
+  EXPECT_EQ(outcome.result.Get().vt, VT_BOOL);
+  EXPECT_EQ(com::ToUtf8(com::Bstr(text).Get()), "not all material ports are connected");
+  DISPID id = DISPID_UNKNOWN;
+  EXPECT_EQ(FindName(unit.Get(), "ComponentName", id), DISP_E_UNKNOWNNAME) << "of another interface";
+}
+
+}  // namespace
+}  // namespace morvelan::test
