@@ -28,6 +28,7 @@ HRESULT Automation::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
 
 HRESULT Automation::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) try {
   if (!names || !ids) return E_POINTER;
+  if (count == 0) return DISP_E_UNKNOWNNAME;
   const std::vector<Face> faces = owner.Faces();
   for (std::size_t i = 0; i < faces.size(); ++i) {
     if (FAILED(GetIdsOfNames(faces[i].iid, names, count, ids))) continue;
@@ -51,7 +52,7 @@ HRESULT Automation::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* 
   DISPPARAMS adapted = params ? *params : DISPPARAMS{};
   std::optional<Variant> value;
   VARIANT argument;
-  if ((flags & DISPATCH_PROPERTYPUT) && adapted.cArgs == 1)
+  if ((flags & DISPATCH_PROPERTYPUT) && adapted.cArgs == 1 && adapted.rgvarg)
     value = owner.AdaptPut(face.iid, own, adapted.rgvarg[0]);
   if (value) {
     argument = value->Get();

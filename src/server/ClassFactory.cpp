@@ -1,5 +1,6 @@
 #include "server/ClassFactory.h"
 
+#include <atomic>
 #include <new>
 
 #include "ui/MessageBox.h"
@@ -32,10 +33,18 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
 }
 
 HRESULT ClassFactory::LockServer(BOOL lock) {
-  if (lock)
+  static std::atomic<long> locks = 0;
+  if (lock) {
+    ++locks;
     ++com::ModuleUses();
-  else
-    --com::ModuleUses();
+    return S_OK;
+  }
+  // A host that unlocks once too often must not take away what keeps its objects' code loaded.
+  if (--locks < 0) {
+    ++locks;
+    return E_UNEXPECTED;
+  }
+  --com::ModuleUses();
   return S_OK;
 }
 

@@ -41,6 +41,12 @@ constexpr GUID kCategories[] = {
 };
 constexpr std::size_t kCategoriesWithoutThermodynamics = 2;
 
+/// The identifier without its vendor: unlike names it has no blanks.
+std::string HelpPage(const UnitClass& unitClass) {
+  const std::string progId = unitClass.progId;
+  return progId.substr(progId.find('.') + 1);
+}
+
 }  // namespace
 
 std::span<const UnitClass> UnitClasses() { return kUnitClasses; }
@@ -51,7 +57,7 @@ std::vector<DescriptionValue> DescriptionOf(const UnitClass& unitClass) {
           {"CapeVersion", "1.0"},
           {"ComponentVersion", MORVELAN_VERSION},
           {"VendorURL", kVendorUrl},
-          {"HelpURL", std::string(kVendorUrl) + "/units/" + unitClass.name},
+          {"HelpURL", std::string(kVendorUrl) + "/units/" + HelpPage(unitClass)},
           {"About", "MORVELAN, an open library of unit operations for process simulators"}};
 }
 

@@ -22,14 +22,15 @@ constexpr int kHostWithHiddenWindow = 1;
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   if (!object) return E_POINTER;
   *object = nullptr;
-  if (server::DetectHost() == kHostWithHiddenWindow) ui::SeekOwnerWindow();
-  for (const server::UnitClass& unitClass : server::UnitClasses()) {
-    if (!(unitClass.clsid == clsid)) continue;
-    try {
-      return com::Make<server::ClassFactory>(unitClass)->QueryInterface(iid, object);
-    } catch (const std::bad_alloc&) {
-      return E_OUTOFMEMORY;
-    }
+  try {
+    if (server::DetectHost() == kHostWithHiddenWindow) ui::SeekOwnerWindow();
+    for (const server::UnitClass& unitClass : server::UnitClasses())
+      if (unitClass.clsid == clsid)
+        return com::Make<server::ClassFactory>(unitClass)->QueryInterface(iid, object);
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_UNEXPECTED;
   }
   return CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -28,8 +28,9 @@ using com::Ref;
 
 /// A copy of the library, for this process holds the library itself.
 std::filesystem::path CopyOfLibrary() {
-  const std::filesystem::path copy = std::filesystem::path(MORVELAN_SCRATCH) / "module-life.dll";
-  std::filesystem::create_directories(copy.parent_path());
+  const std::filesystem::path folder = std::filesystem::absolute(MORVELAN_SCRATCH);
+  const std::filesystem::path copy = (folder / "module-life.dll").make_preferred();
+  std::filesystem::create_directories(folder);
   std::filesystem::remove(copy);
   std::filesystem::copy_file(MORVELAN_LIBRARY, copy);
   return copy;

@@ -59,15 +59,23 @@ struct TextArgument {
   Bstr text;
 };
 
+constexpr int kDeepestReference = 8;
+
 void HandBack(TextArgument& argument) {
-  if (!argument.given || !(argument.given->vt & VT_BYREF)) return;
+  VARIANT* target = argument.given;
+  // A variable that was itself passed on by reference.
+  for (int depth = 0; depth < kDeepestReference && target && target->vt == (VT_BYREF | VT_VARIANT) &&
+                      target->pvarVal && (target->pvarVal->vt & VT_BYREF);
+       ++depth)
+    target = target->pvarVal;
+  if (!target || !(target->vt & VT_BYREF) || !target->byref) return;
   VARIANT text = MakeString(ToUtf8(argument.text.Get())).Detach();
-  if (argument.given->vt == (VT_BYREF | VT_VARIANT)) {
-    VariantClear(argument.given->pvarVal);
-    *argument.given->pvarVal = text;
-  } else if (argument.given->vt == (VT_BYREF | VT_BSTR)) {
-    SysFreeString(*argument.given->pbstrVal);
-    *argument.given->pbstrVal = text.bstrVal;
+  if (target->vt == (VT_BYREF | VT_VARIANT)) {
+    VariantClear(target->pvarVal);
+    *target->pvarVal = text;
+  } else if (target->vt == (VT_BYREF | VT_BSTR)) {
+    SysFreeString(*target->pbstrVal);
+    *target->pbstrVal = text.bstrVal;
   } else {
     VariantClear(&text);
   }
@@ -83,7 +91,8 @@ TextArgument TakeText(VARIANT* given) {
 
 /// Scripts read the elements of no other arrays than those of variants.
 void LoosenArray(VARIANT& result) {
-  if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT)) return;
+  if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(result.parray) != 1)
+    return;
   VARIANT loose = MakeVariants(ReadVariants(result)).Detach();
   VariantClear(&result);
   result = loose;
@@ -101,7 +110,8 @@ HRESULT InvokeWithTexts(const Function& function, const Ref<ITypeInfo>& info, vo
                         WORD flags, const DISPPARAMS& params, VARIANT* result, EXCEPINFO* exception,
                         UINT* argumentError) {
   const UINT count = function.ParameterCount();
-  if (params.cArgs > count) return DISP_E_BADPARAMCOUNT;
+  if (params.cArgs > count || params.cNamedArgs > params.cArgs || (params.cArgs > 0 && !params.rgvarg))
+    return DISP_E_BADPARAMCOUNT;
   for (UINT k = 0; k < params.cNamedArgs; ++k)
     if (static_cast<UINT>(params.rgdispidNamedArgs[k]) >= count) return DISP_E_PARAMNOTFOUND;
   std::vector<TextArgument> texts(count);
@@ -124,7 +134,8 @@ HRESULT InvokeWithTexts(const Function& function, const Ref<ITypeInfo>& info, vo
   }
   DISPPARAMS adapted{arguments.data(), nullptr, count, 0};
   const HRESULT hr = info->Invoke(target, member, flags, &adapted, result, exception, argumentError);
-  for (TextArgument& text : texts) HandBack(text);
+  if (SUCCEEDED(hr))
+    for (TextArgument& text : texts) HandBack(text);
   if (SUCCEEDED(hr) && result && textCount == 1 && !function.HasResult())
     for (UINT i = 0; i < count; ++i)
       if (function.ReplacesText(i)) *result = MakeString(ToUtf8(texts[i].text.Get())).Detach();
