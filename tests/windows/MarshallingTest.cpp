@@ -67,9 +67,14 @@ struct Parcel {
 /// Runs `visit` in a thread with an apartment of its own, while this apartment answers its calls.
 void InAnotherApartment(const std::function<void()>& visit) {
   const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  std::string failure;
   std::thread visitor([&] {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    visit();
+    try {
+      visit();
+    } catch (const std::exception& error) {
+      failure = error.what();
+    }
     CoUninitialize();
     SetEvent(done);
   });
@@ -79,6 +84,7 @@ void InAnotherApartment(const std::function<void()>& visit) {
   }
   visitor.join();
   CloseHandle(done);
+  EXPECT_EQ(failure, "");
 }
 
 /// What the standard's interfaces of a unit answer.

@@ -114,6 +114,15 @@ std::size_t GrowthOf(int repetitions, const std::function<void()>& body) {
 TEST(ModuleLife, LeavesNoMemoryBehindAUnit) {
   const LoadedLibrary library(CopyOfLibrary());
   EXPECT_LT(GrowthOf(300, [&] { UseUnit(library); }), 10'000u);
+  EXPECT_EQ(library.Call("DllCanUnloadNow"), S_OK);
+}
+
+/// The references that are held on the type library in a file, of which the system has one object at a time.
+ULONG TypeLibraryReferences(const std::filesystem::path& file) {
+  Ref<ITypeLib> types;
+  EXPECT_EQ(LoadTypeLibEx(file.c_str(), REGKIND_NONE, types.Put()), S_OK);
+  types->AddRef();
+  return types->Release() - 1;
 }
 
 DWORD NextThreadSlot() {
@@ -138,6 +147,7 @@ TEST(ModuleLife, LoadsAndUnloadsAnyNumberOfTimes) {
   constexpr std::size_t kRecord = 1000;
   EXPECT_LT(GrowthOf(300, loadAndUnload), 300 * kRecord);
   EXPECT_EQ(NextThreadSlot(), slot);
+  EXPECT_EQ(TypeLibraryReferences(file), 0u);
 }
 
 int CountThreads() {

@@ -151,7 +151,8 @@ RegistrySnapshot WithAnyTexts(RegistrySnapshot written, const RegistrySnapshot& 
 class RegistryTest : public testing::Test {
  protected:
   RegistryTest() {
-    EXPECT_EQ(library.Call("DllUnregisterServer"), S_OK);
+    // For the user, too: a run may have been interrupted.
+    for (const Scope& scope : kScopes) EXPECT_EQ(Install(false, scope), S_OK);
     for (const auto& [root, key] : Strangers())
       EXPECT_EQ(RegSetKeyValueW(root, com::ToBstr(key).Get(), L"theirs", REG_SZ, L"text", 10), ERROR_SUCCESS);
   }
