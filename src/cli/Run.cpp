@@ -1,7 +1,9 @@
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 
 #include "cli/Commands.h"
+#include "com/Program.h"
 #include "com/Text.h"
 #include "host/flowsheet/ResultJson.h"
 #include "host/flowsheet/ResultTable.h"
@@ -19,13 +21,25 @@ std::string JsonText(const host::Results& results) {
 void TellFailures(const host::Results& results) {
   for (const host::UnitResult& unit : results.units)
     if (unit.error) std::cerr << "morvelan: unit \"" << unit.name << "\": " << unit.error->Text() << '\n';
+  if (!results.problem.empty()) std::cerr << "morvelan: " << results.problem << '\n';
 }
+
+/// A line that is written over and over while a recycle is solved.
+void ShowProgress(int round, double change) {
+  std::cerr << "\rRecycle, round " << round << ": largest change " << std::setprecision(2) << std::scientific
+            << change << "  " << std::flush;
+}
+
+constexpr const char* kClearLine = "\r\x1b[K";
 
 }  // namespace
 
 int Run(const RunArguments& arguments, const std::filesystem::path& dataFolder) {
   const host::Flowsheet flowsheet = host::ReadFlowsheet(arguments.file, dataFolder);
-  host::FlowsheetRun run(flowsheet, arguments.options);
+  host::RunOptions options = arguments.options;
+  const bool shows = !arguments.quiet && com::Program::HasTerminal();
+  if (shows) options.progress = ShowProgress;
+  host::FlowsheetRun run(flowsheet, options);
   const bool toScreen = arguments.json == "-";
   std::ofstream json;
   if (!arguments.json.empty() && !toScreen) {
@@ -33,6 +47,7 @@ int Run(const RunArguments& arguments, const std::filesystem::path& dataFolder) 
     if (!json) throw std::runtime_error(arguments.json + ": the file cannot be written");
   }
   const host::Results results = run.Calculate();
+  if (shows) std::cerr << kClearLine;
   if (json.is_open()) {
     json << JsonText(results);
     json.close();

@@ -14,6 +14,9 @@ class Program {
   Program& operator=(const Program&) = delete;
   ~Program();
 
+  /// Whether somebody reads standard error as it is written.
+  [[nodiscard]] static bool HasTerminal();
+
   /// With the program's name first.
   [[nodiscard]] const std::vector<std::string>& Arguments() const { return arguments; }
 

@@ -38,6 +38,7 @@ class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   HRESULT InterfaceSupportsErrorInfo(REFIID) override { return S_OK; }
 
   [[nodiscard]] const std::string& ComponentName() const { return name; }
+  [[nodiscard]] const std::string& ComponentDescription() const { return description; }
   [[nodiscard]] const UnitError& LastError() const { return error; }
 
   /// Replaces all four texts.
@@ -45,6 +46,12 @@ class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
 
  protected:
   void* FindInterface(REFIID iid) override;
+  [[nodiscard]] GUID AutomationType() const override { return automationType; }
+
+  void SetIdentification(std::string objectName, std::string objectDescription) noexcept {
+    name = std::move(objectName);
+    description = std::move(objectDescription);
+  }
 
   /// Runs the body of an entry point and turns whatever it throws into this object's error and a failure
   /// code. The object lives until the body has ended, whatever the host releases meanwhile.
@@ -77,7 +84,6 @@ class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   void RecordCurrentException(std::string_view scope, std::string_view interfaceName) noexcept;
 
   // com::AutomationOwner
-  [[nodiscard]] GUID AutomationType() const override { return automationType; }
   [[nodiscard]] std::vector<com::Face> Faces() override;
   [[nodiscard]] IUnknown* Identity() override { return static_cast<ICapeIdentification*>(this); }
 

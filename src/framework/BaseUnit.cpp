@@ -1,5 +1,7 @@
 #include "framework/BaseUnit.h"
 
+#include <algorithm>
+
 #include "framework/CUnitInfoPort.h"
 #include "material/Names.h"
 #include "morvelan.h"
@@ -93,18 +95,21 @@ HRESULT BaseUnit::put_simulationContext(IDispatch* hostContext) {
 
 HRESULT BaseUnit::Initialize() {
   return Guard("Initialize", kUnitInterface, [&] {
-    if (!faceCreated) {
-      inlets.clear();
-      outlets.clear();
-      parameters.clear();
-      extraParameters.clear();
-      reports = Reports();
-      ForwardError("Initialize", kUnitInterface, [&] { CreateFace(); });
-      if (!pendingThermoVersion.empty()) ChooseThermoVersion(pendingThermoVersion);
-      faceCreated = true;
-    }
+    ForwardError("Initialize", kUnitInterface, [&] { EnsureFace(); });
     initialized = true;
   });
+}
+
+void BaseUnit::EnsureFace() {
+  if (faceCreated) return;
+  inlets.clear();
+  outlets.clear();
+  parameters.clear();
+  extraParameters.clear();
+  reports = Reports();
+  CreateFace();
+  if (!pendingThermoVersion.empty()) ChooseThermoVersion(pendingThermoVersion);
+  faceCreated = true;
 }
 
 HRESULT BaseUnit::Terminate() {
@@ -294,6 +299,28 @@ void BaseUnit::RemovePort(CUnitPort& port) {
     std::erase_if(*list, [&](const auto& own) { return own.Get() == &port; });
   removed->Orphan();
   ConnectionChanged();
+}
+
+void BaseUnit::ResizePorts(std::vector<com::Ref<CUnitPort>>& ports, std::size_t count,
+                           const PortDeclaration& declaration,
+                           const std::function<std::string(std::size_t)>& nameOf) {
+  while (ports.size() > count) RemovePort(*ports.back());
+  const auto isTaken = [&](const std::string& name) {
+    return std::ranges::any_of(
+        AllPorts(), [&](const auto& port) { return com::EqualNoCase(port->ComponentName(), name); });
+  };
+  while (ports.size() < count) {
+    std::size_t number = ports.size() + 1;
+    while (isTaken(nameOf(number))) ++number;  // a host may have renamed a port
+    const std::string name = nameOf(number);
+    PortDeclaration added = declaration;
+    added.name = name.c_str();
+    AddPort(added);
+  }
+}
+
+void BaseUnit::RequireIdle() const {
+  if (calculating) throw Failure("The unit can't be changed while it is calculated");
 }
 
 CParameter& BaseUnit::CreateParameter(const ParameterDeclaration& parameter) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,13 +13,14 @@
 #include "framework/Declarations.h"
 #include "framework/Reports.h"
 #include "framework/SimulationContext.h"
+#include "framework/UnitStream.h"
 
 namespace morvelan {
 
 /// Base of all units: what the host sees of a unit, and everything that runs around a unit's own validation
 /// and calculation. A concrete unit declares its ports and parameters and overrides the operations below.
-class BaseUnit
-    : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport, IProvideClassInfo> {
+class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport,
+                                        IProvideClassInfo, IPersistStream, IPersistStreamInit> {
  public:
   explicit BaseUnit(const UnitDeclaration& unitDeclaration);
   ~BaseUnit() override;
@@ -41,6 +43,14 @@ class BaseUnit
   HRESULT ProduceReport(BSTR* text) override;
   // IProvideClassInfo
   HRESULT GetClassInfo(ITypeInfo** info) override;
+
+  // IPersistStream and IPersistStreamInit
+  HRESULT GetClassID(CLSID* clsid) override;
+  HRESULT IsDirty() override;
+  HRESULT Load(IStream* stream) override;
+  HRESULT Save(IStream* stream, BOOL clearDirty) override;
+  HRESULT GetSizeMax(ULARGE_INTEGER* size) override;
+  HRESULT InitNew() override;
 
   /// Tells the unit under which class identifier hosts made it.
   void SetClassId(const CLSID& clsid) { classId = clsid; }
@@ -69,6 +79,14 @@ class BaseUnit
   /// known.
   virtual void OnCalculateDone(int, bool) {}
 
+  /// Writes what the unit keeps beyond its parameters; a result other than S_OK ends the save with it.
+  virtual HRESULT SaveUnit(UnitWriter&) { return S_OK; }
+  /// Reads what `SaveUnit` wrote, for a format version from 1 to 7, without a change to the unit; what is
+  /// returned makes the change and may not fail. Throws Failure.
+  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int) { return {}; }
+  /// Called when parameters were loaded, to bring in line what follows from them.
+  virtual void ParametersLoaded() { InputsChanged(); }
+
   // For the unit's own objects.
 
   /// Throws "Initialize not called" unless the unit is initialized.
@@ -95,6 +113,8 @@ class BaseUnit
   void ShowError(const std::string& text) const;
 
  protected:
+  void* FindInterface(REFIID iid) override;
+
   /// Creates the ports, parameters and reports of the declaration. A unit whose face varies adds to it.
   virtual void CreateFace();
 
@@ -102,6 +122,13 @@ class BaseUnit
   /// Disconnects a port and takes it from its list; the host may keep it, to no use.
   void RemovePort(CUnitPort& port);
   CParameter& CreateParameter(const ParameterDeclaration& parameter);
+
+  /// Throws while the unit is calculated.
+  void RequireIdle() const;
+  /// Adds or removes the last ports of a list until it has `count`; a new port is named by `nameOf` its
+  /// number, from 1. Ports that stay keep their names and connections.
+  void ResizePorts(std::vector<com::Ref<CUnitPort>>& ports, std::size_t count,
+                   const PortDeclaration& declaration, const std::function<std::string(std::size_t)>& nameOf);
 
   [[nodiscard]] CUnitPort& Inlet(std::size_t i) { return *inlets.at(i); }
   [[nodiscard]] CUnitPort& Outlet(std::size_t i) { return *outlets.at(i); }
@@ -139,6 +166,15 @@ class BaseUnit
     std::string fault;
     std::optional<Failure> failure;
   };
+
+  /// Creates the face unless it exists.
+  void EnsureFace();
+  void WriteParameters(UnitWriter& writer) const;
+  void WriteReports(UnitWriter& writer) const;
+  /// What a stream holds, read as a whole before the unit takes it over.
+  struct Saved;
+  [[nodiscard]] Saved ReadSaved(UnitReader& reader);
+  void TakeOver(Saved saved);
 
   // Validation
   [[nodiscard]] Verdict ValidateAll();

@@ -41,6 +41,14 @@ CParameter::CParameter(const ParameterDeclaration& declaration, BaseUnit* owner)
       restrictedToList(declaration.restrictedToList),
       unit(owner) {}
 
+CParameter::CParameter(ParameterRecord record, BaseUnit* owner)
+    : CParameter(ParameterDeclaration{.name = "", .description = "", .defaultValue = record.value}, owner) {
+  // The record has one default for all elements of an array.
+  if (auto* initial = std::get_if<std::vector<double>>(&defaultValue))
+    initial->assign(std::max<std::size_t>(initial->size(), 1), std::get<double>(record.defaultValue));
+  Restore(std::move(record));
+}
+
 template <class Body>
 HRESULT CParameter::Enter(std::string_view scope, Body&& body) {
   return Guard(scope, "ICapeParameter", [&] {
@@ -144,6 +152,38 @@ std::string CParameter::CheckCurrentValue() {
   std::string fault = Recorded("Validate", "ICapeParameter", [&] { return Check(value); });
   if (fault.empty()) valStatus = CAPE_VALID;
   return fault;
+}
+
+ParameterRecord CParameter::Record() const {
+  ParameterRecord record{.name = ComponentName(),
+                         .description = ComponentDescription(),
+                         .mode = mode,
+                         .flagWord = flagWord,
+                         .dimensionality = dimensionality,
+                         .value = value,
+                         .defaultValue = defaultValue,
+                         .lowerBound = lowerBound,
+                         .upperBound = upperBound,
+                         .options = options,
+                         .restrictedToList = restrictedToList};
+  if (const auto* initial = std::get_if<std::vector<double>>(&defaultValue))
+    record.defaultValue = initial->empty() ? lowerBound : initial->front();
+  return record;
+}
+
+void CParameter::Restore(ParameterRecord record) noexcept {
+  SetIdentification(std::move(record.name), std::move(record.description));
+  mode = record.mode;
+  flagWord = record.flagWord;
+  dimensionality = record.dimensionality;
+  // An array keeps its own initial elements: the record has the default of one.
+  if (Kind() != CAPE_ARRAY) defaultValue = std::move(record.defaultValue);
+  lowerBound = record.lowerBound;
+  upperBound = record.upperBound;
+  options = std::move(record.options);
+  restrictedToList = record.restrictedToList;
+  valStatus = CAPE_NOT_VALIDATED;
+  SetResult(std::move(record.value));
 }
 
 void CParameter::AppendFaces(std::vector<com::Face>& faces) {

@@ -7,6 +7,7 @@
 
 #include "framework/BaseObject.h"
 #include "framework/Declarations.h"
+#include "framework/ParameterRecord.h"
 #include "framework/ParameterValue.h"
 
 namespace morvelan {
@@ -24,6 +25,8 @@ class CParameter final
                              ICapeArrayParameterSpec> {
  public:
   CParameter(const ParameterDeclaration& declaration, BaseUnit* owner);
+  /// A parameter that a record describes.
+  CParameter(ParameterRecord record, BaseUnit* owner);
 
   // ICapeParameter
   HRESULT get_Specification(IDispatch** specification) override;
@@ -72,6 +75,9 @@ class CParameter final
   /// parameter's unit.
   void BindDouble(double* mirror);
   void SetMode(CapeParamMode newMode) { mode = newMode; }
+  /// A word that is saved with the parameter, for its unit to use.
+  [[nodiscard]] std::int32_t FlagWord() const { return flagWord; }
+  void SetFlagWord(std::int32_t word) { flagWord = word; }
   void SetOptions(std::vector<std::string> choices) { options = std::move(choices); }
   /// Stores a value that the unit gives: checked by nobody, and the unit stays as valid as it was.
   void SetResult(ParameterValue result);
@@ -79,6 +85,9 @@ class CParameter final
   void Put(ParameterValue newValue);
   /// Checks the current value and remembers the outcome; returns the fault, empty when valid.
   [[nodiscard]] std::string CheckCurrentValue();
+  [[nodiscard]] ParameterRecord Record() const;
+  /// Becomes what a record of its own kind says; the unit is not told.
+  void Restore(ParameterRecord record) noexcept;
   /// The unit is going; the parameter may stay with the host.
   void Orphan();
 
@@ -111,6 +120,7 @@ class CParameter final
   Dimensionality dimensionality;
   std::vector<std::string> options;
   bool restrictedToList;
+  std::int32_t flagWord = 0;
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
   bool isArrayMember = false;
   BaseUnit* unit;  // absent for array members and once the unit is gone

@@ -12,6 +12,11 @@ std::vector<std::string> Reports::Names() const {
   return names;
 }
 
+void Reports::Replace(std::vector<Report> others) noexcept {
+  reports = std::move(others);
+  if (selected > reports.size()) selected = 0;
+}
+
 bool Reports::Select(std::string_view name) {
   const auto names = Names();
   for (std::size_t i = 0; i < names.size(); ++i) {

@@ -23,7 +23,9 @@ class Reports {
   [[nodiscard]] bool Select(std::string_view name);
   [[nodiscard]] std::size_t Selected() const { return selected; }
   /// The named reports; index 0 here is report 1.
-  [[nodiscard]] std::vector<Report>& Named() { return reports; }
+  [[nodiscard]] const std::vector<Report>& Named() const { return reports; }
+  /// Puts other reports in place of the named ones; "Status" is selected when the selected one is gone.
+  void Replace(std::vector<Report> others) noexcept;
   /// A named report. Throws std::out_of_range.
   [[nodiscard]] Report& At(std::size_t index) { return reports.at(index - 1); }
 

@@ -1,7 +1,11 @@
 #include "server/ClassTable.h"
 
 #include "morvelan.h"
+#include "units/heat/CHeaterCooler.h"
+#include "units/pressure/CValve.h"
+#include "units/streams/CMixer.h"
 #include "units/streams/CNoOperation.h"
+#include "units/streams/CSplitter.h"
 
 namespace morvelan::server {
 namespace {
@@ -19,6 +23,36 @@ const UnitClass kUnitClasses[] = {
      .description = "NoOperation - Debug unit operation, copies inlet to outlet",
      .consumesThermodynamics = true,
      .create = Create<CNoOperation>},
+    {.clsid = __uuidof(::HeaterCooler),
+     .progId = "VELT_MORV.HeaterCooler",
+     .displayName = "HeaterCooler Class",
+     .name = "HeaterCooler",
+     .description = "Heater or cooler using heat duty or outlet temperature",
+     .consumesThermodynamics = true,
+     .create = Create<CHeaterCooler>},
+    {.clsid = __uuidof(::Mixer),
+     .progId = "VELT_MORV.Mixer",
+     .displayName = "Mixer Class",
+     .name = "Mixer",
+     .description =
+         "Mixer - unit operation to adiabatically mix 2 or more inlet streams into a single outlet",
+     .consumesThermodynamics = true,
+     .create = Create<CMixer>},
+    {.clsid = __uuidof(::Splitter),
+     .progId = "VELT_MORV.Splitter",
+     .displayName = "Splitter Class",
+     .name = "Splitter",
+     .description = "Splitter - unit operation to split input stream into 2 or more output streams using "
+                    "split fractions",
+     .consumesThermodynamics = true,
+     .create = Create<CSplitter>},
+    {.clsid = __uuidof(::Valve),
+     .progId = "VELT_MORV.Valve",
+     .displayName = "Valve Class",
+     .name = "Valve",
+     .description = "Valve. Model using pressure difference and pH flash.",
+     .consumesThermodynamics = true,
+     .create = Create<CValve>},
 };
 
 constexpr const char* kVendorUrl = "https://morvelan.example";

@@ -1,5 +1,8 @@
 #include "tests/cli/CommandRun.h"
 
+#include <gtest/gtest.h>
+
+#include <cmath>
 #include <fstream>
 #include <iterator>
 
@@ -29,6 +32,23 @@ FlowsheetOutcome RunFlowsheet(const std::string& text, const std::string& option
       RunCommand("run \"" + file.string() + "\" --json \"" + results.string() + "\" " + options), {}};
   if (std::filesystem::exists(results)) outcome.results = Json::parse(ReadFile(results));
   return outcome;
+}
+
+void ExpectSame(const Json& a, const Json& b, double tolerance, const std::string& what) {
+  ASSERT_EQ(a.is_number(), b.is_number()) << what;
+  if (a.is_number()) {
+    const double x = a.get<double>(), y = b.get<double>();
+    EXPECT_LE(std::abs(x - y), tolerance * std::max(std::abs(x), std::abs(y)))
+        << what << ": " << a << ", " << b;
+  } else if (a.is_object()) {
+    ASSERT_EQ(a.size(), b.size()) << what << ": " << a << ", " << b;
+    for (const auto& [key, value] : a.items()) {
+      ASSERT_TRUE(b.contains(key)) << what << '/' << key;
+      ExpectSame(value, b[key], tolerance, what + '/' + key);
+    }
+  } else {
+    EXPECT_EQ(a, b) << what;
+  }
 }
 
 }  // namespace morvelan::test

@@ -33,4 +33,7 @@ struct FlowsheetOutcome : CommandOutcome {
 };
 [[nodiscard]] FlowsheetOutcome RunFlowsheet(const std::string& text, const std::string& options = {});
 
+/// Expects equal texts and structure, and equal numbers within a relative tolerance.
+void ExpectSame(const Json& a, const Json& b, double tolerance, const std::string& what);
+
 }  // namespace morvelan::test

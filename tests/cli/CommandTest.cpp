@@ -39,7 +39,7 @@ TEST(Command, AnswersItsArguments) {
       {"--version", 0, {"morvelan 1."}, {}},
       {"units",
        0,
-       {"NAME", "PROGID", "VELT_MORV.NoOperation  {A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}",
+       {"NAME", "PROGID", "VELT_MORV.NoOperation", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}",
         "Debug unit operation"},
        {}},
       {"describe VELT_MORV.nooperation",
@@ -54,10 +54,7 @@ TEST(Command, AnswersItsArguments) {
       {"run x.json --thermo 1.2", 2, {}, {"1.2"}},
       {"run x.json --colour", 2, {}, {"--colour"}},
       {"run x.json y.json", 2, {}, {"y.json"}},
-      {"run \"" MORVELAN_EXAMPLES "/noop-two-phase-11.json\" --roundtrip",
-       2,
-       {},
-       {"saved", "IPersistStream"}},
+      {"run \"" MORVELAN_EXAMPLES "/noop-two-phase-11.json\" --roundtrip", 0, {"unit is solved"}, {}},
       {"run \"" MORVELAN_EXAMPLES "/noop-two-phase-11.json\" --json /no/such/folder/out.json",
        2,
        {},
@@ -86,7 +83,7 @@ struct ExampleNumber {
 
 // Of the two-phase gas: a flash by successive substitution with the 1976 Peng-Robinson equation, the enthalpy
 // from its departure function and the ideal gas integrated numerically, written apart from this library. The
-// rest follows from what a NoOperation does.
+// rest follows on paper from what the units do.
 const ExampleNumber kExampleNumbers[] = {
     {"noop-two-phase-10", "/streams/same gas/phases/Vapor/fraction", 0.8775059379624, 1e-9},
     {"noop-two-phase-10", "/streams/same gas/enthalpy", -5075.3714956228, 1e-6},
@@ -99,6 +96,12 @@ const ExampleNumber kExampleNumbers[] = {
     {"noop-phases-both", "/streams/liquid out/phases/Liquid/fraction", 1, 0},
     {"noop-phases-both", "/streams/no flow out/flow", 0, 0},
     {"noop-phases-both", "/streams/no flow out/temperature", 300, 0},
+    {"heater-duty", "/units/E-101/parameters/Heat duty", 2.5e6, 0},
+    {"heater-temperature", "/streams/cold gas/temperature", 245, 0},
+    {"heater-energy-stream", "/streams/as warm as it gets/temperature", 420, 0},
+    {"valve-joule-thomson", "/streams/to chiller/pressure", 2.5e5, 0},
+    {"mixer-hot-cold", "/streams/quenched/composition/n-heptane", 0.32, 1e-12},
+    {"splitter", "/streams/purge/flow", 5, 1e-12},
 };
 
 TEST(Command, RunsTheExamplesAsTheirReadmeSays) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "tests/cli/CommandRun.h"
 
 namespace morvelan::test {
@@ -68,24 +66,6 @@ std::string FlowsheetOf(const Feed& feed, const std::string& thermo) {
          R"(, "pressure": )" + Json(feed.P).dump() + R"(, "flow": )" + Json(feed.flow).dump() +
          R"(, "composition": )" + feed.composition +
          R"(}}, "units": {"N": {"class": "NoOperation", "ports": {"Inlet": "in", "Outlet": "out"}}}})";
-}
-
-/// Equal texts and structure, equal numbers within a relative tolerance.
-void ExpectSame(const Json& a, const Json& b, double tolerance, const std::string& what) {
-  ASSERT_EQ(a.is_number(), b.is_number()) << what;
-  if (a.is_number()) {
-    const double x = a.get<double>(), y = b.get<double>();
-    EXPECT_LE(std::abs(x - y), tolerance * std::max(std::abs(x), std::abs(y)))
-        << what << ": " << a << ", " << b;
-  } else if (a.is_object()) {
-    ASSERT_EQ(a.size(), b.size()) << what << ": " << a << ", " << b;
-    for (const auto& [key, value] : a.items()) {
-      ASSERT_TRUE(b.contains(key)) << what << '/' << key;
-      ExpectSame(value, b[key], tolerance, what + '/' + key);
-    }
-  } else {
-    EXPECT_EQ(a, b) << what;
-  }
 }
 
 void ExpectAsListed(const Json& stream, const Feed& feed) {

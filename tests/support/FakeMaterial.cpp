@@ -44,16 +44,26 @@ HRESULT FakeMaterial::Read(com::Name property, com::Name phase, com::Name basis,
   if (name == "fraction") return script->Answer(com::MakeDoubles(state.fractions), values);
   double overall = 0;
   for (const FakePhase& candidate : state.phases) {
-    const auto found = candidate.properties.find(name);
-    const double value = name == "phasefraction"               ? candidate.fraction
-                         : found == candidate.properties.end() ? 0
-                                                               : found->second;
+    const double value = ValueIn(candidate, name);
     if (Lower(phase) != "overall" && com::EqualNoCase(candidate.label, com::ToUtf8(phase)))
       return give(value);
     overall += candidate.fraction * value;
   }
   if (Lower(phase) != "overall" || Lower(basis) != "mole") return kNotAvailable;
   return give(overall);
+}
+
+double FakeMaterial::ValueIn(const FakePhase& phase, const std::string& property) const {
+  if (property == "phasefraction") return phase.fraction;
+  if (property == "enthalpy" && state.heatCapacity != 0) return state.heatCapacity * state.temperature;
+  const auto found = phase.properties.find(property);
+  return found == phase.properties.end() ? 0 : found->second;
+}
+
+void FakeMaterial::Flash(std::string specifications, bool givenEnthalpy) {
+  state.flash = std::move(specifications);
+  if (givenEnthalpy && state.heatCapacity != 0)
+    state.temperature = state.written.at("enthalpy").at(0) / state.heatCapacity;
 }
 
 HRESULT FakeMaterial::Write(com::Name property, const VARIANT& values) {
@@ -122,7 +132,8 @@ HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcT
 
 HRESULT FakeMaterial::CalcEquilibrium(BSTR flashType, VARIANT props) {
   const HRESULT hr = script->Call("CalcEquilibrium", {}, {flashType, props});
-  if (script->recording) state.flash = com::ToUtf8(flashType);
+  const std::string type = com::ToUtf8(flashType);
+  if (script->recording) Flash(type, SUCCEEDED(hr) && type == "PH");
   return hr;
 }
 
@@ -209,7 +220,8 @@ HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR soluti
     const auto texts = com::ReadStrings(specification);
     return texts.at(0) + "/" + texts.at(1) + "/" + texts.at(2);
   };
-  state.flash = describe(first) + ", " + describe(second) + ", " + com::ToUtf8(solutionType);
+  Flash(describe(first) + ", " + describe(second) + ", " + com::ToUtf8(solutionType),
+        SUCCEEDED(hr) && describe(second) == "enthalpy//Overall");
   return hr;
 }
 

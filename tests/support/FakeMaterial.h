@@ -32,6 +32,9 @@ struct FakeState {
   std::vector<double> molecularWeights = {16, 30};
   std::vector<FakePhase> phases = {{"Vapor", "Vapor", 0.4, {{"enthalpy", 1000}, {"volume", 0.02}}},
                                    {"Liquid", "Liquid", 0.6, {{"enthalpy", -500}, {"volume", 0.0001}}}};
+  /// [J/(mol K)]; unless it is zero, the enthalpy of every phase is this times the temperature, and a flash
+  /// that is given an enthalpy finds the temperature.
+  double heatCapacity = 0;
   /// Under thermo 1.1: the status of each phase; empty for all at equilibrium.
   std::vector<std::int32_t> statuses = {};
   /// Says that it made a copy, and gives none.
@@ -121,6 +124,8 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
   HRESULT Write(com::Name property, const VARIANT& values);
   HRESULT Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values);
   HRESULT Labels(bool withOverall, VARIANT* labels);
+  [[nodiscard]] double ValueIn(const FakePhase& phase, const std::string& property) const;
+  void Flash(std::string specifications, bool givenEnthalpy);
 };
 
 }  // namespace morvelan::test

@@ -36,6 +36,11 @@ class TestUnit final : public BaseUnit {
     done = std::pair(compoundCount, success);
     if (onDone) onDone();
   }
+  HRESULT SaveUnit(UnitWriter& writer) override { return onSave ? onSave(writer) : S_OK; }
+  std::function<void()> LoadUnit(UnitReader& reader, int version) override {
+    loadedVersion = version;
+    return onLoad ? onLoad(reader) : nullptr;
+  }
 
   // What a derived unit may use.
   using BaseUnit::AddReportText;
@@ -56,6 +61,8 @@ class TestUnit final : public BaseUnit {
   int thermoVersionIndex = 0;
   std::function<void()> onInputsChanged;
   std::function<void()> onDone;
+  std::function<HRESULT(UnitWriter&)> onSave;
+  std::function<std::function<void()>(UnitReader&)> onLoad;
   std::function<bool(std::string&)> onValidate;
   std::function<void(std::optional<com::Name>&)> onCalculate;
   std::function<bool(const CParameter&, std::string&, const ParameterValue&)> onParameterValue;
@@ -64,6 +71,7 @@ class TestUnit final : public BaseUnit {
   int inputChanges = 0;
   std::vector<std::size_t> requested;
   int calculatedCount = -99;
+  int loadedVersion = -99;
   std::optional<std::pair<int, bool>> done;
 };
 

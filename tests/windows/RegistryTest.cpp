@@ -36,6 +36,15 @@ struct ExpectedClass {
 constexpr ExpectedClass kClasses[] = {
     {"{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}", "VELT_MORV.NoOperation", "NoOperation Class", "NoOperation",
      "NoOperation - Debug unit operation, copies inlet to outlet", true},
+    {"{06C53883-13C3-49B7-A55F-039286EA0119}", "VELT_MORV.HeaterCooler", "HeaterCooler Class", "HeaterCooler",
+     "Heater or cooler using heat duty or outlet temperature", true},
+    {"{840B2531-CC47-447D-9118-D5AAFC9945F6}", "VELT_MORV.Mixer", "Mixer Class", "Mixer",
+     "Mixer - unit operation to adiabatically mix 2 or more inlet streams into a single outlet", true},
+    {"{D814E188-6E48-4B6F-925B-CDDD70C1120F}", "VELT_MORV.Splitter", "Splitter Class", "Splitter",
+     "Splitter - unit operation to split input stream into 2 or more output streams using split fractions",
+     true},
+    {"{F297F178-F798-4713-A70A-EB3A548B7727}", "VELT_MORV.Valve", "Valve Class", "Valve",
+     "Valve. Model using pressure difference and pH flash.", true},
 };
 
 struct Category {

@@ -65,6 +65,19 @@ struct IStream : ISequentialStream {
 };
 __CRT_UUID_DECL(IStream, 0x0000000c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
+struct IPersist : IUnknown {
+  virtual HRESULT GetClassID(CLSID* clsid) = 0;
+};
+__CRT_UUID_DECL(IPersist, 0x0000010c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+struct IPersistStream : IPersist {
+  virtual HRESULT IsDirty() = 0;
+  virtual HRESULT Load(IStream* stream) = 0;
+  virtual HRESULT Save(IStream* stream, BOOL clearDirty) = 0;
+  virtual HRESULT GetSizeMax(ULARGE_INTEGER* size) = 0;
+};
+__CRT_UUID_DECL(IPersistStream, 0x00000109, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
 EXTERN_C void* CoTaskMemAlloc(std::size_t size);
 EXTERN_C void CoTaskMemFree(void* memory);
 

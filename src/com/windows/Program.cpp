@@ -20,4 +20,9 @@ Program::Program(int, char**) {
 
 Program::~Program() { CoUninitialize(); }
 
+bool Program::HasTerminal() {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
 }  // namespace morvelan::com

@@ -56,6 +56,7 @@ struct UnitSpecification {
   Place place;
   std::vector<Connection> connections;
   std::vector<Setting> settings;
+  std::optional<JsonNode> configuration;
 };
 
 /// A flowsheet file, read and checked as far as that goes without its units.

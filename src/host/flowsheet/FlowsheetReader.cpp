@@ -59,7 +59,8 @@ UnitSpecification ReadUnit(const std::string& name, const JsonNode& node) {
                          .classPlace = node.At("class").Where(),
                          .place = node.Where(),
                          .connections = {},
-                         .settings = {}};
+                         .settings = {},
+                         .configuration = {}};
   if (const auto ports = node.Find("ports"))
     for (const auto& [port, stream] : ports->Members()) {
       unit.connections.push_back({port, stream.Text(), stream.Where()});
@@ -69,7 +70,7 @@ UnitSpecification ReadUnit(const std::string& name, const JsonNode& node) {
     for (const auto& [parameter, value] : parameters->Members()) unit.settings.push_back({parameter, value});
   if (const auto configuration = node.Find("configuration");
       configuration && !configuration->Members().empty())
-    configuration->Fail("this build has no unit that takes a configuration");
+    unit.configuration = configuration;
   return unit;
 }
 

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <utility>
 
 #include "com/Text.h"
+#include "host/flowsheet/AndersonMixing.h"
 #include "host/flowsheet/Nearest.h"
+#include "host/flowsheet/TearStream.h"
+#include "host/thermo/NumberText.h"
 #include "host/unit/DimensionSymbol.h"
 #include "host/unit/ParameterSetting.h"
 
@@ -52,6 +57,15 @@ HostedUnit CreateUnit(const UnitSpecification& specification, const com::Publish
   }
 }
 
+void Configure(HostedUnit& unit, const UnitSpecification& specification) {
+  if (!specification.configuration) return;
+  try {
+    unit.Configure(specification.configuration->Value().dump());
+  } catch (const std::runtime_error& error) {
+    specification.configuration->Fail(error.what());
+  }
+}
+
 /// The unit's ports that the file connects, checked.
 std::vector<const UnitPort*> ConnectedPorts(const UnitSpecification& unit,
                                             const std::vector<UnitPort>& ports) {
@@ -68,17 +82,80 @@ std::vector<const UnitPort*> ConnectedPorts(const UnitSpecification& unit,
   return connected;
 }
 
+struct ParameterSetting {
+  const UnitParameter* parameter;
+  const JsonNode* value;
+};
+
+/// The unit's parameters that the file sets, checked.
+std::vector<ParameterSetting> SettingsOf(const UnitSpecification& unit,
+                                         const std::vector<UnitParameter>& parameters) {
+  std::vector<ParameterSetting> settings;
+  for (const auto& setting : unit.settings) {
+    const UnitParameter* parameter = FindNamed(parameters, setting.parameter);
+    if (!parameter)
+      setting.value.Fail("the unit has no parameter \"" + setting.parameter + "\"; its parameters are " +
+                         Listed(NamesOf(parameters)));
+    if (std::ranges::find(settings, parameter, &ParameterSetting::parameter) != settings.end())
+      setting.value.Fail("parameter \"" + parameter->name + "\" is given twice");
+    settings.push_back({parameter, &setting.value});
+  }
+  return settings;
+}
+
+constexpr int kMostRounds = 100;
+constexpr double kRecycleTolerance = 1e-6;
+constexpr double kRecycleGoal = 1e-9;  // further, as long as it goes fast: then the balances close as well
+
+/// A torn stream from one round to the next.
+class Tear {
+ public:
+  explicit Tear(MaterialState& torn) : material(torn), assumed(TearState::Of(torn)), scale(assumed) {}
+
+  /// By how much the round's outcome differs from what was assumed.
+  [[nodiscard]] double Compare() {
+    found = TearState::Of(material);
+    return found.DistanceFrom(assumed);
+  }
+
+  /// Assumes a state for the next round; the outcome of the last stands where there is no better one.
+  void Advance() {
+    if (found.flows.sum() <= 0 || scale.flows.sum() <= 0) {
+      assumed = scale = found;
+      mixing.Restart();
+      return;
+    }
+    try {
+      const TearState next =
+          TearState::FromScaled(mixing.Next(assumed.Scaled(scale), found.Scaled(scale)), scale);
+      next.Impose(material);
+    } catch (const std::exception&) {
+      mixing.Restart();
+      found.Impose(material);
+    }
+    assumed = TearState::Of(material);
+  }
+
+ private:
+  MaterialState& material;
+  TearState assumed;
+  TearState scale;
+  TearState found;
+  AndersonMixing mixing;
+};
+
 }  // namespace
 
-FlowsheetRun::FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& options) : source(flowsheet) {
-  if (options.roundtrip)
-    throw std::runtime_error("units cannot be saved and restored yet: they offer no IPersistStream");
+FlowsheetRun::FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& runOptions)
+    : source(flowsheet), options(runOptions) {
   const auto chosen = options.thermoInterface ? options.thermoInterface : flowsheet.thermoInterface;
   offer = chosen.value_or(ThermoOffer::k11);
   context = com::Make<SimulationContext>(options.simplified, DefaultVersion(chosen));
   CreateUnits();
+  PlanNetwork();
   ConnectUnits();
-  ConfigureUnits();
+  PutParameters();
+  if (options.roundtrip) RestoreUnits();
   FlashFeeds();
 }
 
@@ -88,56 +165,70 @@ void FlowsheetRun::CreateUnits() {
   for (const UnitSpecification& specification : source.units) {
     com::PublishedClass unitClass = ClassOf(specification, classes);
     HostedUnit unit = CreateUnit(specification, unitClass, dispatch.Get());
+    Configure(unit, specification);
     std::vector<UnitPort> ports = unit.Ports();
     units.push_back({&specification, std::move(unitClass), std::move(unit), std::move(ports)});
   }
 }
 
-void FlowsheetRun::ConnectUnits() {
-  std::vector<NetworkConnection> connections;
-  std::vector<const UnitPort*> targets;
+void FlowsheetRun::PlanNetwork() {
   for (std::size_t i = 0; i < units.size(); ++i) {
     const UnitSpecification& specification = *units[i].specification;
     const auto ports = ConnectedPorts(specification, units[i].ports);
-    for (std::size_t j = 0; j < ports.size(); ++j) {
-      const auto& connection = specification.connections[j];
+    for (std::size_t j = 0; j < ports.size(); ++j)
       connections.push_back({.unit = i,
-                             .stream = connection.stream,
+                             .port = ports[j]->name,
+                             .stream = specification.connections[j].stream,
                              .direction = ports[j]->direction,
                              .type = ports[j]->type,
                              .items = ports[j]->items,
-                             .place = connection.place});
-      targets.push_back(ports[j]);
-    }
+                             .place = specification.connections[j].place});
   }
   network = BuildNetwork(source, connections);
   for (const NetworkStream& stream : network.streams) streams.emplace_back(stream, source.package, offer);
-  for (std::size_t i = 0; i < connections.size(); ++i) {
-    const auto stream = streams[network.Find(connections[i].stream)].Dispatch();
-    const HRESULT outcome = targets[i]->object->Connect(stream.Get());
+}
+
+void FlowsheetRun::ConnectUnits() {
+  for (const NetworkConnection& connection : connections) {
+    const UnitPort* port = FindNamed(units[connection.unit].ports, connection.port);
+    if (!port)
+      throw FlowsheetError(connection.place, "the restored unit has no port \"" + connection.port + '"');
+    const auto stream = streams[network.Find(connection.stream)].Dispatch();
+    const HRESULT outcome = port->object->Connect(stream.Get());
     if (FAILED(outcome))
-      throw FlowsheetError(connections[i].place,
-                           "the port refuses stream \"" + connections[i].stream +
-                               "\": " + FaultOf(targets[i]->object.Get(), outcome).Text());
+      throw FlowsheetError(connection.place, "the port refuses stream \"" + connection.stream +
+                                                 "\": " + FaultOf(port->object.Get(), outcome).Text());
   }
 }
 
 /// After connecting, as connecting a material sets the version of the thermodynamic interfaces to use.
-void FlowsheetRun::ConfigureUnits() {
+void FlowsheetRun::PutParameters() {
   for (const RunUnit& unit : units) {
     const std::vector<UnitParameter> parameters = unit.unit.Parameters();
-    std::vector<const UnitParameter*> set;
-    for (const auto& setting : unit.specification->settings) {
-      const UnitParameter* parameter = FindNamed(parameters, setting.parameter);
-      if (!parameter)
-        setting.value.Fail("the unit has no parameter \"" + setting.parameter + "\"; its parameters are " +
-                           Listed(NamesOf(parameters)));
-      if (std::ranges::find(set, parameter) != set.end())
-        setting.value.Fail("parameter \"" + parameter->name + "\" is given twice");
-      set.push_back(parameter);
-      PutParameter(*parameter, setting.value);
-    }
+    const auto settings = SettingsOf(*unit.specification, parameters);
+    // Options first, in whatever order the file has them: they decide which of the others are specifications.
+    for (const bool options : {true, false})
+      for (const auto& [parameter, value] : settings)
+        if ((parameter->kind == CAPE_OPTION) == options) PutParameter(*parameter, *value);
   }
+}
+
+void FlowsheetRun::RestoreUnits() {
+  const auto dispatch = context.As<IDispatch>();
+  std::vector<RunUnit> saved = std::move(units);
+  units.clear();
+  for (RunUnit& run : saved) try {
+      HostedUnit restored(run.unitClass, *run.unit.Save());
+      restored.SetName(run.specification->name);
+      restored.SetContext(dispatch.Get());
+      std::vector<UnitPort> ports = restored.Ports();
+      units.push_back({run.specification, run.unitClass, std::move(restored), std::move(ports)});
+    } catch (const std::runtime_error& error) {
+      throw FlowsheetError(run.specification->place,
+                           std::string("the unit cannot be saved and restored: ") + error.what());
+    }
+  saved.clear();  // lets go of the streams
+  ConnectUnits();
 }
 
 void FlowsheetRun::FlashFeeds() {
@@ -159,15 +250,15 @@ Results FlowsheetRun::Calculate() {
                   .streams = {},
                   .missingStreams = {},
                   .units = std::vector<UnitResult>(units.size()),
-                  .log = {}};
+                  .log = {},
+                  .problem = {}};
   for (std::size_t i = 0; i < source.package->CompoundCount(); ++i)
     results.compounds.push_back(source.package->CompoundAt(i).name);
   std::vector<bool> solved(units.size(), false);
-  for (const std::size_t i : network.order) {
-    results.units[i] = CalculateUnit(i, solved);
-    solved[i] = results.units[i].solved;
-    results.solved = results.solved && solved[i];
-  }
+  if (network.tears.empty())
+    CalculateUnits(results, solved);
+  else
+    CloseRecycles(results, solved);
   for (std::size_t i = 0; i < streams.size(); ++i) {
     const NetworkStream& stream = network.streams[i];
     if (!stream.source || solved[*stream.source])
@@ -177,6 +268,38 @@ Results FlowsheetRun::Calculate() {
   }
   results.log = context->Lines();
   return results;
+}
+
+bool FlowsheetRun::CalculateUnits(Results& results, std::vector<bool>& solved) {
+  results.solved = true;
+  for (const std::size_t i : network.order) {
+    results.units[i] = CalculateUnit(i, solved);
+    solved[i] = results.units[i].solved;
+    results.solved = results.solved && solved[i];
+  }
+  return results.solved;
+}
+
+void FlowsheetRun::CloseRecycles(Results& results, std::vector<bool>& solved) {
+  std::vector<Tear> tears;
+  for (const std::size_t i : network.tears) tears.emplace_back(*streams[i].Material());
+  double change = std::numeric_limits<double>::infinity();
+  for (int round = 1; round <= kMostRounds; ++round) {
+    context->ForgetLines();
+    for (const std::size_t i : network.tears)
+      solved[*network.streams[i].source] = true;  // the guess stands for it
+    if (!CalculateUnits(results, solved)) return;
+    const double previous = std::exchange(change, 0);
+    for (Tear& tear : tears) change = std::max(change, tear.Compare());
+    if (options.progress) options.progress(round, change);
+    if (change <= kRecycleGoal || (change <= kRecycleTolerance && change > previous / 2)) return;
+    for (Tear& tear : tears) tear.Advance();
+  }
+  if (change <= kRecycleTolerance) return;
+  results.solved = false;
+  results.problem = "the recycle does not converge: after " + std::to_string(kMostRounds) +
+                    " rounds its streams still change by " + NumberText(change) +
+                    " relative; give another guess, or look for a loop without an outlet";
 }
 
 std::optional<UnitFault> FlowsheetRun::MissingFeed(std::size_t index, const std::vector<bool>& solved) const {

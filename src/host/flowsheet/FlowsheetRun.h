@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ struct RunOptions {
   std::optional<ThermoOffer> thermoInterface;  // instead of the file's
   bool simplified = false;                     // the host asks for simplified models
   bool roundtrip = false;                      // units are saved and restored before they calculate
+  /// Told of each round of a recycle: its number from 1, and by how much a torn stream still changes.
+  std::function<void(int, double)> progress = {};
 };
 
 /// A flowsheet with its units created, configured and connected.
@@ -26,8 +29,8 @@ class FlowsheetRun {
   /// keeps it from running. `flowsheet` must outlive this object.
   FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& options);
 
-  /// Calculates the units, each after those that feed it. A unit that fails keeps those behind it from being
-  /// calculated, and no others.
+  /// Calculates the units, each after those that feed it, and again until the recycles close. A unit that
+  /// fails keeps those behind it from being calculated, and no others.
   [[nodiscard]] Results Calculate();
 
  private:
@@ -39,19 +42,29 @@ class FlowsheetRun {
   };
 
   void CreateUnits();
+  /// Finds out what connects to what, and makes the streams.
+  void PlanNetwork();
   void ConnectUnits();
-  void ConfigureUnits();
+  void PutParameters();
+  /// Saves every unit and goes on with one that is restored.
+  void RestoreUnits();
   void FlashFeeds();
   /// Why a unit cannot be calculated after what happened to the units that feed it, if so.
   [[nodiscard]] std::optional<UnitFault> MissingFeed(std::size_t index,
                                                      const std::vector<bool>& solved) const;
+  /// Calculates every unit once; true when all are solved.
+  bool CalculateUnits(Results& results, std::vector<bool>& solved);
+  /// Calculates the units until the torn streams come out as they were assumed.
+  void CloseRecycles(Results& results, std::vector<bool>& solved);
   [[nodiscard]] UnitResult CalculateUnit(std::size_t index, const std::vector<bool>& solved);
   void ReadFace(HostedUnit& unit, UnitResult& result) const;
 
   const Flowsheet& source;
+  const RunOptions options;
   ThermoOffer offer;
   // Units let go of the streams and of the context before these go themselves.
   com::Ref<SimulationContext> context;
+  std::vector<NetworkConnection> connections;
   StreamNetwork network;
   std::vector<StreamObject> streams;
   std::vector<RunUnit> units;

@@ -79,6 +79,7 @@ struct Results {
   std::vector<std::string> missingStreams;
   std::vector<UnitResult> units;  // in the file's order
   std::vector<std::string> log;
+  std::string problem;  // what else keeps the flowsheet from being solved
 };
 
 }  // namespace morvelan::host

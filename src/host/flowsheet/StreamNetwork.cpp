@@ -40,18 +40,37 @@ void Connect(NetworkStream& stream, const NetworkConnection& connection, const F
   if (isOutlet || stream.items.empty()) stream.items = connection.items;
 }
 
-/// The units that feed each unit, by position.
-std::vector<std::vector<std::size_t>> Feeders(const StreamNetwork& network, std::size_t unitCount) {
-  std::vector<std::vector<std::size_t>> feeders(unitCount);
+using UnitLists = std::vector<std::vector<std::size_t>>;
+
+bool IsTear(const NetworkStream& stream) { return stream.listed && stream.source && stream.target; }
+
+/// The units that feed each unit, by position, but for those behind torn streams.
+UnitLists Feeders(const StreamNetwork& network, std::size_t unitCount) {
+  UnitLists feeders(unitCount);
   for (const NetworkStream& stream : network.streams)
-    if (stream.source && stream.target) feeders[*stream.target].push_back(*stream.source);
+    if (stream.source && stream.target && !IsTear(stream)) feeders[*stream.target].push_back(*stream.source);
   return feeders;
+}
+
+/// Whether what leaves unit `from` reaches unit `to`, torn streams included.
+bool Reaches(const StreamNetwork& network, std::size_t unitCount, std::size_t from, std::size_t to) {
+  std::vector<bool> reached(unitCount, false);
+  std::vector<std::size_t> open = {from};
+  while (!open.empty()) {
+    const std::size_t unit = open.back();
+    open.pop_back();
+    if (unit == to) return true;
+    if (reached[unit]) continue;
+    reached[unit] = true;
+    for (const NetworkStream& stream : network.streams)
+      if (stream.source == unit && stream.target) open.push_back(*stream.target);
+  }
+  return false;
 }
 
 /// The names of the units of a cycle among units that all have a feeder among them, in the streams'
 /// direction.
-std::vector<std::size_t> FindCycle(const std::vector<std::vector<std::size_t>>& feeders,
-                                   const std::vector<bool>& ordered) {
+std::vector<std::size_t> FindCycle(const UnitLists& feeders, const std::vector<bool>& ordered) {
   auto unit = static_cast<std::size_t>(std::ranges::find(ordered, false) - ordered.begin());
   std::vector<std::size_t> path;
   while (std::ranges::find(path, unit) == path.end()) {
@@ -69,7 +88,7 @@ std::vector<std::size_t> FindCycle(const std::vector<std::vector<std::size_t>>& 
   for (const std::size_t unit : cycle) units += '"' + flowsheet.units[unit].name + "\" -> ";
   throw FlowsheetError(flowsheet.units[cycle.front()].place,
                        "the recycle " + units + '"' + flowsheet.units[cycle.front()].name +
-                           "\" is not supported yet: streams must not lead back to a unit");
+                           "\" needs a guess: list one of its material streams under streams with a state");
 }
 
 /// The file's order, but for units that must wait for others.
@@ -88,6 +107,20 @@ std::vector<std::size_t> OrderUnits(const Flowsheet& flowsheet, const StreamNetw
     order.push_back(next);
   }
   return order;
+}
+
+/// A listed stream that comes from a unit is the guess of a recycle, or a mistake.
+void FindTears(StreamNetwork& network, const Flowsheet& flowsheet) {
+  for (std::size_t i = 0; i < network.streams.size(); ++i) {
+    const NetworkStream& stream = network.streams[i];
+    if (!stream.listed || !stream.source) continue;
+    if (!stream.target || stream.type != CAPE_MATERIAL ||
+        !Reaches(network, flowsheet.units.size(), *stream.target, *stream.source))
+      throw FlowsheetError(stream.listed->place, "the stream is an outlet of unit \"" +
+                                                     flowsheet.units[*stream.source].name +
+                                                     "\", which gives it its state; do not list it");
+    network.tears.push_back(i);
+  }
 }
 
 void CheckSources(const StreamNetwork& network, const std::vector<NetworkConnection>& connections) {
@@ -130,12 +163,8 @@ StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<Network
     Connect(network.streams[found], connection, flowsheet);
   }
   CheckSources(network, connections);
+  FindTears(network, flowsheet);
   network.order = OrderUnits(flowsheet, network);
-  for (const NetworkStream& stream : network.streams)
-    if (stream.listed && stream.source)
-      throw FlowsheetError(stream.listed->place, "the stream is an outlet of unit \"" +
-                                                     flowsheet.units[*stream.source].name +
-                                                     "\", which gives it its state; do not list it");
   return network;
 }
 

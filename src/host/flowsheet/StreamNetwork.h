@@ -13,6 +13,7 @@ namespace morvelan::host {
 /// A port of a unit and the stream that the file connects to it. Units are positions in Flowsheet::units.
 struct NetworkConnection {
   std::size_t unit = 0;
+  std::string port = {};
   std::string stream;
   CapePortDirection direction = CAPE_INLET;
   CapePortType type = CAPE_MATERIAL;
@@ -29,16 +30,18 @@ struct NetworkStream {
   std::vector<PortItem> items;                  // what an energy or information port says of its values
 };
 
-/// The streams of a flowsheet, and its units in an order in which each comes after those that feed it.
+/// The streams of a flowsheet, and its units in an order in which each comes after those that feed it, but
+/// for the streams at which recycles are torn.
 struct StreamNetwork {
   std::vector<NetworkStream> streams;  // those listed first, in the file's order
   std::vector<std::size_t> order;
+  std::vector<std::size_t> tears;  // material streams of recycles whose guess the file gives
 
   [[nodiscard]] std::size_t Find(const std::string& name) const;
 };
 
 /// Throws FlowsheetError for a stream of two sources or targets, of two types, without a source or a state,
-/// or with both, and for a recycle.
+/// or with both outside of a recycle, and for a recycle without a guess.
 [[nodiscard]] StreamNetwork BuildNetwork(const Flowsheet& flowsheet,
                                          const std::vector<NetworkConnection>& connections);
 

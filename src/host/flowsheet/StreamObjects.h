@@ -19,6 +19,8 @@ class StreamObject {
   /// Brings a material to equilibrium at its temperature and pressure. Throws std::exception.
   void Flash();
   [[nodiscard]] StreamResult Read() const;
+  /// A material's state; null for other streams.
+  [[nodiscard]] MaterialState* Material() { return material ? &material->State() : nullptr; }
 
  private:
   std::string name;

@@ -18,6 +18,8 @@ class SimulationContext final
 
   /// Logged lines and pop-up messages, in order.
   [[nodiscard]] const std::vector<std::string>& Lines() const { return lines; }
+  /// Drops the lines so far, for units that are about to tell all anew.
+  void ForgetLines() { lines.clear(); }
 
   // ICapeDiagnostic
   HRESULT PopUpMessage(BSTR message) override;

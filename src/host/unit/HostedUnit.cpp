@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "com/Text.h"
+#include "morvelan.h"
 
 namespace morvelan::host {
 namespace {
@@ -107,10 +108,19 @@ std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
   return find(isNamed);
 }
 
-HostedUnit::HostedUnit(const com::PublishedClass& unitClass)
+HostedUnit::HostedUnit(const com::PublishedClass& unitClass, Uninitialized)
     : object(com::CreateObject(unitClass.clsid)),
       unit(Require<ICapeUnit>(object, "ICapeUnit")),
-      utilities(Require<ICapeUtilities>(object, "ICapeUtilities")) {
+      utilities(Require<ICapeUtilities>(object, "ICapeUtilities")) {}
+
+HostedUnit::HostedUnit(const com::PublishedClass& unitClass) : HostedUnit(unitClass, Uninitialized()) {
+  Check(utilities->Initialize(), utilities.Get());
+}
+
+HostedUnit::HostedUnit(const com::PublishedClass& unitClass, IStream& saved)
+    : HostedUnit(unitClass, Uninitialized()) {
+  const auto persistence = Require<IPersistStream>(object, "IPersistStream");
+  Check(persistence->Load(&saved), persistence.Get());
   Check(utilities->Initialize(), utilities.Get());
 }
 
@@ -121,6 +131,21 @@ HostedUnit::~HostedUnit() {
 void HostedUnit::SetName(const std::string& name) {
   const auto identification = Require<ICapeIdentification>(object, "ICapeIdentification");
   Check(identification->put_ComponentName(com::ToBstr(name).Get()), identification.Get());
+}
+
+void HostedUnit::Configure(const std::string& configuration) {
+  const auto configurable = object.As<IUnitConfiguration>();
+  if (!configurable) throw std::runtime_error("the unit takes no configuration");
+  Check(configurable->SetConfiguration(com::ToBstr(configuration).Get()), configurable.Get());
+}
+
+com::Ref<IStream> HostedUnit::Save() const {
+  const auto persistence = Require<IPersistStream>(object, "IPersistStream");
+  com::Ref<IStream> stream;
+  if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()))) throw std::bad_alloc();
+  Check(persistence->Save(stream.Get(), TRUE), persistence.Get());
+  stream->Seek({}, STREAM_SEEK_SET, nullptr);
+  return stream;
 }
 
 void HostedUnit::SetContext(IDispatch* context) {

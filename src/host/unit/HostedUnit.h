@@ -51,12 +51,18 @@ class HostedUnit {
  public:
   /// Creates and initializes a unit. Throws std::runtime_error too.
   explicit HostedUnit(const com::PublishedClass& unitClass);
+  /// Creates a unit, restores it from what `Save` gave and initializes it.
+  HostedUnit(const com::PublishedClass& unitClass, IStream& saved);
   HostedUnit(HostedUnit&&) = default;
   HostedUnit& operator=(HostedUnit&&) = delete;
   /// Terminates the unit.
   ~HostedUnit();
 
   void SetName(const std::string& name);
+  /// Hands the unit a JSON object.
+  void Configure(const std::string& configuration);
+  /// What the unit keeps, from its beginning.
+  [[nodiscard]] com::Ref<IStream> Save() const;
   void SetContext(IDispatch* context);
   [[nodiscard]] std::vector<UnitPort> Ports() const;
   [[nodiscard]] std::vector<UnitParameter> Parameters() const;
@@ -66,6 +72,9 @@ class HostedUnit {
   [[nodiscard]] std::vector<UnitReport> Reports();
 
  private:
+  struct Uninitialized {};
+  HostedUnit(const com::PublishedClass& unitClass, Uninitialized);
+
   com::Ref<IUnknown> object;
   com::Ref<ICapeUnit> unit;
   com::Ref<ICapeUtilities> utilities;

@@ -81,7 +81,9 @@ std::string Options(const UnitParameter& parameter) {
 }  // namespace
 
 void PutParameter(const UnitParameter& parameter, const JsonNode& value) {
-  if (parameter.mode == CAPE_OUTPUT)
+  CapeParamMode mode = CAPE_INPUT;  // what it is now: options decide what the other parameters are
+  Check(parameter.object->get_Mode(&mode), parameter.object.Get());
+  if (mode == CAPE_OUTPUT)
     value.Fail("parameter \"" + parameter.name + "\" is a result of the unit and can't be set");
   const com::Variant variant = ToVariant(parameter.kind, value);
   const HRESULT outcome = parameter.object->put_value(variant.Get());

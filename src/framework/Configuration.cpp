@@ -1,0 +1,52 @@
+#include "framework/Configuration.h"
+
+#include <algorithm>
+
+namespace morvelan {
+namespace {
+
+std::string Listed(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "\"" : ", \"") + name + '"';
+  return text;
+}
+
+}  // namespace
+
+Json ParseConfiguration(const std::string& text, const Json& known) try {
+  Json configuration = Json::parse(text);
+  if (!configuration.is_object()) throw Failure("the configuration is no JSON object");
+  std::vector<std::string> names;
+  for (const auto& entry : known.items()) names.push_back(entry.key());
+  for (const auto& entry : configuration.items())
+    if (!known.contains(entry.key()))
+      throw Failure("unknown key \"" + entry.key() + "\" in the configuration; known are " + Listed(names));
+  return configuration;
+} catch (const Json::exception& error) {
+  throw Failure(std::string("the configuration can't be read: ") + error.what());
+}
+
+std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std::int32_t lowest,
+                                 std::int32_t highest, std::int32_t otherwise) {
+  const auto found = configuration.find(key);
+  if (found == configuration.end()) return otherwise;
+  // (Not as an integer at once: that would wrap around what is too large.)
+  const double number = found->is_number_integer() ? found->get<double>() : lowest - 1.0;
+  if (number < lowest || number > highest)
+    throw Failure(std::string("\"") + key + "\" of the configuration must be a whole number from " +
+                  std::to_string(lowest) + " to " + std::to_string(highest));
+  return static_cast<std::int32_t>(number);
+}
+
+std::size_t ReadConfiguredChoice(const Json& configuration, const char* key,
+                                 const std::vector<std::string>& choices, std::size_t otherwise) {
+  const auto found = configuration.find(key);
+  if (found == configuration.end()) return otherwise;
+  const auto choice =
+      found->is_string() ? std::ranges::find(choices, found->get<std::string>()) : choices.end();
+  if (choice == choices.end())
+    throw Failure(std::string("\"") + key + "\" of the configuration must be one of " + Listed(choices));
+  return static_cast<std::size_t>(choice - choices.begin());
+}
+
+}  // namespace morvelan

@@ -1,0 +1,88 @@
+#include "units/StreamUnit.h"
+
+#include <algorithm>
+
+#include "framework/ReportFormat.h"
+#include "material/Names.h"
+#include "material/Reading.h"
+
+namespace morvelan {
+namespace {
+
+constexpr std::string_view kScope = "Calculate";
+constexpr std::string_view kInterface = "ICapeUnit";
+constexpr std::size_t kLastRunReport = 1;
+
+constexpr double kLowestPressure = 1;              // [Pa]
+constexpr double kLowestSimplifiedPressure = 100;  // [Pa]
+constexpr double kSimplifiedDropFraction = 0.1;
+
+/// The one value of an overall property.
+double ReadOverall(const com::Variant& values) {
+  return material::ReadScalar(
+      values.Get(), [](const std::string&) { return Failure("expected a double array"); },
+      [] { return Failure("expected a double array with dimension of 1"); });
+}
+
+}  // namespace
+
+double StreamUnit::PressureAfterDrop(double inletPressure, double pressureDrop) const {
+  const double pressure = inletPressure - pressureDrop;
+  if (simplifiedModelRequested)
+    return std::max({kSimplifiedDropFraction * pressureDrop, kLowestSimplifiedPressure, pressure});
+  if (pressure > kLowestPressure) return pressure;
+  Warn(ComponentName() + " warning: limiting outlet pressure to 1 Pa");
+  return kLowestPressure;
+}
+
+double StreamUnit::EnthalpyFlow(CUnitPort& inlet) {
+  return ForwardError(kScope, kInterface, [&] {
+    return ReadOverall(inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+  });
+}
+
+double StreamUnit::FlashedEnthalpyFlow(CUnitPort& outlet) {
+  return ForwardError(kScope, kInterface, [&] {
+    return ReadOverall(
+        outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+  });
+}
+
+double StreamUnit::MolarEnthalpy(CUnitPort& inlet) {
+  return ForwardError(kScope, kInterface, [&] {
+    return ReadOverall(inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole));
+  });
+}
+
+double StreamUnit::StoredTemperature(CUnitPort& outlet) {
+  return ForwardError(kScope, kInterface, [&] {
+    return ReadOverall(outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(),
+                                      names::kNone, names::kNone));
+  });
+}
+
+void StreamUnit::SetMolarEnthalpy(CUnitPort& outlet, double enthalpy) {
+  ForwardError(kScope, kInterface, [&] {
+    outlet.SetProp(names::kEnthalpy, names::kOverall, com::Variant().Get(), names::kMixture, names::kMole,
+                   com::MakeDoubles(std::array{enthalpy}).Get());
+  });
+}
+
+void StreamUnit::Flash(CUnitPort& outlet, com::Name flashType) {
+  ForwardError(kScope, kInterface, [&] { outlet.CalcEquilibrium(flashType); });
+}
+
+void StreamUnit::StartReport() { SetReportText(kLastRunReport, "+++ specifications +++\r\n\r\n"); }
+
+void StreamUnit::ReportLine(const std::string& text) { AddReportText(kLastRunReport, text + "\r\n"); }
+
+void StreamUnit::ReportParameter(const CParameter& parameter) {
+  if (!simplifiedModelRequested) ReportLine(FormatParameter(parameter));
+}
+
+void StreamUnit::ReportOptionalParameters(std::span<const std::size_t> positions) {
+  AddReportText(kLastRunReport, "\r\n+++ optional parameters +++\r\n");
+  for (const std::size_t position : positions) ReportParameter(Parameter(position));
+}
+
+}  // namespace morvelan

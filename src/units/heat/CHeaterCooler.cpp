@@ -1,0 +1,278 @@
+#include "units/heat/CHeaterCooler.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "framework/ReportFormat.h"
+#include "material/Names.h"
+#include "material/Reading.h"
+
+namespace morvelan {
+namespace {
+
+enum Position : std::size_t { kType, kOutletTemperature, kHeatDuty, kPressureDrop, kThermoVersion };
+enum Type : std::size_t { kByHeatDuty, kByTemperature, kByEnergyInlet };
+enum Item : std::size_t { kWork, kTemperatureLow, kTemperatureHigh };
+
+constexpr const char* kHeatPortKey = "heatPort";
+// What the flag word of "Type" keeps in saved units.
+constexpr std::int32_t kHeatInletFlag = 0;
+constexpr std::int32_t kHeatOutletFlag = 1;
+
+constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double kTemperatureTolerance = 1e-6;  // [K]
+constexpr double kFlashNoise = 1e-9;            // of an enthalpy flow, relative
+
+constexpr PortDeclaration kPorts[] = {
+    {"Inlet", "Feed", CAPE_INLET},
+    {"Outlet", "Product", CAPE_OUTLET},
+    {"Heat", "Heat that is consumed or produced", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
+};
+
+const ParameterDeclaration kParameters[] = {
+    {.name = "Type",
+     .description = "Type of heat duty specification",
+     .defaultValue = "Heat duty",
+     .options = {"Heat duty", "Temperature", "Energy inlet"}},
+    {.name = "Outlet temperature",
+     .description = "Temperature of the product stream",
+     .defaultValue = 300.0,
+     .lowerBound = 0,
+     .upperBound = 1e10,
+     .dimensionality = kTemperatureDimension},
+    {.name = "Heat duty",
+     .description = "Heat duty",
+     .defaultValue = 0.0,
+     .lowerBound = -1e20,
+     .upperBound = 1e20,
+     .dimensionality = kPowerDimension},
+    {.name = "Pressure drop",
+     .description = "Pressure drop along the unit",
+     .defaultValue = 0.0,
+     .lowerBound = 0,
+     .upperBound = 1e10,
+     .dimensionality = kPressureDropDimension},
+    ThermoVersionParameter(),
+};
+
+const UnitDeclaration kDeclaration = {
+    .name = "HeaterCooler",
+    .description = "Heater or cooler using heat duty or outlet temperature",
+    .about =
+        "The heater / cooler heats or cools a stream by a heat duty, to a temperature, or with the heat of "
+        "an energy stream",
+    .helpTopic = "heatercooler",
+    .ports = kPorts,
+    .parameters = kParameters,
+    .reports = kLastRun,
+};
+
+Failure CalculationFailure(std::string name, std::string description) {
+  return Failure(UnitError{std::move(name), std::move(description), "Calculate", "ICapeUnit"});
+}
+
+}  // namespace
+
+CHeaterCooler::CHeaterCooler() : Configurable(kDeclaration) {
+  checkConnections = false;  // the energy port is needed for one specification only
+}
+
+int CHeaterCooler::ThermoVersionParameterIndex() const { return kThermoVersion; }
+
+void CHeaterCooler::CreateFace() {
+  Configurable::CreateFace();
+  Parameter(kOutletTemperature).BindDouble(&outletTemperature);
+  Parameter(kHeatDuty).BindDouble(&heatDuty);
+  Parameter(kPressureDrop).BindDouble(&pressureDrop);
+  InputsChanged();
+}
+
+void CHeaterCooler::InputsChanged() {
+  const auto type = Parameter(kType).OptionIndex();
+  Parameter(kOutletTemperature).SetMode(type == kByTemperature ? CAPE_INPUT : CAPE_OUTPUT);
+  Parameter(kHeatDuty).SetMode(type == kByHeatDuty ? CAPE_INPUT : CAPE_OUTPUT);
+}
+
+bool CHeaterCooler::ValidateUnit(std::string& message) {
+  if (!Inlet(0).IsConnected() || !Outlet(0).IsConnected()) message = "not all material ports are connected";
+  return message.empty();
+}
+
+void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
+  const auto type = Parameter(kType).OptionIndex();
+  if (!type)
+    throw CalculationFailure(
+        "Invalid type",
+        "Invalid value for specification type: unable to determine outlet specification type");
+  StartReport();
+  HeatSource source{heatDuty, kUnknown, kUnknown};
+  if (type == kByEnergyInlet)
+    source = ReadEnergyStream();
+  else
+    ReportParameter(Parameter(type == kByHeatDuty ? kHeatDuty : kOutletTemperature));
+  ReportParameter(Parameter(kPressureDrop));
+  if (inlets.size() + outlets.size() != std::size(kPorts))
+    throw CalculationFailure("internal error", "internal error: heater / cooler should have 3 ports");
+
+  const material::StreamState& inlet = Inlet(0).State();
+  material::StreamState& outlet = Outlet(0).State();
+  outlet.composition = inlet.composition;
+  outlet.totalFlow = inlet.totalFlow;
+  outlet.pressure = PressureAfterDrop(inlet.pressure, pressureDrop);
+  const double duty = type == kByTemperature ? FindDuty() : HeatOutlet(source);
+  outletFlashSpec.reset();
+  if (type != kByTemperature) Parameter(kOutletTemperature).SetResult(outlet.temperature);
+  if (type != kByHeatDuty) Parameter(kHeatDuty).SetResult(duty);
+  if (HeatIsOutlet() && !std::isnan(duty))
+    ForwardError("Calculate", "ICapeUnit", [&] { HeatPort().WriteInformation(kWork, -duty); });
+
+  std::vector<std::size_t> remaining = {kType, kOutletTemperature, kHeatDuty, kThermoVersion};
+  if (type != kByEnergyInlet) std::erase(remaining, type == kByHeatDuty ? kHeatDuty : kOutletTemperature);
+  ReportOptionalParameters(remaining);
+}
+
+// ---- The energy port
+
+Json CHeaterCooler::Configuration() const { return {{kHeatPortKey, HeatIsOutlet() ? "outlet" : "inlet"}}; }
+
+void CHeaterCooler::Configure(const Json& configuration) {
+  PlaceHeatPort(ReadConfiguredChoice(configuration, kHeatPortKey, {"inlet", "outlet"}, HeatIsOutlet()) == 1);
+}
+
+void CHeaterCooler::ParametersLoaded() {
+  PlaceHeatPort(Parameter(kType).FlagWord() == kHeatOutletFlag);
+  Configurable::ParametersLoaded();
+}
+
+void CHeaterCooler::PlaceHeatPort(bool asOutlet) {
+  Parameter(kType).SetFlagWord(asOutlet ? kHeatOutletFlag : kHeatInletFlag);
+  if (asOutlet == HeatIsOutlet()) return;
+  PortDeclaration port = kPorts[2];
+  port.direction = asOutlet ? CAPE_OUTLET : CAPE_INLET;
+  RemovePort(HeatPort());
+  AddPort(port);
+}
+
+// ---- The energy stream
+
+CUnitInfoPort& CHeaterCooler::HeatPort() {
+  return dynamic_cast<CUnitInfoPort&>(HeatIsOutlet() ? Outlet(1) : Inlet(1));
+}
+
+CHeaterCooler::HeatSource CHeaterCooler::ReadEnergyStream() {
+  if (HeatIsOutlet() || !HeatPort().IsConnected())
+    throw CalculationFailure("Not connected", "Inlet energy port is not connected");
+  const double duty = ForwardError("Calculate", "ICapeUnit", [&] {
+    return material::ReadOr(
+        [&] { return com::ReadDouble(HeatPort().ReadInformation(kWork).Get()); },
+        [](const std::string& why) { return Failure("heat flow of the energy stream: " + why); });
+  });
+  HeatSource source{duty, ReadTemperature(kTemperatureLow), ReadTemperature(kTemperatureHigh)};
+  if (source.lowTemperature > source.highTemperature) {
+    WarnAs(" warning: Tlow and Thigh are reversed at inlet heat stream; reversing values");
+    std::swap(source.lowTemperature, source.highTemperature);
+  }
+  ReportEnergyStream(source);
+  return source;
+}
+
+double CHeaterCooler::ReadTemperature(std::size_t item) try {
+  if (!HeatPort().IsMatched(item)) return kUnknown;
+  const double temperature = com::ReadDouble(HeatPort().ReadInformation(item).Get());
+  return IsMissing(temperature) ? kUnknown : temperature;
+} catch (const std::exception& error) {
+  Warn(std::string("Warning: cannot do range check on temperature: ") + error.what());
+  return kUnknown;
+}
+
+void CHeaterCooler::ReportEnergyStream(const HeatSource& source) {
+  const bool hasRange = !std::isnan(source.lowTemperature);
+  ReportLine("Heat duty from inlet energy port: " + FormatValue(source.duty, kPowerDimension) +
+             (hasRange ? " between " + FormatValue(source.lowTemperature, kTemperatureDimension) + " and " +
+                             FormatValue(source.highTemperature, kTemperatureDimension)
+                       : " (no temperature range for heat transfer)"));
+}
+
+void CHeaterCooler::WarnAs(const std::string& text) const {
+  Warn("HeaterCooler \"" + ComponentName() + '"' + text);
+}
+
+// ---- Heating by a duty
+
+double CHeaterCooler::HeatOutlet(HeatSource source) {
+  material::StreamState& outlet = Outlet(0).State();
+  if (!(outlet.totalFlow > 0)) {
+    KeepInletTemperature();
+    return 0;
+  }
+  const double inletEnthalpyFlow = EnthalpyFlow(Inlet(0));
+  const Limit limit = LimitDuty(source, inletEnthalpyFlow);
+  if (!limit.reached) FlashWithDuty(source.duty, inletEnthalpyFlow);
+  WarnOfInfeasibility(source, limit.infeasible);
+  return source.duty;
+}
+
+void CHeaterCooler::KeepInletTemperature() {
+  Warn("WARNING: HeaterCooler " + ComponentName() + ": Zero flow; using zero heat duty");
+  Outlet(0).State().temperature = Inlet(0).State().temperature;
+  Flash(Outlet(0), names::kTP);
+}
+
+CHeaterCooler::Limit CHeaterCooler::LimitDuty(HeatSource& source, double inletEnthalpyFlow) try {
+  const bool heats = source.duty > 0;
+  if (std::isnan(source.lowTemperature) || (heats && std::isnan(source.highTemperature))) return {};
+  const double inletTemperature = Inlet(0).State().temperature;
+  Outlet(0).State().temperature = heats ? std::max(inletTemperature, source.highTemperature)
+                                        : std::min(inletTemperature, source.lowTemperature);
+  Flash(Outlet(0), names::kTP);
+  double limit = FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
+  // The sign of what is zero but for the flashes' tolerance must not decide.
+  if (std::abs(limit) <= kFlashNoise * (std::abs(inletEnthalpyFlow) + std::abs(source.duty))) limit = 0;
+  if (heats && limit < 0) return {.infeasible = true};
+  if (heats ? limit >= source.duty : limit <= source.duty) return {};
+  source.duty = limit;
+  WarnAs(" warning: heat duty is limited by energy stream temperature");
+  return {.reached = true};
+} catch (const Failure& failure) {
+  Warn("Warning: cannot do range check on temperature: " + failure.error.description);
+  return {};
+}
+
+void CHeaterCooler::FlashWithDuty(double duty, double inletEnthalpyFlow) {
+  material::StreamState& outlet = Outlet(0).State();
+  SetMolarEnthalpy(Outlet(0), (duty + inletEnthalpyFlow) / outlet.totalFlow);
+  Flash(Outlet(0), names::kPH);
+  outlet.temperature = StoredTemperature(Outlet(0));
+}
+
+void CHeaterCooler::WarnOfInfeasibility(const HeatSource& source, bool infeasible) const {
+  if (std::isnan(source.lowTemperature)) return;
+  const double inletTemperature = inlets[0]->State().temperature;
+  const double temperature = outlets[0]->State().temperature;
+  if (source.duty > 0) {
+    if (source.lowTemperature < inletTemperature - kTemperatureTolerance)
+      WarnAs(
+          " warning: inlet temperature is higher than lower energy stream temperature; this is infeasible");
+    if (infeasible && temperature - kTemperatureTolerance > source.highTemperature)
+      WarnAs(" warning: outlet temperature is higher than energy stream temperature; this is infeasible");
+  } else if (source.duty < 0 && source.highTemperature > inletTemperature + kTemperatureTolerance) {
+    WarnAs(" warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
+  }
+}
+
+// ---- Heating to a temperature
+
+double CHeaterCooler::FindDuty() {
+  Outlet(0).State().temperature = outletTemperature;
+  Flash(Outlet(0), names::kTP);
+  try {
+    const double inletEnthalpyFlow = EnthalpyFlow(Inlet(0));
+    return FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
+  } catch (const Failure&) {
+    Warn(ComponentName() + " unable to determine heat duty");
+    return kUnknown;
+  }
+}
+
+}  // namespace morvelan

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "framework/CUnitInfoPort.h"
+#include "framework/Configuration.h"
+#include "units/StreamUnit.h"
+
+namespace morvelan {
+
+/// Heats or cools a stream: by a heat duty, to an outlet temperature, or with the heat of an energy stream,
+/// whose temperatures limit how far. The configuration's "heatPort" makes the energy port an outlet, to which
+/// the heat is handed on that was taken from the stream.
+class CHeaterCooler final : public Configurable<StreamUnit> {
+ public:
+  CHeaterCooler();
+
+  [[nodiscard]] int ThermoVersionParameterIndex() const override;
+  [[nodiscard]] bool ValidateUnit(std::string& message) override;
+  void InputsChanged() override;
+  void ParametersLoaded() override;
+  void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
+
+ protected:
+  void CreateFace() override;
+  [[nodiscard]] Json Configuration() const override;
+  void Configure(const Json& configuration) override;
+
+ private:
+  /// Heat [W] offered to the stream, and the temperatures [K] between which an energy stream offers it; NaN
+  /// where it does not say.
+  struct HeatSource {
+    double duty;
+    double lowTemperature;
+    double highTemperature;
+  };
+
+  /// How far the temperatures of an energy stream let it heat or cool the stream.
+  struct Limit {
+    bool reached = false;
+    bool infeasible = false;
+  };
+
+  [[nodiscard]] bool HeatIsOutlet() const { return outlets.size() > 1; }
+  void PlaceHeatPort(bool asOutlet);
+  [[nodiscard]] CUnitInfoPort& HeatPort();
+  [[nodiscard]] HeatSource ReadEnergyStream();
+  [[nodiscard]] double ReadTemperature(std::size_t item);
+  void ReportEnergyStream(const HeatSource& source);
+  void WarnAs(const std::string& text) const;
+
+  /// Heats the outlet with the source and returns the duty [W] that it took up.
+  [[nodiscard]] double HeatOutlet(HeatSource source);
+  void KeepInletTemperature();
+  /// Brings the outlet to the temperature up to which the source can heat or cool; takes from the source what
+  /// it can't give.
+  [[nodiscard]] Limit LimitDuty(HeatSource& source, double inletEnthalpyFlow);
+  void FlashWithDuty(double duty, double inletEnthalpyFlow);
+  void WarnOfInfeasibility(const HeatSource& source, bool infeasible) const;
+  /// Flashes the outlet at its temperature and returns the duty [W], NaN when it can't be found.
+  [[nodiscard]] double FindDuty();
+
+  double outletTemperature = 0;  // [K]
+  double heatDuty = 0;           // [W]
+  double pressureDrop = 0;       // [Pa]
+};
+
+}  // namespace morvelan

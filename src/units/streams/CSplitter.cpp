@@ -1,0 +1,155 @@
+#include "units/streams/CSplitter.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "material/Names.h"
+
+namespace morvelan {
+namespace {
+
+constexpr const char* kCountKey = "numberOfOutlets";
+constexpr std::int32_t kFewestOutlets = 2;
+constexpr std::int32_t kMostOutlets = 128;
+
+enum Position : std::size_t { kOutletCount, kSplitFactors, kPressureDrop, kThermoVersion };
+
+constexpr double kLargestSum = 1.0000000000001;
+constexpr double kTrace = 1e-5;  // a compound above this mole fraction counts
+
+constexpr PortDeclaration kPorts[] = {
+    {"Inlet", "Splitter feed", CAPE_INLET},
+    {"Outlet1", "Splitter product", CAPE_OUTLET},
+    {"Outlet2", "Splitter product", CAPE_OUTLET},
+};
+
+const ParameterDeclaration kParameters[] = {
+    {.name = "Number of outlets",
+     .description = "Number of outlet ports",
+     .mode = CAPE_OUTPUT,
+     .defaultValue = kFewestOutlets,
+     .lowerBound = kFewestOutlets,
+     .upperBound = kMostOutlets},
+    {.name = "Split factors",
+     .description = "Split factors for (n - 1) outlets",
+     .defaultValue = std::vector<double>{0.5},
+     .lowerBound = 0,
+     .upperBound = 1},
+    {.name = "Pressure drop",
+     .description = "Pressure drop along the splitter",
+     .defaultValue = 0.0,
+     .lowerBound = 0,
+     .upperBound = 1e10,
+     .dimensionality = kPressureDropDimension},
+    ThermoVersionParameter(),
+};
+
+const UnitDeclaration kDeclaration = {
+    .name = "Splitter",
+    .description =
+        "Splitter - unit operation to split input stream into 2 or more output streams using split fractions",
+    .about = "The splitter divides a stream into two or more streams of its composition",
+    .helpTopic = "splitter",
+    .ports = kPorts,
+    .parameters = kParameters,
+    .reports = kLastRun,
+};
+
+}  // namespace
+
+CSplitter::CSplitter() : Configurable(kDeclaration) {}
+
+int CSplitter::ThermoVersionParameterIndex() const { return kThermoVersion; }
+
+void CSplitter::CreateFace() {
+  Configurable::CreateFace();
+  Parameter(kPressureDrop).BindDouble(&pressureDrop);
+}
+
+bool CSplitter::ValidateParameterValue(const CParameter& parameter, std::string& message,
+                                       const ParameterValue& value) const {
+  if (&parameter != Parameters()[kSplitFactors].Get()) return true;
+  const auto& factors = std::get<std::vector<double>>(value);
+  if (factors.size() + 1 != outlets.size())
+    message = "Invalid number of array elements for split factor value";
+  else if (std::accumulate(factors.begin(), factors.end(), 0.0) > kLargestSum)
+    message = "Total value of split factors exceeds unity";
+  return message.empty();
+}
+
+// ---- The number of outlets
+
+/// A host may put the number, but only the configuration moves ports.
+void CSplitter::InputsChanged() {
+  Parameter(kOutletCount).SetResult(static_cast<std::int32_t>(outlets.size()));
+}
+
+void CSplitter::ParametersLoaded() {
+  const auto count = std::get<std::int32_t>(Parameter(kOutletCount).Value());
+  SetOutletCount(std::clamp(count, kFewestOutlets, kMostOutlets));
+  Configurable::ParametersLoaded();
+}
+
+Json CSplitter::Configuration() const { return {{kCountKey, outlets.size()}}; }
+
+void CSplitter::Configure(const Json& configuration) {
+  SetOutletCount(ReadConfiguredCount(configuration, kCountKey, kFewestOutlets, kMostOutlets,
+                                     static_cast<std::int32_t>(outlets.size())));
+  ResizeSplitFactors();
+}
+
+void CSplitter::SetOutletCount(std::int32_t count) {
+  ResizePorts(outlets, static_cast<std::size_t>(count), kPorts[1],
+              [](std::size_t number) { return "Outlet" + std::to_string(number); });
+  Parameter(kOutletCount).SetResult(count);
+}
+
+void CSplitter::ResizeSplitFactors() {
+  auto factors = std::get<std::vector<double>>(Parameter(kSplitFactors).Value());
+  const double rest = std::max(0.0, 1 - std::accumulate(factors.begin(), factors.end(), 0.0));
+  const std::size_t wanted = outlets.size() - 1;
+  if (factors.size() < wanted) factors.push_back(rest);  // of what was the last outlet
+  factors.resize(wanted, 0.0);
+  Parameter(kSplitFactors).SetResult(std::move(factors));
+}
+
+// ---- Calculation
+
+void CSplitter::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
+  StartReport();
+  for (const std::size_t position : {kOutletCount, kSplitFactors, kPressureDrop})
+    ReportParameter(Parameter(position));
+  const material::StreamState& inlet = Inlet(0).State();
+  const double pressure = PressureAfterDrop(inlet.pressure, pressureDrop);
+  const std::vector<double> flows = SplitFlow(inlet.totalFlow);
+  for (std::size_t k = 0; k < outlets.size(); ++k)
+    Outlet(k).State() = {.pressure = std::max(0.0, pressure),
+                         .temperature = inlet.temperature,
+                         .totalFlow = flows[k],
+                         .composition = inlet.composition};
+  if (!IsFedWithOneCompound()) return;
+  // Temperature and pressure do not tell the phases of one compound; its enthalpy does.
+  const double enthalpy = MolarEnthalpy(Inlet(0));
+  for (const auto& outlet : outlets) SetMolarEnthalpy(*outlet, enthalpy);
+  outletFlashSpec = names::kPH;
+}
+
+std::vector<double> CSplitter::SplitFlow(double inletFlow) {
+  const auto& factors = std::get<std::vector<double>>(Parameter(kSplitFactors).Value());
+  std::vector<double> flows;
+  double rest = 1;
+  for (const double factor : factors) {
+    flows.push_back(factor * inletFlow);
+    rest -= factor;
+  }
+  // The factors may exceed one by what rounding leaves.
+  flows.push_back(std::max(0.0, rest) * inletFlow);
+  return flows;
+}
+
+bool CSplitter::IsFedWithOneCompound() {
+  return std::ranges::count_if(Inlet(0).State().composition,
+                               [](double fraction) { return fraction > kTrace; }) == 1;
+}
+
+}  // namespace morvelan

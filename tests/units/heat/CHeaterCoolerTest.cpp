@@ -1,0 +1,280 @@
+// A HeaterCooler through the door that hosts use. Feeds bring 30000 W, and 100 W heat them by 1 K.
+
+#include <cmath>
+
+#include "tests/units/UnitBench.h"
+
+namespace morvelan::test {
+namespace {
+
+TEST(CHeaterCooler, TakesAsInputWhatItsTypeSpecifies) {
+  UnitBench bench("HeaterCooler", false);
+  const auto expect = [&](const char* type, bool temperatureIsOutput, bool dutyIsOutput) {
+    EXPECT_EQ(bench.door.ParameterText("Type"), type);
+    EXPECT_EQ(bench.IsOutput("Outlet temperature"), temperatureIsOutput) << type;
+    EXPECT_EQ(bench.IsOutput("Heat duty"), dutyIsOutput) << type;
+  };
+  expect("Heat duty", true, false);
+  bench.Put("Type", "Temperature");
+  expect("Temperature", false, true);
+  bench.Put("Type", "Energy inlet");
+  expect("Energy inlet", true, true);
+  EXPECT_EQ(bench.door.Parameter("Type")->Reset(), S_OK);
+  expect("Heat duty", true, false);
+  EXPECT_EQ(bench.Put("Type", com::MakeString("Both")), kUnitFailed);
+  expect("Heat duty", true, false);
+}
+
+struct Specification {
+  const char* type;
+  double value;  // [W], or [K] under "Temperature"
+  double flow;
+  double temperature;  // of the outlet
+  double duty;         // in the parameter "Heat duty"
+  const char* flashes;
+  const char* report;  // between the headings, and after them
+  const char* optional;
+};
+
+constexpr const char* kZeroFlow = "WARNING: HeaterCooler HeaterCooler: Zero flow; using zero heat duty";
+
+constexpr const char* kOffered =
+    "Heat duty from inlet energy port: 500 W (no temperature range for heat transfer)";
+constexpr const char* kOffers = "Outlet temperature:\t305 K\r\nHeat duty:\t500 W\r\n";
+constexpr const char* kOffersInVain = "Outlet temperature:\t300 K\r\nHeat duty:\t0 W\r\n";
+
+const Specification kSpecifications[] = {
+    {"Heat duty", 1000, 2, 310, 1000, "PH", "Heat duty:\t1000 W", "Outlet temperature:\t310 K\r\n"},
+    {"Heat duty", -5000, 2, 250, -5000, "PH", "Heat duty:\t-5000 W", "Outlet temperature:\t250 K\r\n"},
+    {"Heat duty", 1000, 0, 300, 1000, "TP", "Heat duty:\t1000 W", "Outlet temperature:\t300 K\r\n"},
+    {"Temperature", 320, 2, 320, 2000, "TP", "Outlet temperature:\t320 K", "Heat duty:\t2000 W\r\n"},
+    {"Temperature", 280, 2, 280, -2000, "TP", "Outlet temperature:\t280 K", "Heat duty:\t-2000 W\r\n"},
+    {"Temperature", 320, 0, 320, 0, "TP", "Outlet temperature:\t320 K", "Heat duty:\t0 W\r\n"},
+    {"Energy inlet", 500, 2, 305, 500, "PH", kOffered, kOffers},
+    {"Energy inlet", 500, 0, 300, 0, "TP", kOffered, kOffersInVain},
+};
+
+std::string ReportOf(const Specification& c, bool thermo11) {
+  return std::string("+++ specifications +++\r\n\r\n") + c.report +
+         "\r\nPressure drop:\t20000 Pa\r\n\r\n+++ optional parameters +++\r\nType:\t" + c.type + "\r\n" +
+         c.optional + "Thermo Version:\t" + (thermo11 ? "1.1" : "1.0") + "\r\n";
+}
+
+TEST(CHeaterCooler, HeatsByEachSpecification) {
+  for (const bool thermo11 : {false, true})
+    for (const bool quiet : {false, true})
+      for (const Specification& c : kSpecifications) {
+        SCOPED_TRACE(testing::Message() << c.type << ' ' << c.value << ", flow " << c.flow
+                                        << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
+        UnitBench bench("HeaterCooler", thermo11);
+        const std::string type = c.type;
+        bench.At("Inlet").flow = c.flow;
+        bench.Put("Type", c.type);
+        bench.Put("Pressure drop", 2e4);
+        if (type == "Energy inlet")
+          bench.ConnectHeat(c.value);
+        else
+          bench.Put(type == "Heat duty" ? "Heat duty" : "Outlet temperature", c.value);
+        if (quiet) bench.AskForSimplifiedModel();
+        bench.Calculate();
+        const FakeState& product = bench.At("Outlet");
+        EXPECT_DOUBLE_EQ(product.temperature, c.temperature);
+        EXPECT_EQ(product.pressure, 8e4);
+        EXPECT_EQ(product.flow, c.flow);
+        EXPECT_EQ(product.fractions, bench.At("Inlet").fractions);
+        EXPECT_EQ(bench.Flashes(), c.flashes) << "and no second flash";
+        EXPECT_NEAR(bench.Number("Outlet temperature"), c.temperature, 1e-12 * c.temperature);
+        EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9);
+        const bool warns = c.flow == 0 && type != "Temperature" && !quiet;
+        EXPECT_EQ(bench.context->log,
+                  warns ? std::vector<std::string>{kZeroFlow} : std::vector<std::string>{});
+        EXPECT_EQ(bench.door.Report("Last run"), quiet ? "Report is not available" : ReportOf(c, thermo11));
+      }
+}
+
+// ---- The temperatures of the energy stream
+
+std::string Named(const char* warning) {
+  return std::string("HeaterCooler \"HeaterCooler\" warning: ") + warning;
+}
+
+const std::string kReversed = Named("Tlow and Thigh are reversed at inlet heat stream; reversing values");
+const std::string kLimited = Named("heat duty is limited by energy stream temperature");
+const std::string kInletTooHot =
+    Named("inlet temperature is higher than lower energy stream temperature; this is infeasible");
+const std::string kInletTooCold =
+    Named("inlet temperature is lower than upper energy stream temperature; this is infeasible");
+const std::string kOutletTooHot =
+    Named("outlet temperature is higher than energy stream temperature; this is infeasible");
+
+struct RangeCase {
+  const char* title;
+  double work;
+  std::optional<double> low, high;
+  double duty;
+  double temperature;
+  const char* flashes;
+  std::vector<std::string> log = {};
+  double productCapacity = 50;  // [J/(mol K)]; another one stands for a product that is another fluid
+};
+
+const RangeCase kRangeCases[] = {
+    {"heating within the range", 1000, 350, 400, 1000, 310, "TP PH"},
+    {"heating to the very limit", 10000, 350, 400, 10000, 400, "TP PH"},
+    {"heating limited", 20000, 350, 400, 10000, 400, "TP", {kLimited}},
+    {"limited, source cold at one end", 20000, 280, 400, 10000, 400, "TP", {kLimited, kInletTooHot}},
+    {"source cold at one end", 1000, 280, 400, 1000, 310, "TP PH", {kInletTooHot}},
+    {"cold but for rounding", 1000, 300 - 1e-7, 400, 1000, 310, "TP PH"},
+    {"heating from below the inlet", 1000, 250, 290, 0, 300, "TP", {kLimited}},
+    {"heating, reversed", 1000, 400, 350, 1000, 310, "TP PH", {kReversed}},
+    {"heating, reversed and limited", 20000, 400, 350, 10000, 400, "TP", {kReversed, kLimited}},
+    {"no temperatures", 20000, {}, {}, 20000, 500, "PH"},
+    {"no lower temperature", 20000, {}, 400, 20000, 500, "PH"},
+    {"lower temperature missing", 20000, kMissing, 400, 20000, 500, "PH"},
+    {"lower temperature NaN", -20000, kNaN, 250, -20000, 100, "PH"},
+    {"heating, no upper temperature", 20000, 350, {}, 20000, 500, "PH"},
+    {"the same from below", 20000, 280, kNaN, 20000, 500, "PH", {kInletTooHot}},
+    {"cooling within the range", -1000, 250, 280, -1000, 290, "TP PH"},
+    {"cooling limited", -20000, 250, 280, -5000, 250, "TP", {kLimited}},
+    {"cooling, reversed and limited", -20000, 280, 250, -5000, 250, "TP", {kReversed, kLimited}},
+    {"sink warm at one end", -1000, 250, 320, -1000, 290, "TP PH", {kInletTooCold}},
+    {"warm but for rounding", -1000, 250, 300 + 1e-7, -1000, 290, "TP PH"},
+    {"cooling from above the inlet", -1000, 320, 350, 0, 300, "TP", {kLimited}},
+    {"cooling, no upper temperature", -20000, 250, {}, -5000, 250, "TP", {kLimited}},
+    {"no heat", 0, 250, 350, 0, 300, "TP PH"},
+    // H_lim = 2 x 40 x 310 = 24800 W is less than was fed: marked only. T = (30000 + 1000) / (2 x 40).
+    {"heating lowers enthalpy", 1000, 305, 310, 1000, 387.5, "TP PH", {kOutletTooHot}, 40},
+    {"so from below", 1000, 250, 310, 1000, 387.5, "TP PH", {kInletTooHot, kOutletTooHot}, 40},
+    // A limit of zero but for the flashes' noise, of either sign.
+    {"limit hardly below zero", 1000, 250, 300, 0, 300, "TP", {kLimited}, 50 * (1 - 5e-10)},
+    {"limit hardly above zero", -1000, 300, 350, 0, 300, "TP", {kLimited}, 50 * (1 + 5e-10)},
+};
+
+std::string RangeText(const RangeCase& c) {
+  const auto known = [](std::optional<double> limit) {
+    return limit && *limit != kMissing && !std::isnan(*limit);
+  };
+  if (!known(c.low)) return "(no temperature range for heat transfer)";
+  if (!known(c.high)) return "between " + NumberText(*c.low) + " K and N/A";
+  return "between " + NumberText(std::min(*c.low, *c.high)) + " K and " +
+         NumberText(std::max(*c.low, *c.high)) + " K";
+}
+
+TEST(CHeaterCooler, KeepsToTheTemperaturesOfItsEnergyStream) {
+  for (const bool thermo11 : {false, true})
+    for (const bool quiet : {false, true})
+      for (const RangeCase& c : kRangeCases) {
+        SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
+        UnitBench bench("HeaterCooler", thermo11);
+        bench.At("Outlet").heatCapacity = c.productCapacity;
+        bench.ConnectHeat(c.work, c.low, c.high);
+        bench.Put("Type", "Energy inlet");
+        if (quiet) bench.AskForSimplifiedModel();
+        bench.Calculate();
+        EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9) << "J of 30000, from rounding";
+        EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, c.temperature);
+        EXPECT_DOUBLE_EQ(bench.Number("Outlet temperature"), c.temperature);
+        EXPECT_EQ(bench.Flashes(), c.flashes);
+        EXPECT_EQ(bench.context->log, quiet ? std::vector<std::string>{} : c.log);
+        const std::string line =
+            "Heat duty from inlet energy port: " + NumberText(c.work) + " W " + RangeText(c) + "\r\n";
+        EXPECT_EQ(bench.door.Report("Last run").find(line) != std::string::npos, !quiet)
+            << bench.door.Report("Last run");
+      }
+}
+
+TEST(CHeaterCooler, GoesOnWithoutALimitThatCannotBeFound) {
+  constexpr const char* kNoCheck = "Warning: cannot do range check on temperature: ";
+  struct {
+    const char* title;
+    void (*spoil)(UnitBench&);
+    const char* why;
+  } const cases[] = {
+      {"no enthalpy at the limit",
+       [](UnitBench& bench) {
+         bench.At("Outlet").statuses = {CAPE_UNKNOWNPHASESTATUS, CAPE_UNKNOWNPHASESTATUS};
+       },
+       "Failed to calculate overall enthalpy; phase Vapor is reported not to be in equilibrium"},
+      {"a text for a temperature",
+       [](UnitBench& bench) { bench.heat->parameters[1]->value = com::MakeString("warm"); },
+       "a number expected, a text found"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.title);
+    UnitBench bench("HeaterCooler", true);
+    bench.ConnectHeat(20000, 350, 400);
+    bench.Put("Type", "Energy inlet");
+    c.spoil(bench);
+    bench.Calculate();
+    EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, 500);
+    EXPECT_EQ(bench.Number("Heat duty"), 20000);
+    EXPECT_EQ(bench.context->log, std::vector<std::string>{std::string(kNoCheck) + c.why});
+  }
+}
+
+TEST(CHeaterCooler, GoesOnWithoutADutyThatCannotBeFound) {
+  UnitBench bench("HeaterCooler", true);
+  bench.Put("Type", "Temperature");
+  bench.Put("Outlet temperature", 350);
+  bench.At("Outlet").statuses = {CAPE_UNKNOWNPHASESTATUS, CAPE_UNKNOWNPHASESTATUS};
+  bench.Calculate();
+  EXPECT_EQ(bench.At("Outlet").temperature, 350);
+  EXPECT_EQ(bench.context->log, std::vector<std::string>{"HeaterCooler unable to determine heat duty"});
+  EXPECT_NE(bench.door.Report("Last run").find("Heat duty:\tN/A\r\n"), std::string::npos);
+}
+
+TEST(CHeaterCooler, NeedsItsEnergyStreamOnlyForItsHeat) {
+  UnitBench bench("HeaterCooler", false);
+  bench.Validate();
+  bench.Put("Type", "Energy inlet");
+  bench.Validate();
+  CheckFailedCalculation(bench.door, "Inlet energy port is not connected", "Not connected");
+  bench.ConnectHeat(1000);
+  bench.heat->parameters[0]->value = com::MakeString("much");
+  CheckFailedCalculation(bench.door, "heat flow of the energy stream: a number expected, a text found");
+  bench.heat->parameters[0]->value = com::MakeDouble(1000);
+  bench.Calculate();
+  EXPECT_EQ(bench.At("Outlet").temperature, 310);
+  EXPECT_EQ(bench.door.Port("Outlet")->Disconnect(), S_OK);
+  std::string message;
+  EXPECT_FALSE(bench.door.IsValid(message));
+  EXPECT_EQ(message, "not all material ports are connected");
+}
+
+TEST(CHeaterCooler, GivesItsHeatToAnOutletPort) {
+  constexpr double kUntouched = -1;
+  struct {
+    const char* type;
+    const char* parameter;
+    double value;
+    double flow;
+    bool spoilt;  // the outlet's enthalpy can't be had
+    double work;
+  } const cases[] = {
+      {"Heat duty", "Heat duty", 1000, 2, false, -1000},
+      {"Heat duty", "Heat duty", 1000, 0, false, 0},
+      {"Temperature", "Outlet temperature", 280, 2, false, 2000},
+      {"Temperature", "Outlet temperature", 280, 2, true, kUntouched},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.type << ' ' << c.value << ", flow " << c.flow);
+    UnitBench bench("HeaterCooler", true);
+    bench.Configure(R"({"heatPort": "outlet"})");
+    bench.Put("Type", c.type);
+    bench.Put(c.parameter, c.value);
+    bench.At("Inlet").flow = c.flow;
+    if (c.spoilt) bench.At("Outlet").statuses = {CAPE_UNKNOWNPHASESTATUS, CAPE_UNKNOWNPHASESTATUS};
+    bench.Calculate();  // unconnected
+    bench.ConnectHeat(kUntouched);
+    bench.Calculate();
+    EXPECT_NEAR(com::ReadDouble(bench.heat->parameters[0]->value.Get()), c.work, 1e-9);
+    EXPECT_EQ(bench.Flashes(), c.flow == 0 || c.type[0] == 'T' ? "TP" : "PH");
+    bench.Put("Type", "Energy inlet");
+    CheckFailedCalculation(bench.door, "Inlet energy port is not connected", "Not connected");
+  }
+}
+
+TEST(CHeaterCooler, LowersThePressure) { CheckPressureAfterDrop("HeaterCooler", "Pressure drop"); }
+
+}  // namespace
+}  // namespace morvelan::test

@@ -1,0 +1,93 @@
+// A Mixer through the door that hosts use.
+
+#include "tests/units/UnitBench.h"
+
+namespace morvelan::test {
+namespace {
+
+struct Stream {
+  double pressure;
+  double temperature;
+  double flow;
+  double methane;  // mole fraction; the rest is ethane
+};
+
+struct MixerCase {
+  const char* title;
+  Stream first;
+  Stream second;
+  double drop;
+  Stream outlet;  // T = (F1 T1 + F2 T2) / F, as both feeds have the same heat capacity
+  const char* flash;
+  int enthalpiesAsked;
+};
+
+const MixerCase kMixerCases[] = {
+    {"two streams", {2e5, 300, 2, 0.25}, {1e5, 400, 6, 0.75}, 0, {1e5, 375, 8, 0.625}, "PH", 2},
+    {"first at lower P", {1e5, 300, 2, 0.25}, {2e5, 400, 2, 0.25}, 4e4, {6e4, 350, 4, 0.25}, "PH", 2},
+    {"P without flow", {2e5, 300, 2, 0.25}, {1e5, 400, 0, 0.5}, 2e4, {8e4, 300, 2, 0.25}, "PH", 1},
+    {"first without flow", {2e5, 300, 0, 0.25}, {1e5, 400, 4, 0.5}, 0, {1e5, 400, 4, 0.5}, "PH", 1},
+    {"no flow", {2e5, 310, 0, 0.25}, {1e5, 400, 0, 0.75}, 1e4, {9e4, 310, 0, 0.5}, "TP", 0},
+    {"pure streams", {1e5, 300, 1, 1}, {1e5, 320, 1, 1}, 0, {1e5, 310, 2, 1}, "PH", 2},
+};
+
+void Set(FakeState& state, const Stream& stream) {
+  state.pressure = stream.pressure;
+  state.temperature = stream.temperature;
+  state.flow = stream.flow;
+  state.fractions = {stream.methane, 1 - stream.methane};
+}
+
+TEST(CMixer, MixesAdiabatically) {
+  for (const bool thermo11 : {false, true})
+    for (const bool quiet : {false, true})
+      for (const MixerCase& c : kMixerCases) {
+        SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
+        UnitBench bench("Mixer", thermo11);
+        Set(bench.At("Inlet 1"), c.first);
+        Set(bench.At("Inlet 2"), c.second);
+        bench.Put("Pressure drop", c.drop);
+        if (quiet) bench.AskForSimplifiedModel();
+        bench.Calculate();
+        const FakeState& product = bench.At("Outlet");
+        EXPECT_EQ(product.pressure, c.outlet.pressure);
+        EXPECT_DOUBLE_EQ(product.temperature, c.outlet.temperature);
+        EXPECT_EQ(product.flow, c.outlet.flow);
+        EXPECT_EQ(product.fractions, (std::vector<double>{c.outlet.methane, 1 - c.outlet.methane}));
+        EXPECT_EQ(bench.Flashes(), c.flash);
+        EXPECT_EQ(bench.CallsOf(thermo11 ? "CopyFromMaterial" : "Duplicate"), c.enthalpiesAsked);
+        EXPECT_EQ(bench.context->log, std::vector<std::string>{});
+        EXPECT_EQ(bench.door.Report("Last run"),
+                  quiet ? "Report is not available"
+                        : "+++ specifications +++\r\n\r\nNumber of inlets:\t2\r\nPressure drop:\t" +
+                              NumberText(c.drop) + " Pa\r\n");
+      }
+}
+
+TEST(CMixer, MixesThree) {
+  UnitBench bench("Mixer", true);
+  bench.Configure(R"({"numberOfInlets": 3})");
+  Set(bench.At("Inlet 1"), {2e5, 300, 1, 1});
+  Set(bench.At("Inlet 2"), {3e5, 340, 2, 0});
+  Set(bench.At("Inlet 3"), {1e5, 380, 1, 1});
+  bench.Calculate();
+  EXPECT_EQ(bench.At("Outlet").pressure, 1e5);
+  EXPECT_EQ(bench.At("Outlet").flow, 4);
+  EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, 340);
+  EXPECT_EQ(bench.At("Outlet").fractions, (std::vector<double>{0.5, 0.5}));
+  EXPECT_EQ(bench.Put("Number of inlets", com::MakeInteger(7)), S_OK);
+  bench.Calculate();
+  EXPECT_NE(bench.door.Report("Last run").find("Number of inlets:\t3\r\n"), std::string::npos)
+      << "those that it has, whatever a host puts";
+}
+
+TEST(CMixer, NeedsBothInlets) {
+  UnitBench bench("Mixer", false);
+  EXPECT_EQ(bench.door.Port("Inlet 2")->Disconnect(), S_OK);
+  CheckFailedCalculation(bench.door, "not all material ports are connected");
+}
+
+TEST(CMixer, LowersThePressure) { CheckPressureAfterDrop("Mixer", "Pressure drop"); }
+
+}  // namespace
+}  // namespace morvelan::test
