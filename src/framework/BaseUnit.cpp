@@ -162,7 +162,10 @@ HRESULT BaseUnit::ProduceReport(BSTR* text) {
   if (!text) return E_POINTER;
   return Enter("ProduceReport", [&] {
     const std::size_t selected = reports.Selected();
-    ReplaceText(text, selected == 0 ? calcStatusText : reports.At(selected).text);
+    if (selected == 0)
+      ReplaceText(text, calcStatusText.empty() ? "unit not validated" : calcStatusText);
+    else
+      ReplaceText(text, reports.At(selected).text);
   });
 }
 
@@ -190,7 +193,7 @@ std::vector<com::Ref<CParameter>> BaseUnit::AllParameters() const {
 
 void BaseUnit::Invalidate() {
   valStatus = CAPE_NOT_VALIDATED;
-  calcStatusText = "unit not validated";
+  calcStatusText.clear();
 }
 
 void BaseUnit::ConnectionChanged() {
@@ -284,43 +287,51 @@ void BaseUnit::CreateFace() {
   for (const char* report : declaration.reports) reports.Add(report);
 }
 
+com::Ref<CUnitPort> BaseUnit::MakePort(const PortDeclaration& port) {
+  if (port.type == CAPE_MATERIAL) return com::Make<CUnitPort>(port, *this);
+  return com::Make<CUnitInfoPort>(port, *this);
+}
+
 CUnitPort& BaseUnit::AddPort(const PortDeclaration& port) {
   auto& ports = port.direction == CAPE_INLET ? inlets : outlets;
-  if (port.type == CAPE_MATERIAL)
-    ports.push_back(com::Make<CUnitPort>(port, *this));
-  else
-    ports.push_back(com::Make<CUnitInfoPort>(port, *this));
+  ports.push_back(MakePort(port));
   return *ports.back();
 }
 
-void BaseUnit::RemovePort(CUnitPort& port) {
-  const auto removed = com::Ref<CUnitPort>::Share(&port);
-  for (auto* list : {&inlets, &outlets})
-    std::erase_if(*list, [&](const auto& own) { return own.Get() == &port; });
-  removed->Orphan();
-  ConnectionChanged();
-}
-
-void BaseUnit::ResizePorts(std::vector<com::Ref<CUnitPort>>& ports, std::size_t count,
-                           const PortDeclaration& declaration,
-                           const std::function<std::string(std::size_t)>& nameOf) {
-  while (ports.size() > count) RemovePort(*ports.back());
+BaseUnit::PortList BaseUnit::ResizedPorts(const PortList& ports, std::size_t count,
+                                          const PortDeclaration& added,
+                                          const std::function<std::string(std::size_t)>& nameOf) {
+  PortList resized(ports.begin(), ports.begin() + static_cast<std::ptrdiff_t>(std::min(count, ports.size())));
+  const PortList others = AllPorts();
   const auto isTaken = [&](const std::string& name) {
-    return std::ranges::any_of(
-        AllPorts(), [&](const auto& port) { return com::EqualNoCase(port->ComponentName(), name); });
+    const auto hasName = [&](const auto& port) { return com::EqualNoCase(port->ComponentName(), name); };
+    return std::ranges::any_of(others, hasName) || std::ranges::any_of(resized, hasName);
   };
-  while (ports.size() < count) {
-    std::size_t number = ports.size() + 1;
+  while (resized.size() < count) {
+    std::size_t number = resized.size() + 1;
     while (isTaken(nameOf(number))) ++number;  // a host may have renamed a port
     const std::string name = nameOf(number);
-    PortDeclaration added = declaration;
-    added.name = name.c_str();
-    AddPort(added);
+    PortDeclaration port = added;
+    port.name = name.c_str();
+    resized.push_back(MakePort(port));
   }
+  return resized;
+}
+
+void BaseUnit::ReplacePorts(PortList& ports, PortList replacement) noexcept {
+  std::swap(ports, replacement);
+  Invalidate();
+  const auto stays = [&](const auto& former) {
+    const auto isIt = [&](const auto& port) { return port.Get() == former.Get(); };
+    return std::ranges::any_of(inlets, isIt) || std::ranges::any_of(outlets, isIt);
+  };
+  // What a host does as its stream is released happens to a unit that is whole.
+  for (const auto& former : replacement)
+    if (!stays(former)) former->Orphan();
 }
 
 void BaseUnit::RequireIdle() const {
-  if (calculating) throw Failure("The unit can't be changed while it is calculated");
+  if (activity) throw Failure(std::string("The unit can't be changed while it is ") + activity);
 }
 
 CParameter& BaseUnit::CreateParameter(const ParameterDeclaration& parameter) {

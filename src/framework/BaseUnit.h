@@ -11,6 +11,7 @@
 #include "framework/CPortCollection.h"
 #include "framework/CUnitPort.h"
 #include "framework/Declarations.h"
+#include "framework/ParameterRecord.h"
 #include "framework/Reports.h"
 #include "framework/SimulationContext.h"
 #include "framework/UnitStream.h"
@@ -81,11 +82,14 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
 
   /// Writes what the unit keeps beyond its parameters; a result other than S_OK ends the save with it.
   virtual HRESULT SaveUnit(UnitWriter&) { return S_OK; }
-  /// Reads what `SaveUnit` wrote, for a format version from 1 to 7, without a change to the unit; what is
-  /// returned makes the change and may not fail. Throws Failure.
-  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int) { return {}; }
-  /// Called when parameters were loaded, to bring in line what follows from them.
-  virtual void ParametersLoaded() { InputsChanged(); }
+  /// Reads what `SaveUnit` wrote, for a format version from 1 to 7, and prepares what follows from the
+  /// records of the unit's parameters, of which there may be fewer than the unit has. Nothing of the unit
+  /// changes: what is returned makes the change once the parameters are loaded, and may not fail. Throws
+  /// Failure.
+  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int,
+                                                       const std::vector<ParameterRecord>&) {
+    return {};
+  }
 
   // For the unit's own objects.
 
@@ -118,17 +122,36 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// Creates the ports, parameters and reports of the declaration. A unit whose face varies adds to it.
   virtual void CreateFace();
 
+  using PortList = std::vector<com::Ref<CUnitPort>>;
+
+  [[nodiscard]] com::Ref<CUnitPort> MakePort(const PortDeclaration& port);
   CUnitPort& AddPort(const PortDeclaration& port);
-  /// Disconnects a port and takes it from its list; the host may keep it, to no use.
-  void RemovePort(CUnitPort& port);
   CParameter& CreateParameter(const ParameterDeclaration& parameter);
 
-  /// Throws while the unit is calculated.
+  /// A list with ports added or taken off at its end so that it has `count`; a new port is named by `nameOf`
+  /// its number, from 1. Nothing of the unit changes yet.
+  [[nodiscard]] PortList ResizedPorts(const PortList& ports, std::size_t count, const PortDeclaration& added,
+                                      const std::function<std::string(std::size_t)>& nameOf);
+  /// Puts another list in place of `inlets` or `outlets`. Ports that stay keep their connections; those that
+  /// go are disconnected, and of no use to a host that keeps them. Does not fail.
+  void ReplacePorts(PortList& ports, PortList replacement) noexcept;
+
+  /// Throws while the unit is busy with something that a change would upset.
   void RequireIdle() const;
-  /// Adds or removes the last ports of a list until it has `count`; a new port is named by `nameOf` its
-  /// number, from 1. Ports that stay keep their names and connections.
-  void ResizePorts(std::vector<com::Ref<CUnitPort>>& ports, std::size_t count,
-                   const PortDeclaration& declaration, const std::function<std::string(std::size_t)>& nameOf);
+  /// Says what the unit is busy with as long as it exists; within another activity that one prevails.
+  class Activity {
+   public:
+    Activity(BaseUnit& busyUnit, const char* participle) : unit(busyUnit), outer(busyUnit.activity) {
+      if (!outer) unit.activity = participle;
+    }
+    ~Activity() { unit.activity = outer; }
+    Activity(const Activity&) = delete;
+    Activity& operator=(const Activity&) = delete;
+
+   private:
+    BaseUnit& unit;
+    const char* outer;
+  };
 
   [[nodiscard]] CUnitPort& Inlet(std::size_t i) { return *inlets.at(i); }
   [[nodiscard]] CUnitPort& Outlet(std::size_t i) { return *outlets.at(i); }
@@ -145,8 +168,8 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// entropy [J/(mol K)].
   [[nodiscard]] double HFromPSFlash(double pressure, double entropy);
 
-  std::vector<com::Ref<CUnitPort>> inlets;
-  std::vector<com::Ref<CUnitPort>> outlets;
+  PortList inlets;
+  PortList outlets;
   std::vector<com::Ref<CParameter>> extraParameters;  // kept apart from the list, and not saved with it
   bool checkConnections = true;
   bool checkCompounds = true;
@@ -187,6 +210,8 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   // Calculation
   [[nodiscard]] CUnitPort* FirstConnectedMaterialInlet() const;
   void RunCalculation(int& compoundCount);
+  /// The parameters that are results, with their values, which a failed calculation does not change.
+  [[nodiscard]] std::vector<std::pair<com::Ref<CParameter>, ParameterValue>> Results() const;
   [[nodiscard]] int PreparePorts();
   void PrepareWithOwnCompounds();
   [[nodiscard]] int PrepareWithCommonCompounds();
@@ -197,13 +222,13 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   CLSID classId{};
   bool initialized = false;
   bool faceCreated = false;
-  bool calculating = false;
+  const char* activity = nullptr;  // what a host that calls back must not disturb
   bool dirty = false;
   bool useThermo11 = false;
   bool thermoVersionFixed = false;
   std::string pendingThermoVersion;  // chosen by the host before the parameter exists
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
-  std::string calcStatusText;
+  std::string calcStatusText;  // empty for "unit not validated"
   SimulationContext context;
   Reports reports;
   std::vector<com::Ref<CParameter>> parameters;

@@ -180,8 +180,12 @@ void CParameter::Restore(ParameterRecord record) noexcept {
   if (Kind() != CAPE_ARRAY) defaultValue = std::move(record.defaultValue);
   lowerBound = record.lowerBound;
   upperBound = record.upperBound;
-  options = std::move(record.options);
-  restrictedToList = record.restrictedToList;
+  // Units know their choices by position: those of another version must not take their places.
+  const bool hasFixedChoices = restrictedToList && !options.empty();
+  if (!hasFixedChoices) {
+    options = std::move(record.options);
+    restrictedToList = record.restrictedToList;
+  }
   valStatus = CAPE_NOT_VALIDATED;
   SetResult(std::move(record.value));
 }

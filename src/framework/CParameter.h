@@ -75,6 +75,7 @@ class CParameter final
   /// parameter's unit.
   void BindDouble(double* mirror);
   void SetMode(CapeParamMode newMode) { mode = newMode; }
+  [[nodiscard]] bool IsResult() const { return mode == CAPE_OUTPUT; }
   /// A word that is saved with the parameter, for its unit to use.
   [[nodiscard]] std::int32_t FlagWord() const { return flagWord; }
   void SetFlagWord(std::int32_t word) { flagWord = word; }

@@ -1,6 +1,7 @@
 #include "framework/Configuration.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace morvelan {
 namespace {
@@ -31,8 +32,8 @@ std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std
   const auto found = configuration.find(key);
   if (found == configuration.end()) return otherwise;
   // (Not as an integer at once: that would wrap around what is too large.)
-  const double number = found->is_number_integer() ? found->get<double>() : lowest - 1.0;
-  if (number < lowest || number > highest)
+  const double number = found->is_number() ? found->get<double>() : lowest - 1.0;
+  if (number < lowest || number > highest || number != std::floor(number))
     throw Failure(std::string("\"") + key + "\" of the configuration must be a whole number from " +
                   std::to_string(lowest) + " to " + std::to_string(highest));
   return static_cast<std::int32_t>(number);

@@ -48,6 +48,7 @@ class Configurable : public com::Implements<Base, IUnitConfiguration> {
     return this->Guard("SetConfiguration", "IUnitConfiguration", [&] {
       this->RequireInitialized();
       this->RequireIdle();
+      const typename Base::Activity busy(*this, "configured");
       Configure(ParseConfiguration(com::ToUtf8(json), Configuration()));
       this->ParameterChanged();
     });
@@ -56,7 +57,7 @@ class Configurable : public com::Implements<Base, IUnitConfiguration> {
  protected:
   /// Every key with what is in force.
   [[nodiscard]] virtual Json Configuration() const = 0;
-  /// Puts the keys that are given in force. Throws Failure before it changes anything.
+  /// Puts the keys that are given in force. Throws before it changes anything.
   virtual void Configure(const Json& configuration) = 0;
 
   [[nodiscard]] GUID AutomationType() const override { return __uuidof(DConfigurableUnit); }

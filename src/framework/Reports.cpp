@@ -4,7 +4,7 @@
 
 namespace morvelan {
 
-void Reports::Add(std::string name) { reports.push_back({std::move(name), "Report is not available"}); }
+void Reports::Add(std::string name) { reports.push_back({std::move(name), kNotAvailable}); }
 
 std::vector<std::string> Reports::Names() const {
   std::vector<std::string> names = {"Status"};

@@ -15,7 +15,9 @@ class Reports {
     std::string text;
   };
 
-  /// Adds a report with the text "Report is not available".
+  static constexpr const char* kNotAvailable = "Report is not available";
+
+  /// Adds a report that is not available yet.
   void Add(std::string name);
   /// "Status" and the named reports in order.
   [[nodiscard]] std::vector<std::string> Names() const;

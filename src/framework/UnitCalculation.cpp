@@ -11,18 +11,16 @@ namespace {
 
 constexpr std::string_view kScope = "Calculate";
 constexpr std::string_view kInterface = "ICapeUnit";
+constexpr const char* kCalculated = "calculated";
 
 }  // namespace
 
 HRESULT BaseUnit::Calculate() {
   return Guard(kScope, kInterface, [&] {
     RequireInitialized();
-    if (calculating) throw Failure("The unit is being calculated already");
-    calculating = true;
-    const com::ScopeExit done([&] {
-      simplifiedModelRequested = false;
-      calculating = false;
-    });
+    if (activity) throw Failure(std::string("The unit can't be calculated while it is being ") + activity);
+    const Activity busy(*this, kCalculated);
+    const com::ScopeExit done([&] { simplifiedModelRequested = false; });
     int compoundCount = 0;
     const HRESULT outcome = Guard(kScope, kInterface, [&] { RunCalculation(compoundCount); });
     FinishCalculation(compoundCount, SUCCEEDED(outcome));
@@ -37,11 +35,25 @@ void BaseUnit::RunCalculation(int& compoundCount) {
     if (!verdict.fault.empty()) throw Failure(verdict.fault, kScope, kInterface);
   }
   compoundCount = PreparePorts();
+  // A host that calls back while it is asked may have disconnected a stream.
+  if (valStatus != CAPE_VALID) throw Failure("The unit was changed while it was calculated");
   simplifiedModelRequested = context.SimplifiedModelRequested();
+  auto formerResults = Results();
+  const com::ScopeExit takeBack([&] {
+    for (auto& [parameter, value] : formerResults) parameter->SetResult(std::move(value));
+  });
   std::optional<com::Name> outletFlashSpec = names::kTP;
   CalculateUnit(compoundCount, outletFlashSpec);
   if (outletFlashSpec) FlashOutlets(*outletFlashSpec);
   if (!initialized) throw Failure("The unit was terminated while it was calculated");
+  formerResults.clear();
+}
+
+std::vector<std::pair<com::Ref<CParameter>, ParameterValue>> BaseUnit::Results() const {
+  std::vector<std::pair<com::Ref<CParameter>, ParameterValue>> results;
+  for (const auto& parameter : parameters)
+    if (parameter->IsResult()) results.emplace_back(parameter, parameter->Value());
+  return results;
 }
 
 void BaseUnit::FinishCalculation(int compoundCount, bool success) {
@@ -106,6 +118,7 @@ void BaseUnit::FlashOutlets(com::Name flashType) {
 }
 
 double BaseUnit::HFromPSFlash(double pressure, double entropy) {
+  const bool calculating = activity == kCalculated;
   const std::string_view scope = calculating ? kScope : "HFromPSFlash";
   const std::string_view interfaceName = calculating ? kInterface : "BaseUnit";
   try {

@@ -78,11 +78,13 @@ HRESULT BaseUnit::Save(IStream* stream, BOOL clearDirty) {
   const HRESULT hr = Guard("Save", kInterface, [&] {
     EnsureFace();
     const auto target = com::Ref<IStream>::Share(stream);
+    const Activity busy(*this, "saved");
     UnitWriter writer(stream);
     WriteParameters(writer);
+    writer.Flush();
     outcome = SaveUnit(writer);
     if (outcome != S_OK) return;
-    writer.Flush();  // a unit whose parameters can't be written stays dirty
+    writer.Flush();  // a unit whose data can't be written stays dirty
     if (clearDirty) dirty = false;
     WriteReports(writer);
     writer.Flush();
@@ -116,10 +118,11 @@ HRESULT BaseUnit::Load(IStream* stream) {
   bool outOfMemory = false;
   const HRESULT hr = Guard("Load", kInterface, [&] {
     RequireIdle();
-    EnsureFace();
+    const Activity busy(*this, "loaded");
     const auto source = com::Ref<IStream>::Share(stream);
     UnitReader reader(*stream);
     try {
+      EnsureFace();
       TakeOver(ReadSaved(reader));
     } catch (const std::bad_alloc&) {
       outOfMemory = true;
@@ -143,8 +146,13 @@ BaseUnit::Saved BaseUnit::ReadSaved(UnitReader& reader) {
       throw Failure("invalid parameter type", "Load", kInterface);
     saved.records.push_back(std::move(record));
   }
-  saved.takeOverUnitData = LoadUnit(reader, version);
-  if (version >= kFirstVersionWithReports) saved.namedReports = ReadReports(reader);
+  saved.takeOverUnitData = LoadUnit(reader, version, saved.records);
+  if (version >= kFirstVersionWithReports) {
+    saved.namedReports = ReadReports(reader);
+    // The unit writes its own reports, which the stream may lack.
+    for (std::size_t i = saved.namedReports->size(); i < declaration.reports.size(); ++i)
+      saved.namedReports->push_back({declaration.reports[i], Reports::kNotAvailable});
+  }
   parameters.reserve(parameters.size() + saved.further.size());
   return saved;
 }
@@ -159,7 +167,7 @@ void BaseUnit::TakeOver(Saved saved) {
   if (saved.namedReports) reports.Replace(std::move(*saved.namedReports));
   Invalidate();
   dirty = false;
-  ParametersLoaded();
+  InputsChanged();
 }
 
 }  // namespace morvelan

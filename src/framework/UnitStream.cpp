@@ -48,14 +48,8 @@ void UnitWriter::WriteTerminatedText(std::string_view text) {
 }
 
 void UnitReader::ReadBytes(void* bytes, std::size_t count) {
-  auto* target = static_cast<char*>(bytes);
-  while (count > 0) {
-    ULONG read = 0;
-    const auto wanted = static_cast<ULONG>(count);
-    if (FAILED(stream.Read(target, wanted, &read)) || read == 0 || read > wanted) throw ReadFailure();
-    target += read;
-    count -= read;
-  }
+  ULONG read = 0;
+  if (FAILED(stream.Read(bytes, static_cast<ULONG>(count), &read)) || read != count) throw ReadFailure();
 }
 
 std::size_t UnitReader::ReadCount() {

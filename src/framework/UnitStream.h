@@ -41,7 +41,7 @@ class UnitWriter {
 };
 
 /// Reads from a host's stream. What can't be read throws Failure with the text "read error". No length that
-/// the stream names makes it take more memory than the stream has bytes.
+/// the stream names makes it take more memory than a small multiple of what the stream holds.
 class UnitReader {
  public:
   explicit UnitReader(IStream& source) : stream(source) {}

@@ -38,6 +38,7 @@ HRESULT BaseUnit::Validate(BSTR* message, VARIANT_BOOL* isValid) {
 }
 
 BaseUnit::Verdict BaseUnit::ValidateAll() {
+  const Activity busy(*this, "validated");
   valStatus = CAPE_INVALID;
   RefreshThermoVersion();
   Verdict verdict;

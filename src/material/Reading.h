@@ -50,4 +50,16 @@ double ReadScalar(const VARIANT& array, Explain&& explain) {
   return ReadScalar(array, explain, [&] { return explain("scalar expected"); });
 }
 
+/// The only value of an array of numbers, which may be unset.
+[[nodiscard]] inline double ReadOneDouble(const VARIANT& array) {
+  const VARIANT held = com::Borrow(array);
+  if (held.vt & VT_ARRAY && held.parray && SafeArrayGetDim(held.parray) != 1)
+    throw Failure("unexpected array bounds");
+  const std::vector<double> values =
+      ReadOr([&] { return com::ReadDoubles(array); },
+             [](const std::string&) { return Failure("expected a double array"); });
+  if (values.size() != 1) throw Failure("expected a double array with dimension of 1");
+  return values.front();
+}
+
 }  // namespace morvelan::material

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "framework/ReportFormat.h"
+#include "material/MissingValue.h"
 #include "material/Names.h"
 #include "material/Reading.h"
 
@@ -17,14 +18,25 @@ constexpr double kLowestPressure = 1;              // [Pa]
 constexpr double kLowestSimplifiedPressure = 100;  // [Pa]
 constexpr double kSimplifiedDropFraction = 0.1;
 
-/// The one value of an overall property.
-double ReadOverall(const com::Variant& values) {
-  return material::ReadScalar(
-      values.Get(), [](const std::string&) { return Failure("expected a double array"); },
-      [] { return Failure("expected a double array with dimension of 1"); });
+/// The enthalpy that a port's material gives.
+double ReadEnthalpy(const CUnitPort& port, const com::Variant& values) {
+  const double enthalpy = material::ReadOneDouble(values.Get());
+  if (IsMissing(enthalpy))
+    throw Failure("the enthalpy of the material on port " + port.ComponentName() + " is not set");
+  return enthalpy;
 }
 
 }  // namespace
+
+bool StreamUnit::ValidateUnit(std::string& message) {
+  for (const auto& parameter : Parameters()) {
+    const auto* number = std::get_if<double>(&parameter->Value());
+    if (!number || parameter->Mode() != CAPE_INPUT || !IsMissing(*number)) continue;
+    message = "parameter " + parameter->ComponentName() + " has no value";
+    return false;
+  }
+  return true;
+}
 
 double StreamUnit::PressureAfterDrop(double inletPressure, double pressureDrop) const {
   const double pressure = inletPressure - pressureDrop;
@@ -37,27 +49,31 @@ double StreamUnit::PressureAfterDrop(double inletPressure, double pressureDrop) 
 
 double StreamUnit::EnthalpyFlow(CUnitPort& inlet) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadOverall(inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+    return ReadEnthalpy(inlet,
+                        inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
   });
 }
 
 double StreamUnit::FlashedEnthalpyFlow(CUnitPort& outlet) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadOverall(
-        outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+    return ReadEnthalpy(
+        outlet, outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
   });
 }
 
 double StreamUnit::MolarEnthalpy(CUnitPort& inlet) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadOverall(inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole));
+    return ReadEnthalpy(inlet,
+                        inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole));
   });
 }
 
-double StreamUnit::StoredTemperature(CUnitPort& outlet) {
-  return ForwardError(kScope, kInterface, [&] {
-    return ReadOverall(outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(),
-                                      names::kNone, names::kNone));
+std::optional<double> StreamUnit::StoredTemperature(CUnitPort& outlet) {
+  return ForwardError(kScope, kInterface, [&]() -> std::optional<double> {
+    const com::Variant values = outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(),
+                                               names::kNone, names::kNone);
+    const double temperature = material::ReadOneDouble(values.Get());
+    return IsMissing(temperature) ? std::nullopt : std::optional(temperature);
   });
 }
 

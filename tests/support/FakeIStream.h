@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "com/Object.h"
-#include "tests/support/Heap.h"
 
 namespace morvelan::test {
 
@@ -17,16 +17,15 @@ enum class StreamFault {
   kClaimsMore  // success, with a count beyond what was asked for
 };
 
-/// A host's byte stream in memory, which lets one of its calls fail and gives as little at once as told.
+/// A host's byte stream in memory, which lets one of its calls fail.
 class FakeIStream final : public com::Implements<com::ObjectCore, IStream> {
  public:
   explicit FakeIStream(std::string content = {}) : bytes(std::move(content)) {}
 
   HRESULT Read(void* data, ULONG count, ULONG* read) override {
     const std::size_t left = bytes.size() - position;
-    // What a reader set aside for a text or a list is still there when the stream ends.
-    if (watchesHeap && left < count) heapAtEnd = std::max(heapAtEnd, HeapInUse());
-    const std::size_t given = std::min<std::size_t>({left, count, largestRead});
+    if (onEnd && left < count) onEnd();
+    const std::size_t given = std::min<std::size_t>(left, count);
     return Do(count, given, read, [&](std::size_t done) {
       std::memcpy(data, bytes.data() + position, done);
       position += done;
@@ -57,14 +56,14 @@ class FakeIStream final : public com::Implements<com::ObjectCore, IStream> {
   int calls = 0;             // reads and writes
   int failAt = 0;            // the call with the fault, from 1; 0 for none
   StreamFault fault = StreamFault::kFails;
-  ULONG largestRead = ~ULONG{0};
-  bool watchesHeap = false;
-  std::size_t heapAtEnd = 0;  // [bytes] in use when more was asked for than was left
+  std::function<void()> onCall;  // within each read and write
+  std::function<void()> onEnd;   // when more is asked for than is left
 
  private:
   template <class Transfer>
   HRESULT Do(ULONG wanted, std::size_t possible, ULONG* done, Transfer&& transfer) {
     const bool faulty = ++calls == failAt;
+    if (onCall) onCall();
     if (faulty && fault == StreamFault::kFails) return STG_E_MEDIUMFULL;
     if (faulty && fault == StreamFault::kDoesLess && possible > 0) --possible;
     if (faulty && fault == StreamFault::kDoesNone) possible = 0;

@@ -37,7 +37,8 @@ class TestUnit final : public BaseUnit {
     if (onDone) onDone();
   }
   HRESULT SaveUnit(UnitWriter& writer) override { return onSave ? onSave(writer) : S_OK; }
-  std::function<void()> LoadUnit(UnitReader& reader, int version) override {
+  std::function<void()> LoadUnit(UnitReader& reader, int version,
+                                 const std::vector<ParameterRecord>&) override {
     loadedVersion = version;
     return onLoad ? onLoad(reader) : nullptr;
   }
@@ -52,8 +53,9 @@ class TestUnit final : public BaseUnit {
   using BaseUnit::HFromPSFlash;
   using BaseUnit::Inlet;
   using BaseUnit::Outlet;
+  using BaseUnit::outlets;
   using BaseUnit::Parameter;
-  using BaseUnit::RemovePort;
+  using BaseUnit::ReplacePorts;
   using BaseUnit::SetReportText;
   using BaseUnit::simplifiedModelRequested;
   using BaseUnit::Warn;

@@ -6,6 +6,7 @@
 #include "tests/support/Door.h"
 #include "tests/support/FakeMaterial.h"
 #include "tests/support/Published.h"
+#include "tests/units/UnitBench.h"
 
 namespace morvelan::test {
 namespace {
@@ -53,8 +54,9 @@ TEST(Configuration, MovesPortsAndKeepsThoseThatStay) {
   EXPECT_EQ(mixer.Get(), R"({"numberOfInlets":2})");
   ASSERT_EQ(mixer.Set(R"({"numberOfInlets": 4})"), S_OK);
   EXPECT_EQ(mixer.PortNames(), "Inlet 1,Inlet 2,Inlet 3,Inlet 4,Outlet");
-  ASSERT_EQ(mixer.Set(R"({"numberOfInlets": 3})"), S_OK);
+  ASSERT_EQ(mixer.Set(R"({"numberOfInlets": 3.0})"), S_OK);
   EXPECT_EQ(mixer.PortNames(), "Inlet 1,Inlet 2,Inlet 3,Outlet");
+  EXPECT_EQ(mixer.door.Parameter("Number of inlets")->Reset(), S_OK);
   com::Variant count;
   mixer.door.Parameter("Number of inlets")->get_value(count.Put());
   EXPECT_EQ(com::ReadInteger(count.Get()), 3);
@@ -63,6 +65,39 @@ TEST(Configuration, MovesPortsAndKeepsThoseThatStay) {
   EXPECT_TRUE(connected) << "the connection stays";
   EXPECT_EQ(mixer.door.Port("Inlet 2").Get(), kept.Get());
   ASSERT_EQ(mixer.Set(R"({"numberOfInlets": 128})"), S_OK);
+}
+
+TEST(Configuration, GivesNewPortsNamesThatAreFree) {
+  Configured mixer("Mixer");
+  const auto renamed = mixer.door.Port("Inlet 2").As<ICapeIdentification>();
+  ASSERT_EQ(renamed->put_ComponentName(com::ToBstr("inlet 3").Get()), S_OK);
+  ASSERT_EQ(mixer.Set(R"({"numberOfInlets": 4})"), S_OK);
+  EXPECT_EQ(mixer.PortNames(), "Inlet 1,inlet 3,Inlet 4,Inlet 5,Outlet");
+}
+
+TEST(Configuration, LeavesTheUnitToBeValidatedAndSaved) {
+  UnitBench bench("Mixer", true);
+  bench.Validate();
+  const auto configuration = bench.door.unit.As<IUnitConfiguration>();
+  ASSERT_EQ(configuration->SetConfiguration(com::ToBstr(R"({"numberOfInlets": 3})").Get()), S_OK);
+  EXPECT_EQ(bench.door.Status(), CAPE_NOT_VALIDATED);
+  EXPECT_EQ(bench.door.unit.As<IPersistStream>()->IsDirty(), S_OK);
+  CheckFailedCalculation(bench.door, "not all material ports are connected");
+}
+
+TEST(Configuration, IsRefusedWhileTheUnitIsCalculated) {
+  UnitBench bench("Mixer", true);
+  bench.Validate();
+  const auto configuration = bench.door.unit.As<IUnitConfiguration>();
+  int refused = 0;
+  bench.script->oddAnswers["GetSinglePhaseProp enthalpy"] = [&] {
+    refused += configuration->SetConfiguration(com::ToBstr(R"({"numberOfInlets": 9})").Get()) == kUnitFailed;
+    EXPECT_EQ(ErrorOf(configuration.Get()).description, "The unit can't be changed while it is calculated");
+    return com::MakeDoubles(std::array{15000.0});
+  };
+  bench.Calculate();
+  EXPECT_EQ(refused, 4) << "two phases of two feeds";
+  EXPECT_EQ(bench.PortNames().size(), 3u);
 }
 
 TEST(Configuration, ResizesTheSplitFactorsSoThatFlowsStay) {
@@ -100,6 +135,9 @@ constexpr Refusal kRefusals[] = {
     {"Mixer", R"({"numberOfInlets": 1})", "must be a whole number from 2 to 128"},
     {"Mixer", R"({"numberOfInlets": 4294967299})", "must be a whole number from 2 to 128"},
     {"Mixer", R"({"numberOfInlets": 2.5})", "must be a whole number from 2 to 128"},
+    {"Mixer", R"({"numberOfInlets": true})", "must be a whole number from 2 to 128"},
+    {"Mixer", R"({"numberOfInlets": null})", "must be a whole number from 2 to 128"},
+    {"Mixer", R"({"numberOfInlets": 1e300})", "must be a whole number from 2 to 128"},
     {"Mixer", R"({"numberOfInlets": 3, "inlets": 3})", "unknown key \"inlets\""},
     {"Mixer", "[3]", "no JSON object"},
     {"Mixer", "{\"numberOfInlets\": ", "can't be read"},

@@ -6,9 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "morvelan.h"
+#include "tests/support/FakeMaterial.h"
 #include "tests/support/Persistence.h"
 #include "tests/support/Published.h"
 
@@ -114,6 +116,78 @@ TEST(PublishedPersistence, LoadsEveryUnitWholeOrNotAtAll) {
   }
 }
 
+/// The place in the streams of Mixer and Splitter of the number of ports, whose record comes first.
+constexpr std::size_t CountPlace(std::size_t nameLength, std::size_t descriptionLength) {
+  return 12 + 4 + (4 + 2 * nameLength) + (4 + 2 * descriptionLength) + 4 + 4 + 36 + 4;
+}
+
+std::string WithCount(std::string bytes, std::size_t place, std::int32_t count) {
+  std::memcpy(bytes.data() + place, &count, sizeof count);
+  return bytes;
+}
+
+/// A new unit of a class that publishes itself under a name.
+KeptUnit NewUnit(const std::string& name) {
+  for (const com::PublishedClass& unitClass : com::PublishedClasses())
+    if (unitClass.name == name) return KeptUnit(unitClass);
+  throw std::runtime_error("no class " + name);
+}
+
+TEST(PublishedPersistence, HasAsManyPortsAsCanBe) {
+  constexpr std::size_t kPlace =
+      CountPlace(std::size("Number of inlets") - 1, std::size("Number of inlet ports") - 1);
+  struct {
+    std::int32_t saved;
+    LONG inlets;
+  } const cases[] = {{2, 2}, {3, 3}, {128, 128}, {129, 128}, {0x7fffffff, 128}, {1, 2}, {0, 2}, {-1, 2}};
+  const std::string bytes = SavedBytes(NewUnit("Mixer").stream.Get());
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.saved);
+    const KeptUnit unit = NewUnit("Mixer");
+    EXPECT_EQ(LoadBytes(unit.stream.Get(), WithCount(bytes, kPlace, c.saved)), S_OK);
+    LONG ports = 0;
+    EXPECT_EQ(unit.door.Ports()->Count(&ports), S_OK);
+    EXPECT_EQ(ports, c.inlets + 1);
+    com::Variant shown;
+    EXPECT_EQ(unit.door.Parameter("Number of inlets")->get_value(shown.Put()), S_OK);
+    EXPECT_EQ(com::ReadInteger(shown.Get()), c.inlets);
+  }
+}
+
+TEST(PublishedPersistence, LetsGoOfTheStreamsAtPortsThatAStreamLacks) {
+  const std::string two = SavedBytes(NewUnit("Mixer").stream.Get());
+  const KeptUnit unit = NewUnit("Mixer");
+  EXPECT_EQ(
+      unit.object.As<IUnitConfiguration>()->SetConfiguration(com::ToBstr(R"({"numberOfInlets": 4})").Get()),
+      S_OK);
+  std::vector<com::Ref<FakeMaterial>> materials;
+  std::vector<com::Ref<ICapeUnitPort>> ports;
+  for (int i = 1; i <= 4; ++i) {
+    materials.push_back(com::Make<FakeMaterial>(std::make_shared<HostScript>()));
+    ports.push_back(unit.door.Port("Inlet " + std::to_string(i)));
+    EXPECT_EQ(ports.back()->Connect(materials.back().As<IDispatch>().Get()), S_OK);
+  }
+  EXPECT_EQ(LoadBytes(unit.stream.Get(), two), S_OK);
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(materials[i]->References(), i < 2 ? 2u : 1u) << i;
+  EXPECT_TRUE(FAILED(ports[3]->Connect(materials[3].As<IDispatch>().Get()))) << "the unit has it no more";
+}
+
+TEST(PublishedPersistence, ExplainsSplitFactorsThatDoNotFitItsOutlets) {
+  constexpr std::size_t kPlace =
+      CountPlace(std::size("Number of outlets") - 1, std::size("Number of outlet ports") - 1);
+  const KeptUnit unit = NewUnit("Splitter");
+  EXPECT_EQ(LoadBytes(unit.stream.Get(), WithCount(SavedBytes(unit.stream.Get()), kPlace, 3)), S_OK);
+  for (const char* port : {"Inlet", "Outlet1", "Outlet2", "Outlet3"}) {
+    const auto material = com::Make<FakeMaterial>(std::make_shared<HostScript>());
+    EXPECT_EQ(unit.door.Port(port)->Connect(material.As<IDispatch>().Get()), S_OK);
+  }
+  std::string message;
+  EXPECT_FALSE(unit.door.IsValid(message));
+  EXPECT_EQ(
+      message,
+      "invalid value for parameter Split factors: Invalid number of array elements for split factor value");
+}
+
 // ---- Streams kept for ever
 
 std::string ReadFile(const std::filesystem::path& path) {
@@ -152,6 +226,12 @@ TEST(PublishedPersistence, ReadsTheStreamsOfAllTimesAndPlatforms) {
     EXPECT_EQ(LoadBytes(unit.stream.Get(), bytes), S_OK) << ErrorOf(unit.stream.Get());
     EXPECT_EQ(unit.door.utilities->Initialize(), S_OK);
     const auto found = Lines(DescriptionOf(unit.door));
+    const auto isPort = [](const std::string& line) { return line.starts_with("port "); };
+    const auto portsOf = [&](std::vector<std::string> lines) {
+      std::erase_if(lines, std::not_fn(isPort));
+      return lines;
+    };
+    EXPECT_EQ(portsOf(found), portsOf(expected));
     // A later version may have more parameters, never others.
     for (const std::string& line : expected)
       EXPECT_EQ(std::ranges::count(found, line), std::ranges::count(expected, line)) << line;

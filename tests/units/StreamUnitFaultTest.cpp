@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "tests/support/Faults.h"
+#include "tests/support/Persistence.h"
 #include "tests/units/UnitBench.h"
 
 namespace morvelan::test {
@@ -132,22 +133,32 @@ std::vector<ULONG> References(const UnitBench& bench) {
   return references;
 }
 
+std::string ParametersText(const UnitBench& bench) {
+  std::string text;
+  for (const auto& parameter : ItemsOf<ICapeParameter>(bench.door.Parameters()))
+    text += ParameterText(parameter) + "\n";
+  return text;
+}
+
 /// Lets call `k` of a calculation fail; true when the unit went on with the excuse of its calculation.
 bool FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo11, int k,
               UnitBench& undisturbed) {
   const auto bench = Prepared(calculation, thermo11);
   const int objects = bench->script->liveObjects;
   const std::vector<ULONG> references = References(*bench);
+  const std::string parameters = ParametersText(*bench);
   Provoke(*bench->script, mode, k);
   const HRESULT outcome = bench->door.unit->Calculate();
   const std::string call = bench->script->calls.at(static_cast<std::size_t>(k) - 1);
   SCOPED_TRACE(testing::Message() << calculation.className << ' ' << calculation.title << ", thermo 1.1: "
                                   << thermo11 << ", " << mode.title << ", call " << k << ": " << call);
   const bool excused = outcome == S_OK && HasExcuse(*bench, calculation);
-  if (outcome != S_OK)
+  if (outcome != S_OK) {
     CheckExplanation(*bench, call, mode);
-  else
+    EXPECT_EQ(ParametersText(*bench), parameters);
+  } else {
     EXPECT_TRUE(excused || IsHarmless(call));
+  }
   EXPECT_EQ(bench->script->liveObjects, objects);
   EXPECT_EQ(References(*bench), references);
   if (IsHarmless(call)) {

@@ -99,6 +99,10 @@ struct UnitBench {
     return mode == CAPE_OUTPUT;
   }
 
+  /// Gives the unit another name than its class's.
+  void Rename(const std::string& name) {
+    EXPECT_EQ(door.unit.As<ICapeIdentification>()->put_ComponentName(com::ToBstr(name).Get()), S_OK);
+  }
   void AskForSimplifiedModel() { context->namedValues["SimplifiedModelRequest"] = com::MakeBoolean(true); }
   /// Forgets the calls and the log.
   void Restart() {
@@ -123,7 +127,7 @@ struct UnitBench {
       }
     return types;
   }
-  [[nodiscard]] long CallsOf(const std::string& label) const {
+  [[nodiscard]] std::ptrdiff_t CallsOf(const std::string& label) const {
     return std::ranges::count_if(script->calls,
                                  [&](const std::string& call) { return call.starts_with(label); });
   }
@@ -201,6 +205,7 @@ inline void CheckPressureAfterDrop(const std::string& className, const std::stri
       for (auto& [port, material] : bench.materials)
         if (port.starts_with("Inlet")) material->state.pressure = c.inlet;
       bench.Put(dropName, c.drop);
+      bench.Rename("U-7");
       if (c.quiet) bench.AskForSimplifiedModel();
       bench.Validate();
       bench.Calculate();
@@ -208,10 +213,15 @@ inline void CheckPressureAfterDrop(const std::string& className, const std::stri
         if (port.starts_with("Outlet")) EXPECT_EQ(material->state.pressure, c.outlet) << port;
       std::vector<std::string> log;
       // A drop to exactly 1 Pa is "not above 1 Pa" too.
-      if (c.outlet == 1) log.push_back(className + " warning: limiting outlet pressure to 1 Pa");
+      if (c.outlet == 1) log.push_back("U-7 warning: limiting outlet pressure to 1 Pa");
       EXPECT_EQ(bench.context->log, log);
       EXPECT_EQ(bench.door.Report("Last run") == "Report is not available", c.quiet);
     }
+  for (const double unset : {kNaN, kMissing}) {
+    UnitBench bench(className, true);
+    bench.Put(dropName, unset);
+    CheckFailedCalculation(bench.door, "parameter " + dropName + " has no value");
+  }
 }
 
 }  // namespace morvelan::test

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "com/Classes.h"
 #include "com/Ref.h"
 #include "com/Values.h"
+#include "morvelan.h"
 #include "server/ClassTable.h"
 #include "tests/windows/StandardInterfaces.h"
 
@@ -219,8 +221,12 @@ TEST(TypeLibrary, HasEveryClassAndWhatUnitsMakeForTheirHosts) {
       {"ParamCollection", "{64625F74-35FC-40D5-B59F-5FA657695784} noncreatable, by default DCollection"},
       {"InfoParamDesc", "{2D378A00-7C50-4F27-8DAB-A8DAD22C5DF8} noncreatable, by default DInfoParamDesc"},
   };
-  for (const server::UnitClass& unitClass : server::UnitClasses())
-    wanted[unitClass.name] = com::ToText(unitClass.clsid) + " creatable, by default DUnit";
+  for (const server::UnitClass& unitClass : server::UnitClasses()) {
+    const bool isConfigurable =
+        static_cast<bool>(com::CreateObject(unitClass.clsid).As<IUnitConfiguration>());
+    wanted[unitClass.name] = com::ToText(unitClass.clsid) + " creatable, by default " +
+                             (isConfigurable ? "DConfigurableUnit" : "DUnit");
+  }
   EXPECT_EQ(TextsOf(TKIND_COCLASS, ClassText), wanted);
 }
 

@@ -141,3 +141,23 @@ Tell "calculation after Terminate"
 Set unit = Nothing
 i = ports.Count
 Tell "counting the ports of a unit that is gone"
+
+' ---- A unit with a configuration.
+Set unit = CreateObject("VELT_MORV.Mixer")
+WScript.Echo "--- " & TypeName(unit) & " " & unit.ComponentName
+On Error Resume Next
+text = unit.GetConfiguration()
+Tell "configuration before Initialize"
+unit.Initialize
+WScript.Echo unit.GetConfiguration()
+unit.SetConfiguration "{""numberOfInlets"": 3}"
+Tell "three inlets"
+WScript.Echo unit.GetConfiguration() & ", " & unit.ports.Count & " ports, number of inlets: " & _
+  unit.parameters.Item("Number of inlets").value
+unit.SetConfiguration "{""numberOfInlets"": 129}"
+Tell "129 inlets"
+unit.SetConfiguration "{""inlets"": 4}"
+Tell "another key"
+unit.SetConfiguration 4
+Tell "a number"
+WScript.Echo unit.GetConfiguration()

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "framework/ReportFormat.h"
+#include "material/MissingValue.h"
 #include "material/Names.h"
 #include "material/Reading.h"
 
@@ -16,11 +16,11 @@ enum Type : std::size_t { kByHeatDuty, kByTemperature, kByEnergyInlet };
 enum Item : std::size_t { kWork, kTemperatureLow, kTemperatureHigh };
 
 constexpr const char* kHeatPortKey = "heatPort";
+const std::string kNoRangeCheck = "Warning: cannot do range check on temperature: ";
 // What the flag word of "Type" keeps in saved units.
 constexpr std::int32_t kHeatInletFlag = 0;
 constexpr std::int32_t kHeatOutletFlag = 1;
 
-constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kTemperatureTolerance = 1e-6;  // [K]
 constexpr double kFlashNoise = 1e-9;            // of an enthalpy flow, relative
 
@@ -96,7 +96,7 @@ void CHeaterCooler::InputsChanged() {
 
 bool CHeaterCooler::ValidateUnit(std::string& message) {
   if (!Inlet(0).IsConnected() || !Outlet(0).IsConnected()) message = "not all material ports are connected";
-  return message.empty();
+  return message.empty() && Configurable::ValidateUnit(message);
 }
 
 void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
@@ -106,7 +106,7 @@ void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec
         "Invalid type",
         "Invalid value for specification type: unable to determine outlet specification type");
   StartReport();
-  HeatSource source{heatDuty, kUnknown, kUnknown};
+  HeatSource source{heatDuty};
   if (type == kByEnergyInlet)
     source = ReadEnergyStream();
   else
@@ -120,13 +120,20 @@ void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec
   outlet.composition = inlet.composition;
   outlet.totalFlow = inlet.totalFlow;
   outlet.pressure = PressureAfterDrop(inlet.pressure, pressureDrop);
-  const double duty = type == kByTemperature ? FindDuty() : HeatOutlet(source);
+  const std::optional<double> duty = type == kByTemperature ? FindDuty() : HeatOutlet(source);
   outletFlashSpec.reset();
-  if (type != kByTemperature) Parameter(kOutletTemperature).SetResult(outlet.temperature);
-  if (type != kByHeatDuty) Parameter(kHeatDuty).SetResult(duty);
-  if (HeatIsOutlet() && !std::isnan(duty))
-    ForwardError("Calculate", "ICapeUnit", [&] { HeatPort().WriteInformation(kWork, -duty); });
+  PublishResults(*type, duty);
+  ReportRemainingParameters(*type);
+}
 
+void CHeaterCooler::PublishResults(std::size_t type, std::optional<double> duty) {
+  if (type != kByTemperature) Parameter(kOutletTemperature).SetResult(Outlet(0).State().temperature);
+  if (type != kByHeatDuty) Parameter(kHeatDuty).SetResult(duty.value_or(kMissingValue));
+  if (HeatIsOutlet() && duty)
+    ForwardError("Calculate", "ICapeUnit", [&] { HeatPort().WriteInformation(kWork, 0 - *duty); });
+}
+
+void CHeaterCooler::ReportRemainingParameters(std::size_t type) {
   std::vector<std::size_t> remaining = {kType, kOutletTemperature, kHeatDuty, kThermoVersion};
   if (type != kByEnergyInlet) std::erase(remaining, type == kByHeatDuty ? kHeatDuty : kOutletTemperature);
   ReportOptionalParameters(remaining);
@@ -137,21 +144,28 @@ void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec
 Json CHeaterCooler::Configuration() const { return {{kHeatPortKey, HeatIsOutlet() ? "outlet" : "inlet"}}; }
 
 void CHeaterCooler::Configure(const Json& configuration) {
-  PlaceHeatPort(ReadConfiguredChoice(configuration, kHeatPortKey, {"inlet", "outlet"}, HeatIsOutlet()) == 1);
-}
-
-void CHeaterCooler::ParametersLoaded() {
-  PlaceHeatPort(Parameter(kType).FlagWord() == kHeatOutletFlag);
-  Configurable::ParametersLoaded();
-}
-
-void CHeaterCooler::PlaceHeatPort(bool asOutlet) {
+  const bool asOutlet =
+      ReadConfiguredChoice(configuration, kHeatPortKey, {"inlet", "outlet"}, HeatIsOutlet()) == 1;
+  PlanHeatPort(asOutlet)();
   Parameter(kType).SetFlagWord(asOutlet ? kHeatOutletFlag : kHeatInletFlag);
-  if (asOutlet == HeatIsOutlet()) return;
+}
+
+std::function<void()> CHeaterCooler::LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>& records) {
+  if (records.size() <= kType) return {};
+  return PlanHeatPort(records[kType].flagWord == kHeatOutletFlag);
+}
+
+std::function<void()> CHeaterCooler::PlanHeatPort(bool asOutlet) {
+  if (asOutlet == HeatIsOutlet()) return [] {};
   PortDeclaration port = kPorts[2];
   port.direction = asOutlet ? CAPE_OUTLET : CAPE_INLET;
-  RemovePort(HeatPort());
-  AddPort(port);
+  PortList newInlets = {inlets[0]};
+  PortList newOutlets = {outlets[0]};
+  (asOutlet ? newOutlets : newInlets).push_back(MakePort(port));
+  return [this, newInlets = std::move(newInlets), newOutlets = std::move(newOutlets)]() mutable {
+    ReplacePorts(inlets, std::move(newInlets));
+    ReplacePorts(outlets, std::move(newOutlets));
+  };
 }
 
 // ---- The energy stream
@@ -163,13 +177,8 @@ CUnitInfoPort& CHeaterCooler::HeatPort() {
 CHeaterCooler::HeatSource CHeaterCooler::ReadEnergyStream() {
   if (HeatIsOutlet() || !HeatPort().IsConnected())
     throw CalculationFailure("Not connected", "Inlet energy port is not connected");
-  const double duty = ForwardError("Calculate", "ICapeUnit", [&] {
-    return material::ReadOr(
-        [&] { return com::ReadDouble(HeatPort().ReadInformation(kWork).Get()); },
-        [](const std::string& why) { return Failure("heat flow of the energy stream: " + why); });
-  });
-  HeatSource source{duty, ReadTemperature(kTemperatureLow), ReadTemperature(kTemperatureHigh)};
-  if (source.lowTemperature > source.highTemperature) {
+  HeatSource source{ReadHeat(), ReadTemperature(kTemperatureLow), ReadTemperature(kTemperatureHigh)};
+  if (source.lowTemperature && source.highTemperature && *source.lowTemperature > *source.highTemperature) {
     WarnAs(" warning: Tlow and Thigh are reversed at inlet heat stream; reversing values");
     std::swap(source.lowTemperature, source.highTemperature);
   }
@@ -177,21 +186,39 @@ CHeaterCooler::HeatSource CHeaterCooler::ReadEnergyStream() {
   return source;
 }
 
-double CHeaterCooler::ReadTemperature(std::size_t item) try {
-  if (!HeatPort().IsMatched(item)) return kUnknown;
-  const double temperature = com::ReadDouble(HeatPort().ReadInformation(item).Get());
-  return IsMissing(temperature) ? kUnknown : temperature;
-} catch (const std::exception& error) {
-  Warn(std::string("Warning: cannot do range check on temperature: ") + error.what());
-  return kUnknown;
+double CHeaterCooler::ReadHeat() {
+  return ForwardError("Calculate", "ICapeUnit", [&] {
+    const auto explain = [](const std::string& why) {
+      return Failure("heat flow of the energy stream: " + why);
+    };
+    const double heat =
+        material::ReadOr([&] { return com::ReadDouble(HeatPort().ReadInformation(kWork).Get()); }, explain);
+    if (IsMissing(heat)) throw explain("value is not set");
+    if (!std::isfinite(heat)) throw explain("value is infinite");
+    return heat;
+  });
+}
+
+std::optional<double> CHeaterCooler::ReadTemperature(std::size_t item) try {
+  if (!HeatPort().IsMatched(item)) return std::nullopt;
+  const com::Variant value = HeatPort().ReadInformation(item);
+  if (com::Borrow(value.Get()).vt == VT_EMPTY) return std::nullopt;
+  const double temperature = material::ReadOr([&] { return com::ReadDouble(value.Get()); },
+                                              [](const std::string& why) { return Failure(why); });
+  return IsMissing(temperature) ? std::nullopt : std::optional(temperature);
+} catch (const Failure& failure) {
+  Warn(kNoRangeCheck + failure.error.description);
+  return std::nullopt;
 }
 
 void CHeaterCooler::ReportEnergyStream(const HeatSource& source) {
-  const bool hasRange = !std::isnan(source.lowTemperature);
+  const auto text = [](std::optional<double> temperature) {
+    return FormatValue(temperature.value_or(kMissingValue), kTemperatureDimension);
+  };
   ReportLine("Heat duty from inlet energy port: " + FormatValue(source.duty, kPowerDimension) +
-             (hasRange ? " between " + FormatValue(source.lowTemperature, kTemperatureDimension) + " and " +
-                             FormatValue(source.highTemperature, kTemperatureDimension)
-                       : " (no temperature range for heat transfer)"));
+             (source.lowTemperature
+                  ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
+                  : " (no temperature range for heat transfer)"));
 }
 
 void CHeaterCooler::WarnAs(const std::string& text) const {
@@ -221,21 +248,22 @@ void CHeaterCooler::KeepInletTemperature() {
 
 CHeaterCooler::Limit CHeaterCooler::LimitDuty(HeatSource& source, double inletEnthalpyFlow) try {
   const bool heats = source.duty > 0;
-  if (std::isnan(source.lowTemperature) || (heats && std::isnan(source.highTemperature))) return {};
+  if (!source.lowTemperature || (heats && !source.highTemperature)) return {};
   const double inletTemperature = Inlet(0).State().temperature;
-  Outlet(0).State().temperature = heats ? std::max(inletTemperature, source.highTemperature)
-                                        : std::min(inletTemperature, source.lowTemperature);
+  Outlet(0).State().temperature = heats ? std::max(inletTemperature, *source.highTemperature)
+                                        : std::min(inletTemperature, *source.lowTemperature);
   Flash(Outlet(0), names::kTP);
-  double limit = FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
+  const double limit = FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
   // The sign of what is zero but for the flashes' tolerance must not decide.
-  if (std::abs(limit) <= kFlashNoise * (std::abs(inletEnthalpyFlow) + std::abs(source.duty))) limit = 0;
-  if (heats && limit < 0) return {.infeasible = true};
-  if (heats ? limit >= source.duty : limit <= source.duty) return {};
+  const bool isZero = std::abs(limit) <= kFlashNoise * (std::abs(inletEnthalpyFlow) + std::abs(source.duty));
+  const double decisive = isZero ? 0 : limit;
+  if (heats && decisive < 0) return {.infeasible = true};
+  if (heats ? decisive >= source.duty : decisive <= source.duty) return {};
   source.duty = limit;
   WarnAs(" warning: heat duty is limited by energy stream temperature");
   return {.reached = true};
 } catch (const Failure& failure) {
-  Warn("Warning: cannot do range check on temperature: " + failure.error.description);
+  Warn(kNoRangeCheck + failure.error.description);
   return {};
 }
 
@@ -243,27 +271,35 @@ void CHeaterCooler::FlashWithDuty(double duty, double inletEnthalpyFlow) {
   material::StreamState& outlet = Outlet(0).State();
   SetMolarEnthalpy(Outlet(0), (duty + inletEnthalpyFlow) / outlet.totalFlow);
   Flash(Outlet(0), names::kPH);
-  outlet.temperature = StoredTemperature(Outlet(0));
+  std::optional<double> temperature = StoredTemperature(Outlet(0));
+  if (!temperature) temperature = StoredTemperature(Outlet(0));  // a host may need to be asked twice
+  if (!temperature) {
+    const std::string text = "the temperature of the material on port " + Outlet(0).ComponentName() +
+                             " is not set after its flash";
+    throw CalculationFailure(text, text);
+  }
+  outlet.temperature = *temperature;
 }
 
 void CHeaterCooler::WarnOfInfeasibility(const HeatSource& source, bool infeasible) const {
-  if (std::isnan(source.lowTemperature)) return;
+  if (!source.lowTemperature) return;
   const double inletTemperature = inlets[0]->State().temperature;
   const double temperature = outlets[0]->State().temperature;
   if (source.duty > 0) {
-    if (source.lowTemperature < inletTemperature - kTemperatureTolerance)
+    if (*source.lowTemperature < inletTemperature - kTemperatureTolerance)
       WarnAs(
           " warning: inlet temperature is higher than lower energy stream temperature; this is infeasible");
-    if (infeasible && temperature - kTemperatureTolerance > source.highTemperature)
+    if (infeasible && temperature - kTemperatureTolerance > *source.highTemperature)
       WarnAs(" warning: outlet temperature is higher than energy stream temperature; this is infeasible");
-  } else if (source.duty < 0 && source.highTemperature > inletTemperature + kTemperatureTolerance) {
+  } else if (source.duty < 0 && source.highTemperature &&
+             *source.highTemperature > inletTemperature + kTemperatureTolerance) {
     WarnAs(" warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
   }
 }
 
 // ---- Heating to a temperature
 
-double CHeaterCooler::FindDuty() {
+std::optional<double> CHeaterCooler::FindDuty() {
   Outlet(0).State().temperature = outletTemperature;
   Flash(Outlet(0), names::kTP);
   try {
@@ -271,7 +307,7 @@ double CHeaterCooler::FindDuty() {
     return FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
   } catch (const Failure&) {
     Warn(ComponentName() + " unable to determine heat duty");
-    return kUnknown;
+    return std::nullopt;
   }
 }
 

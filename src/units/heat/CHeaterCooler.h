@@ -6,9 +6,15 @@
 
 namespace morvelan {
 
-/// Heats or cools a stream: by a heat duty, to an outlet temperature, or with the heat of an energy stream,
-/// whose temperatures limit how far. The configuration's "heatPort" makes the energy port an outlet, to which
-/// the heat is handed on that was taken from the stream.
+/// Heats or cools a stream by a heat duty Q [W], to an outlet temperature, or with the heat of an energy
+/// stream:
+///
+///     P_out = P_in - dP,  H_out(T_out, P_out) = H_in + Q      enthalpy flows [W]
+///
+/// The temperatures TL and TH of an energy stream limit Q so that T_out does not exceed max(T_in, TH) nor
+/// fall below min(T_in, TL); that curves of stream and source may cross in between is not seen. The
+/// configuration's "heatPort" makes the energy port an outlet, to which the heat is handed on that was taken
+/// from the stream.
 class CHeaterCooler final : public Configurable<StreamUnit> {
  public:
   CHeaterCooler();
@@ -16,7 +22,8 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   [[nodiscard]] int ThermoVersionParameterIndex() const override;
   [[nodiscard]] bool ValidateUnit(std::string& message) override;
   void InputsChanged() override;
-  void ParametersLoaded() override;
+  [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
+                                               const std::vector<ParameterRecord>& records) override;
   void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
 
  protected:
@@ -25,12 +32,11 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   void Configure(const Json& configuration) override;
 
  private:
-  /// Heat [W] offered to the stream, and the temperatures [K] between which an energy stream offers it; NaN
-  /// where it does not say.
+  /// Heat [W] offered to the stream, and the temperatures [K] between which an energy stream offers it.
   struct HeatSource {
     double duty;
-    double lowTemperature;
-    double highTemperature;
+    std::optional<double> lowTemperature = {};
+    std::optional<double> highTemperature = {};
   };
 
   /// How far the temperatures of an energy stream let it heat or cool the stream.
@@ -40,10 +46,12 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   };
 
   [[nodiscard]] bool HeatIsOutlet() const { return outlets.size() > 1; }
-  void PlaceHeatPort(bool asOutlet);
+  /// Prepares the change of the heat port to a side, which then can't fail.
+  [[nodiscard]] std::function<void()> PlanHeatPort(bool asOutlet);
   [[nodiscard]] CUnitInfoPort& HeatPort();
   [[nodiscard]] HeatSource ReadEnergyStream();
-  [[nodiscard]] double ReadTemperature(std::size_t item);
+  [[nodiscard]] double ReadHeat();
+  [[nodiscard]] std::optional<double> ReadTemperature(std::size_t item);
   void ReportEnergyStream(const HeatSource& source);
   void WarnAs(const std::string& text) const;
 
@@ -55,8 +63,10 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   [[nodiscard]] Limit LimitDuty(HeatSource& source, double inletEnthalpyFlow);
   void FlashWithDuty(double duty, double inletEnthalpyFlow);
   void WarnOfInfeasibility(const HeatSource& source, bool infeasible) const;
-  /// Flashes the outlet at its temperature and returns the duty [W], NaN when it can't be found.
-  [[nodiscard]] double FindDuty();
+  /// Flashes the outlet at its temperature and returns the duty [W], nothing when it can't be found.
+  [[nodiscard]] std::optional<double> FindDuty();
+  void PublishResults(std::size_t type, std::optional<double> duty);
+  void ReportRemainingParameters(std::size_t type);
 
   double outletTemperature = 0;  // [K]
   double heatDuty = 0;           // [W]

@@ -5,7 +5,11 @@
 namespace morvelan {
 
 /// Lowers the pressure of a stream adiabatically: the outlet has the inlet's composition, flow and enthalpy
-/// at a given pressure, or at one that is lower by a given difference.
+/// at a given pressure, or at one that is lower by a given difference,
+///
+///     P_out = P_in - dP,  h_out(T_out, P_out) = h_in      molar enthalpies [J/mol]
+///
+/// Kinetic energy is neglected. A given pressure above the inlet's is taken as it is, with a warning.
 class CValve final : public StreamUnit {
  public:
   CValve();

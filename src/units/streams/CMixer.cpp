@@ -59,25 +59,28 @@ void CMixer::CreateFace() {
 // ---- The number of inlets
 
 /// A host may put the number, but only the configuration moves ports.
-void CMixer::InputsChanged() { Parameter(kInletCount).SetResult(static_cast<std::int32_t>(inlets.size())); }
+void CMixer::InputsChanged() {
+  Parameter(kInletCount).SetMode(CAPE_OUTPUT);
+  Parameter(kInletCount).SetResult(static_cast<std::int32_t>(inlets.size()));
+}
 
-void CMixer::ParametersLoaded() {
-  SetInletCount(
-      std::clamp(std::get<std::int32_t>(Parameter(kInletCount).Value()), kFewestInlets, kMostInlets));
-  Configurable::ParametersLoaded();
+std::function<void()> CMixer::LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>& records) {
+  if (records.size() <= kInletCount) return {};
+  return PlanInlets(
+      std::clamp(std::get<std::int32_t>(records[kInletCount].value), kFewestInlets, kMostInlets));
 }
 
 Json CMixer::Configuration() const { return {{kCountKey, inlets.size()}}; }
 
 void CMixer::Configure(const Json& configuration) {
-  SetInletCount(ReadConfiguredCount(configuration, kCountKey, kFewestInlets, kMostInlets,
-                                    static_cast<std::int32_t>(inlets.size())));
+  PlanInlets(ReadConfiguredCount(configuration, kCountKey, kFewestInlets, kMostInlets,
+                                 static_cast<std::int32_t>(inlets.size())))();
 }
 
-void CMixer::SetInletCount(std::int32_t count) {
-  ResizePorts(inlets, static_cast<std::size_t>(count), kPorts[0],
-              [](std::size_t number) { return "Inlet " + std::to_string(number); });
-  Parameter(kInletCount).SetResult(count);
+std::function<void()> CMixer::PlanInlets(std::int32_t count) {
+  auto resized = ResizedPorts(inlets, static_cast<std::size_t>(count), kPorts[0],
+                              [](std::size_t number) { return "Inlet " + std::to_string(number); });
+  return [this, resized = std::move(resized)]() mutable { ReplacePorts(inlets, std::move(resized)); };
 }
 
 // ---- Calculation

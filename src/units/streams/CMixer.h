@@ -13,7 +13,8 @@ class CMixer final : public Configurable<StreamUnit> {
 
   [[nodiscard]] int ThermoVersionParameterIndex() const override;
   void InputsChanged() override;
-  void ParametersLoaded() override;
+  [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
+                                               const std::vector<ParameterRecord>& records) override;
   void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
 
  protected:
@@ -30,7 +31,8 @@ class CMixer final : public Configurable<StreamUnit> {
     std::vector<double> compoundFlows;  // [mol/s], one per compound
   };
 
-  void SetInletCount(std::int32_t count);
+  /// Prepares the change to another number of inlets, which then can't fail.
+  [[nodiscard]] std::function<void()> PlanInlets(std::int32_t count);
   [[nodiscard]] Feed CollectFeed(std::size_t compoundCount);
 
   double pressureDrop = 0;  // [Pa]

@@ -55,6 +55,11 @@ const UnitDeclaration kDeclaration = {
     .reports = kLastRun,
 };
 
+/// The part of the flow that the last outlet takes. The factors may exceed one by what rounding leaves.
+double Rest(const std::vector<double>& factors) {
+  return std::max(0.0, 1 - std::accumulate(factors.begin(), factors.end(), 0.0));
+}
+
 }  // namespace
 
 CSplitter::CSplitter() : Configurable(kDeclaration) {}
@@ -81,36 +86,37 @@ bool CSplitter::ValidateParameterValue(const CParameter& parameter, std::string&
 
 /// A host may put the number, but only the configuration moves ports.
 void CSplitter::InputsChanged() {
+  Parameter(kOutletCount).SetMode(CAPE_OUTPUT);
   Parameter(kOutletCount).SetResult(static_cast<std::int32_t>(outlets.size()));
 }
 
-void CSplitter::ParametersLoaded() {
-  const auto count = std::get<std::int32_t>(Parameter(kOutletCount).Value());
-  SetOutletCount(std::clamp(count, kFewestOutlets, kMostOutlets));
-  Configurable::ParametersLoaded();
+std::function<void()> CSplitter::LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>& records) {
+  if (records.size() <= kOutletCount) return {};
+  return PlanOutlets(
+      std::clamp(std::get<std::int32_t>(records[kOutletCount].value), kFewestOutlets, kMostOutlets));
 }
 
 Json CSplitter::Configuration() const { return {{kCountKey, outlets.size()}}; }
 
 void CSplitter::Configure(const Json& configuration) {
-  SetOutletCount(ReadConfiguredCount(configuration, kCountKey, kFewestOutlets, kMostOutlets,
-                                     static_cast<std::int32_t>(outlets.size())));
-  ResizeSplitFactors();
-}
-
-void CSplitter::SetOutletCount(std::int32_t count) {
-  ResizePorts(outlets, static_cast<std::size_t>(count), kPorts[1],
-              [](std::size_t number) { return "Outlet" + std::to_string(number); });
-  Parameter(kOutletCount).SetResult(count);
-}
-
-void CSplitter::ResizeSplitFactors() {
-  auto factors = std::get<std::vector<double>>(Parameter(kSplitFactors).Value());
-  const double rest = std::max(0.0, 1 - std::accumulate(factors.begin(), factors.end(), 0.0));
-  const std::size_t wanted = outlets.size() - 1;
-  if (factors.size() < wanted) factors.push_back(rest);  // of what was the last outlet
-  factors.resize(wanted, 0.0);
+  const std::int32_t count = ReadConfiguredCount(configuration, kCountKey, kFewestOutlets, kMostOutlets,
+                                                 static_cast<std::int32_t>(outlets.size()));
+  auto factors = ResizedSplitFactors(static_cast<std::size_t>(count));
+  PlanOutlets(count)();
   Parameter(kSplitFactors).SetResult(std::move(factors));
+}
+
+std::function<void()> CSplitter::PlanOutlets(std::int32_t count) {
+  auto resized = ResizedPorts(outlets, static_cast<std::size_t>(count), kPorts[1],
+                              [](std::size_t number) { return "Outlet" + std::to_string(number); });
+  return [this, resized = std::move(resized)]() mutable { ReplacePorts(outlets, std::move(resized)); };
+}
+
+std::vector<double> CSplitter::ResizedSplitFactors(std::size_t outletCount) {
+  auto factors = std::get<std::vector<double>>(Parameter(kSplitFactors).Value());
+  if (factors.size() + 1 < outletCount) factors.push_back(Rest(factors));  // of what was the last outlet
+  factors.resize(outletCount - 1, 0.0);
+  return factors;
 }
 
 // ---- Calculation
@@ -137,13 +143,8 @@ void CSplitter::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
 std::vector<double> CSplitter::SplitFlow(double inletFlow) {
   const auto& factors = std::get<std::vector<double>>(Parameter(kSplitFactors).Value());
   std::vector<double> flows;
-  double rest = 1;
-  for (const double factor : factors) {
-    flows.push_back(factor * inletFlow);
-    rest -= factor;
-  }
-  // The factors may exceed one by what rounding leaves.
-  flows.push_back(std::max(0.0, rest) * inletFlow);
+  for (const double factor : factors) flows.push_back(factor * inletFlow);
+  flows.push_back(Rest(factors) * inletFlow);
   return flows;
 }
 

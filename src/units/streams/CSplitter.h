@@ -15,7 +15,8 @@ class CSplitter final : public Configurable<StreamUnit> {
   [[nodiscard]] bool ValidateParameterValue(const CParameter& parameter, std::string& message,
                                             const ParameterValue& value) const override;
   void InputsChanged() override;
-  void ParametersLoaded() override;
+  [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
+                                               const std::vector<ParameterRecord>& records) override;
   void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
 
  protected:
@@ -24,10 +25,11 @@ class CSplitter final : public Configurable<StreamUnit> {
   void Configure(const Json& configuration) override;
 
  private:
-  void SetOutletCount(std::int32_t count);
-  /// Split factors for the outlets that there are: a new outlet gets nothing yet, and what a removed one had
+  /// Prepares the change to another number of outlets, which then can't fail.
+  [[nodiscard]] std::function<void()> PlanOutlets(std::int32_t count);
+  /// Split factors for another number of outlets: a new outlet gets nothing yet, and what a removed one had
   /// goes to the last.
-  void ResizeSplitFactors();
+  [[nodiscard]] std::vector<double> ResizedSplitFactors(std::size_t outletCount);
   /// The outlets' flows [mol/s].
   [[nodiscard]] std::vector<double> SplitFlow(double inletFlow);
   [[nodiscard]] bool IsFedWithOneCompound();

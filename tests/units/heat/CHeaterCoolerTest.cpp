@@ -36,7 +36,7 @@ struct Specification {
   const char* optional;
 };
 
-constexpr const char* kZeroFlow = "WARNING: HeaterCooler HeaterCooler: Zero flow; using zero heat duty";
+constexpr const char* kZeroFlow = "WARNING: HeaterCooler H-101: Zero flow; using zero heat duty";
 
 constexpr const char* kOffered =
     "Heat duty from inlet energy port: 500 W (no temperature range for heat transfer)";
@@ -47,6 +47,7 @@ const Specification kSpecifications[] = {
     {"Heat duty", 1000, 2, 310, 1000, "PH", "Heat duty:\t1000 W", "Outlet temperature:\t310 K\r\n"},
     {"Heat duty", -5000, 2, 250, -5000, "PH", "Heat duty:\t-5000 W", "Outlet temperature:\t250 K\r\n"},
     {"Heat duty", 1000, 0, 300, 1000, "TP", "Heat duty:\t1000 W", "Outlet temperature:\t300 K\r\n"},
+    {"Heat duty", 1000, -2, 300, 1000, "TP", "Heat duty:\t1000 W", "Outlet temperature:\t300 K\r\n"},
     {"Temperature", 320, 2, 320, 2000, "TP", "Outlet temperature:\t320 K", "Heat duty:\t2000 W\r\n"},
     {"Temperature", 280, 2, 280, -2000, "TP", "Outlet temperature:\t280 K", "Heat duty:\t-2000 W\r\n"},
     {"Temperature", 320, 0, 320, 0, "TP", "Outlet temperature:\t320 K", "Heat duty:\t0 W\r\n"},
@@ -68,6 +69,7 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
                                         << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         UnitBench bench("HeaterCooler", thermo11);
         const std::string type = c.type;
+        bench.Rename("H-101");
         bench.At("Inlet").flow = c.flow;
         bench.Put("Type", c.type);
         bench.Put("Pressure drop", 2e4);
@@ -85,7 +87,7 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
         EXPECT_EQ(bench.Flashes(), c.flashes) << "and no second flash";
         EXPECT_NEAR(bench.Number("Outlet temperature"), c.temperature, 1e-12 * c.temperature);
         EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9);
-        const bool warns = c.flow == 0 && type != "Temperature" && !quiet;
+        const bool warns = c.flow <= 0 && type != "Temperature" && !quiet;
         EXPECT_EQ(bench.context->log,
                   warns ? std::vector<std::string>{kZeroFlow} : std::vector<std::string>{});
         EXPECT_EQ(bench.door.Report("Last run"), quiet ? "Report is not available" : ReportOf(c, thermo11));
@@ -94,9 +96,7 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
 
 // ---- The temperatures of the energy stream
 
-std::string Named(const char* warning) {
-  return std::string("HeaterCooler \"HeaterCooler\" warning: ") + warning;
-}
+std::string Named(const char* warning) { return std::string("HeaterCooler \"H-101\" warning: ") + warning; }
 
 const std::string kReversed = Named("Tlow and Thigh are reversed at inlet heat stream; reversing values");
 const std::string kLimited = Named("heat duty is limited by energy stream temperature");
@@ -124,7 +124,8 @@ const RangeCase kRangeCases[] = {
     {"heating limited", 20000, 350, 400, 10000, 400, "TP", {kLimited}},
     {"limited, source cold at one end", 20000, 280, 400, 10000, 400, "TP", {kLimited, kInletTooHot}},
     {"source cold at one end", 1000, 280, 400, 1000, 310, "TP PH", {kInletTooHot}},
-    {"cold but for rounding", 1000, 300 - 1e-7, 400, 1000, 310, "TP PH"},
+    {"cold but for rounding", 1000, 300 - 9e-7, 400, 1000, 310, "TP PH"},
+    {"hardly cold", 1000, 300 - 2e-6, 400, 1000, 310, "TP PH", {kInletTooHot}},
     {"heating from below the inlet", 1000, 250, 290, 0, 300, "TP", {kLimited}},
     {"heating, reversed", 1000, 400, 350, 1000, 310, "TP PH", {kReversed}},
     {"heating, reversed and limited", 20000, 400, 350, 10000, 400, "TP", {kReversed, kLimited}},
@@ -138,16 +139,22 @@ const RangeCase kRangeCases[] = {
     {"cooling limited", -20000, 250, 280, -5000, 250, "TP", {kLimited}},
     {"cooling, reversed and limited", -20000, 280, 250, -5000, 250, "TP", {kReversed, kLimited}},
     {"sink warm at one end", -1000, 250, 320, -1000, 290, "TP PH", {kInletTooCold}},
-    {"warm but for rounding", -1000, 250, 300 + 1e-7, -1000, 290, "TP PH"},
+    {"warm but for rounding", -1000, 250, 300 + 9e-7, -1000, 290, "TP PH"},
+    {"hardly warm", -1000, 250, 300 + 2e-6, -1000, 290, "TP PH", {kInletTooCold}},
     {"cooling from above the inlet", -1000, 320, 350, 0, 300, "TP", {kLimited}},
     {"cooling, no upper temperature", -20000, 250, {}, -5000, 250, "TP", {kLimited}},
     {"no heat", 0, 250, 350, 0, 300, "TP PH"},
     // H_lim = 2 x 40 x 310 = 24800 W is less than was fed: marked only. T = (30000 + 1000) / (2 x 40).
     {"heating lowers enthalpy", 1000, 305, 310, 1000, 387.5, "TP PH", {kOutletTooHot}, 40},
+    {"hardly above the limit", 1e-5, 305, 375 - 1.5e-6, 1e-5, 375 + 1.25e-7, "TP PH", {kOutletTooHot}, 40},
+    {"above but for rounding", 1e-5, 305, 375 - 5e-7, 1e-5, 375 + 1.25e-7, "TP PH", {}, 40},
+    // H_lim = 2 x 60 x 300 = 36000 W is more than was fed, though nothing is to be heated.
+    {"cooling raises enthalpy", -1000, 300, 350, 6000, 300, "TP", {kLimited}, 60},
+    {"no heat does", 0, 300, 350, 6000, 300, "TP", {kLimited}, 60},
     {"so from below", 1000, 250, 310, 1000, 387.5, "TP PH", {kInletTooHot, kOutletTooHot}, 40},
     // A limit of zero but for the flashes' noise, of either sign.
-    {"limit hardly below zero", 1000, 250, 300, 0, 300, "TP", {kLimited}, 50 * (1 - 5e-10)},
-    {"limit hardly above zero", -1000, 300, 350, 0, 300, "TP", {kLimited}, 50 * (1 + 5e-10)},
+    {"limit hardly below zero", 1000, 250, 300, -1.5e-5, 300, "TP", {kLimited}, 50 * (1 - 5e-10)},
+    {"limit hardly above zero", -1000, 300, 350, 1.5e-5, 300, "TP", {kLimited}, 50 * (1 + 5e-10)},
 };
 
 std::string RangeText(const RangeCase& c) {
@@ -166,6 +173,7 @@ TEST(CHeaterCooler, KeepsToTheTemperaturesOfItsEnergyStream) {
       for (const RangeCase& c : kRangeCases) {
         SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         UnitBench bench("HeaterCooler", thermo11);
+        bench.Rename("H-101");
         bench.At("Outlet").heatCapacity = c.productCapacity;
         bench.ConnectHeat(c.work, c.low, c.high);
         bench.Put("Type", "Energy inlet");
@@ -198,6 +206,8 @@ TEST(CHeaterCooler, GoesOnWithoutALimitThatCannotBeFound) {
       {"a text for a temperature",
        [](UnitBench& bench) { bench.heat->parameters[1]->value = com::MakeString("warm"); },
        "a number expected, a text found"},
+      {"no value for a temperature",
+       [](UnitBench& bench) { bench.heat->parameters[1]->value = com::Variant(); }, nullptr},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.title);
@@ -208,7 +218,8 @@ TEST(CHeaterCooler, GoesOnWithoutALimitThatCannotBeFound) {
     bench.Calculate();
     EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, 500);
     EXPECT_EQ(bench.Number("Heat duty"), 20000);
-    EXPECT_EQ(bench.context->log, std::vector<std::string>{std::string(kNoCheck) + c.why});
+    EXPECT_EQ(bench.context->log,
+              c.why ? std::vector<std::string>{std::string(kNoCheck) + c.why} : std::vector<std::string>{});
   }
 }
 
@@ -216,11 +227,35 @@ TEST(CHeaterCooler, GoesOnWithoutADutyThatCannotBeFound) {
   UnitBench bench("HeaterCooler", true);
   bench.Put("Type", "Temperature");
   bench.Put("Outlet temperature", 350);
+  bench.Rename("H-101");
   bench.At("Outlet").statuses = {CAPE_UNKNOWNPHASESTATUS, CAPE_UNKNOWNPHASESTATUS};
   bench.Calculate();
   EXPECT_EQ(bench.At("Outlet").temperature, 350);
-  EXPECT_EQ(bench.context->log, std::vector<std::string>{"HeaterCooler unable to determine heat duty"});
+  EXPECT_EQ(bench.context->log, std::vector<std::string>{"H-101 unable to determine heat duty"});
   EXPECT_NE(bench.door.Report("Last run").find("Heat duty:\tN/A\r\n"), std::string::npos);
+  bench.Put("Type", "Heat duty");
+  CheckFailedCalculation(bench.door, "parameter Heat duty has no value");
+}
+
+TEST(CHeaterCooler, AsksAgainForATemperatureThatIsNotSet) {
+  for (const int unset : {1, 2}) {
+    UnitBench bench("HeaterCooler", false);
+    bench.Put("Heat duty", 1000);
+    bench.Validate();
+    int asked = 0;
+    bench.script->oddAnswers["GetProp Temperature"] = [&] {
+      // The first time is for the feed.
+      const bool isUnset = ++asked > 1 && asked <= 1 + unset;
+      return com::MakeDoubles(std::array{isUnset ? kNaN : 310.0});
+    };
+    if (unset == 1) {
+      bench.Calculate();
+      EXPECT_EQ(bench.Number("Outlet temperature"), 310);
+    } else {
+      CheckFailedCalculation(bench.door,
+                             "the temperature of the material on port Outlet is not set after its flash");
+    }
+  }
 }
 
 TEST(CHeaterCooler, NeedsItsEnergyStreamOnlyForItsHeat) {
@@ -229,9 +264,15 @@ TEST(CHeaterCooler, NeedsItsEnergyStreamOnlyForItsHeat) {
   bench.Put("Type", "Energy inlet");
   bench.Validate();
   CheckFailedCalculation(bench.door, "Inlet energy port is not connected", "Not connected");
-  bench.ConnectHeat(1000);
-  bench.heat->parameters[0]->value = com::MakeString("much");
-  CheckFailedCalculation(bench.door, "heat flow of the energy stream: a number expected, a text found");
+  EXPECT_EQ(bench.door.Report("Last run"), "+++ specifications +++\r\n\r\n");
+  bench.ConnectHeat(1000, 280, 400);
+  const auto expectRefused = [&](com::Variant heat, const std::string& why) {
+    bench.heat->parameters[0]->value = std::move(heat);
+    CheckFailedCalculation(bench.door, "heat flow of the energy stream: " + why);
+  };
+  expectRefused(com::MakeString("much"), "a number expected, a text found");
+  for (const double unset : {kNaN, kMissing}) expectRefused(com::MakeDouble(unset), "value is not set");
+  expectRefused(com::MakeDouble(-std::numeric_limits<double>::infinity()), "value is infinite");
   bench.heat->parameters[0]->value = com::MakeDouble(1000);
   bench.Calculate();
   EXPECT_EQ(bench.At("Outlet").temperature, 310);

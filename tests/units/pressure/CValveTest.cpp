@@ -27,12 +27,13 @@ struct ValveCase {
   std::vector<std::string> log;
 };
 
-constexpr const char* kNegative = "WARNING: Valve Valve; pressure drop is negative";
-constexpr const char* kFloor = "Valve warning: limiting outlet pressure to 1 Pa";
+constexpr const char* kNegative = "WARNING: Valve V-2; pressure drop is negative";
+constexpr const char* kFloor = "V-2 warning: limiting outlet pressure to 1 Pa";
 
 const ValveCase kValveCases[] = {
     {"Pressure difference", 2e4, 2, 8e4, 2e4, {}},
     {"Pressure difference", 2e4, 0, 8e4, 2e4, {}},
+    {"Pressure difference", 2e4, -2, 8e4, 2e4, {}},
     {"Pressure difference", 3e5, 2, 1, 3e5, {kFloor}},
     {"Pressure", 6e4, 2, 6e4, 4e4, {}},
     {"Pressure", 6e4, 0, 6e4, 4e4, {}},
@@ -49,6 +50,7 @@ TEST(CValve, ThrottlesAtConstantEnthalpy) {
         SCOPED_TRACE(testing::Message() << c.specification << ' ' << c.value << ", flow " << c.flow
                                         << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         UnitBench bench("Valve", thermo11);
+        bench.Rename("V-2");
         bench.At("Inlet").flow = c.flow;
         bench.At("Outlet").heatCapacity = 60;  // a product that cools on throttling
         bench.Put("Pressure spec.", c.specification);
@@ -75,6 +77,30 @@ TEST(CValve, ThrottlesAtConstantEnthalpy) {
                         : "+++ specifications +++\r\n\r\n" + (byPressure ? pressure : difference) +
                               "\r\n+++ optional parameters +++\r\n" + (byPressure ? difference : pressure));
       }
+}
+
+TEST(CValve, RefusesANegativeDifferenceOnceItIsTheSpecification) {
+  UnitBench bench("Valve", false);
+  bench.Put("Pressure spec.", "Pressure");
+  bench.Put("Pressure", 1.5e5);
+  bench.Calculate();
+  EXPECT_EQ(bench.Number("Pressure difference"), -5e4);
+  bench.Put("Pressure spec.", "Pressure difference");
+  CheckFailedCalculation(bench.door, "invalid value for parameter Pressure difference: value out of bounds");
+}
+
+// The report is written before the flash.
+TEST(CValve, ReportsWhatItWasAboutToFlash) {
+  UnitBench bench("Valve", false);
+  bench.Put("Pressure difference", 2e4);
+  bench.Validate();
+  bench.At("Inlet").flow = 0;
+  bench.script->oddAnswers["GetProp enthalpy"] = [] { return com::MakeString("much"); };
+  EXPECT_EQ(bench.door.unit->Calculate(), kUnitFailed) << "the enthalpy is read without flow, too";
+  EXPECT_EQ(bench.door.Report("Last run"),
+            "+++ specifications +++\r\n\r\nPressure difference:\t20000 Pa\r\n\r\n+++ optional parameters "
+            "+++\r\nPressure:\t80000 Pa\r\n");
+  EXPECT_EQ(bench.Number("Pressure"), 100000) << "a failure changes no parameter";
 }
 
 TEST(CValve, NeedsOneEnthalpy) {

@@ -87,6 +87,19 @@ TEST(CMixer, NeedsBothInlets) {
   CheckFailedCalculation(bench.door, "not all material ports are connected");
 }
 
+TEST(CMixer, FailsWhenAStreamIsTakenAwayWhileItAsks) {
+  for (const bool thermo11 : {false, true})
+    for (const char* port : {"Inlet 2", "Outlet"}) {
+      UnitBench bench("Mixer", thermo11);
+      bench.Validate();
+      bench.script->oddAnswers[thermo11 ? "GetCompoundList" : "ComponentIds"] = [&] {
+        EXPECT_EQ(bench.door.Port(port)->Disconnect(), S_OK);
+        return com::MakeStrings(std::vector<std::string>{"methane", "ethane"});
+      };
+      CheckFailedCalculation(bench.door, "The unit was changed while it was calculated");
+    }
+}
+
 TEST(CMixer, LowersThePressure) { CheckPressureAfterDrop("Mixer", "Pressure drop"); }
 
 }  // namespace

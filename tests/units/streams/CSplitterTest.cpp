@@ -93,8 +93,8 @@ TEST(CSplitter, RefusesSplitFactorsThatDoNotSplit) {
     std::vector<double> factors;
     const char* text;
   } const cases[] = {
-      {{}, kCount},     {{0.5, 0.3}, kCount}, {{0.2, 0.3, 0.5}, kCount},
-      {{1.1}, kBounds}, {{-0.1}, kBounds},    {{kNaN}, kBounds},
+      {{}, kCount},      {{0.5, 0.3}, kCount}, {{0.2, 0.3, 0.5}, kCount}, {{1.1}, kBounds},
+      {{-0.1}, kBounds}, {{kNaN}, kBounds},    {{1.1, 0.2}, kBounds},     {{0.9, 0.9}, kCount},
   };
   UnitBench bench("Splitter", false);
   EXPECT_EQ(bench.Put("Split factors", Factors({0.75})), S_OK);
@@ -117,10 +117,10 @@ TEST(CSplitter, DividesAmongThree) {
     std::vector<double> flows;  // of 2 mol/s; none when refused
     const char* text = "";
   } const cases[] = {
-      {{0.3, 0.3}, {0.6, 0.6, 0.8}},
+      {{0.3, 0.3}, {0.3 * 2, 0.3 * 2, (1 - (0.3 + 0.3)) * 2}},
       {{0, 0}, {0, 0, 2}},
       {{0.5, 0.5}, {1, 1, 0}},
-      {{0.7, 0.3 + 5e-14}, {1.4, 0.6, 0}},  // what rounding may add is not taken from the last outlet
+      {{0.7, 0.3 + 5e-14}, {1.4, 0.6 + 1e-13, 0}},  // what rounding may add is not taken from the last outlet
       {{0.7, 0.3 + 2e-13}, {}, kTotal},
       {{0.6, 0.5}, {}, kTotal},
       {{0.5}, {}, "Invalid number of array elements for split factor value"},
@@ -137,8 +137,45 @@ TEST(CSplitter, DividesAmongThree) {
     }
     bench.Calculate();
     for (std::size_t k = 0; k < 3; ++k)
-      EXPECT_NEAR(bench.At("Outlet" + std::to_string(k + 1)).flow, c.flows[k], 1e-12);
-    EXPECT_GE(bench.At("Outlet3").flow, 0);
+      EXPECT_DOUBLE_EQ(bench.At("Outlet" + std::to_string(k + 1)).flow, c.flows[k]);
+  }
+  bench.At("Inlet").fractions = {1, 0};
+  bench.Restart();
+  bench.Calculate();
+  EXPECT_EQ(bench.Flashes(), "PH PH PH");
+  for (const char* outlet : {"Outlet1", "Outlet2", "Outlet3"})
+    EXPECT_EQ(bench.At(outlet).written["enthalpy"], std::vector<double>{50 * 300}) << outlet;
+}
+
+/// A number in an array of two dimensions.
+com::Variant Table() {
+  SAFEARRAYBOUND bounds[] = {{1, 0}, {1, 0}};
+  com::Variant table;
+  VARIANT* variant = table.Put();
+  variant->vt = VT_ARRAY | VT_R8;
+  variant->parray = SafeArrayCreate(VT_R8, 2, bounds);
+  return table;
+}
+
+TEST(CSplitter, NeedsTheEnthalpyOfOneCompound) {
+  struct {
+    com::Variant (*answer)();
+    const char* text;
+  } const cases[] = {
+      {[] { return com::MakeString("much"); }, "expected a double array"},
+      {[] { return Table(); }, "unexpected array bounds"},
+      {[] {
+         return com::MakeDoubles(std::array{1.0, 2.0});
+       },
+       "expected a double array with dimension of 1"},
+      {[] { return com::MakeDoubles(std::array{kNaN}); },
+       "the enthalpy of the material on port Inlet is not set"},
+  };
+  for (const auto& c : cases) {
+    UnitBench bench("Splitter", false);
+    bench.At("Inlet").fractions = {1, 0};
+    bench.script->oddAnswers["GetProp enthalpy"] = c.answer;
+    CheckFailedCalculation(bench.door, c.text);
   }
 }
 
