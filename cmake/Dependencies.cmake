@@ -1,5 +1,5 @@
-# The libraries that the project calls. All of them are headers alone but for GoogleTest and Google Benchmark. For
-# Windows the system's headers are reached through links in a folder of their own, for the rest of /usr/include must
+# The libraries that the project calls. All of them are headers alone but for GoogleTest, Google Benchmark and muParser.
+# For Windows the system's headers are reached through links in a folder of their own, for the rest of /usr/include must
 # not be seen by the cross-compiler; GoogleTest is built from its sources.
 
 if(CMAKE_CROSSCOMPILING)
@@ -22,7 +22,9 @@ if(MORVELAN_TESTS AND CMAKE_CROSSCOMPILING)
   add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 elseif(MORVELAN_TESTS)
   find_package(GTest REQUIRED)
+  find_package(muparser REQUIRED)
 endif()
 if(MORVELAN_BENCHMARKS)
   find_package(benchmark REQUIRED)
+  find_package(muparser REQUIRED)
 endif()

@@ -1,7 +1,7 @@
 # What the top-level commands share: installing what is missing, and building. Sourced by them; expects $root.
 
 packages=(
-  cmake ninja-build g++             # the build
+  cmake ninja-build g++ bison       # the build
   mingw-w64-tools libwine-dev       # widl and the system's interface definitions
   nlohmann-json3-dev libcli11-dev   # flowsheet files, command line
   libeigen3-dev libboost-dev        # the reference host's thermodynamics
@@ -23,9 +23,11 @@ install_missing() {
 
 # build PRESET [TARGET...]: configures once and builds; the log shows only when it fails.
 build() {
-  local preset=$1 log=$root/build/$1.log
+  local preset=$1 log=$root/build/$1.log system=native
   shift
   mkdir -p "$root/build"
+  [ "$preset" != windows ] || system=windows
+  "$root/cmake/prepare-numerics" "$system"
   (
     cd "$root"
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"

@@ -147,7 +147,9 @@ has_licences() {
     grep -q 'Mozilla Public License Version 2.0' "$texts/Eigen.txt" &&
     grep -q 'Boost Software License - Version 1.0' "$texts/Boost.txt" &&
     grep -q 'GCC RUNTIME LIBRARY EXCEPTION' "$texts/GCC-runtime.txt" &&
-    grep -q 'winpthreads' "$texts/MinGW-w64-and-winpthreads.txt" || return 1
+    grep -q 'winpthreads' "$texts/MinGW-w64-and-winpthreads.txt" &&
+    grep -q 'Lawrence Livermore National Security' "$texts/SUNDIALS.txt" &&
+    grep -q 'University of Tennessee' "$texts/LAPACK.txt" || return 1
   for name in GPL-3 LGPL-2.1; do grep -q 'GNU' "$texts/common-licenses/$name.txt" || return 1; done
 }
 

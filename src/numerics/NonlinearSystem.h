@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace morvelan::numerics {
+
+/// A square matrix in someone else's memory, column by column.
+struct SquareMatrix {
+  std::span<double> values;
+  std::size_t order = 0;
+
+  [[nodiscard]] double& operator()(std::size_t row, std::size_t column) const {
+    return values[column * order + row];
+  }
+  [[nodiscard]] std::span<double> Column(std::size_t column) const {
+    return values.subspan(column * order, order);
+  }
+};
+
+/// N equations F(x) = 0 in N unknowns. Unknowns and equations should be scaled to the order of one. What a
+/// function throws ends the solution and reaches the solver's caller.
+struct NonlinearSystem {
+  /// Computes F at x. Gives false, and says why, where F cannot be evaluated: the solver then tries a shorter
+  /// step. A value that is no number or infinite counts as such a failure.
+  std::function<bool(std::span<const double> x, std::span<double> F, std::string& errorText)> residual = {};
+  /// Optional: computes J(i, j) = dF_i/dx_j at x, into a matrix of zeros; gives false where it cannot.
+  /// Without it the derivatives are finite differences.
+  std::function<bool(std::span<const double> x, SquareMatrix J)> jacobian = {};
+  /// Optional: whether F may be evaluated at x. The residual is not called where it says no.
+  std::function<bool(std::span<const double> x)> isValid = {};
+};
+
+struct NonlinearOptions {
+  double tolerance = 1e-6;           // of the largest |F_i|; 0 is the solver's own, 6e-6
+  std::int32_t maxIterations = 100;  // 0 is the solver's own, 200
+  /// Unknowns, by index, that stay above zero: a step is cut before it leaves, however far it would go.
+  /// (Where only the residual fails or isValid refuses, a step is halved four times at most.)
+  std::vector<std::size_t> positiveUnknowns = {};
+};
+
+struct NonlinearResult {
+  bool success = false;
+  std::int32_t iterations = 0;           // Newton steps; 1 where the guess was a solution already
+  std::int64_t residualEvaluations = 0;  // those for finite differences too
+  std::string errorText;                 // without success: why
+  std::string lastMessage;  // the residual's or the Jacobian's where that failed last, else the solver's own
+};
+
+/// Solves the system from the guess in x by Newton's method with a line search; x is written with success
+/// only. Calls may be nested and may run in several threads.
+[[nodiscard]] NonlinearResult SolveNonlinear(const NonlinearSystem& system, std::span<double> x,
+                                             const NonlinearOptions& options = {});
+
+}  // namespace morvelan::numerics

@@ -1,0 +1,199 @@
+#include "tests/numerics/ClassicalSystems.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace morvelan::numerics::test {
+namespace {
+
+using Vector = std::span<const double>;
+
+bool IsAnything(Vector) { return true; }
+bool IsPositive(Vector x) {
+  return std::ranges::all_of(x, [](double value) { return value > 0.0; });
+}
+
+// Equilibrium constants, Meintjes and Morgan (1990), at 40 atm and with ten mol of oxygen atoms per mol of
+// propane.
+constexpr double kPressure = 40.0;  // [atm]
+constexpr double kOxygen = 10.0;    // [mol]
+constexpr double K5 = 1.930e-1, K6 = 2.597e-3, K7 = 3.448e-3, K8 = 1.799e-5, K9 = 2.155e-4, K10 = 3.846e-5;
+
+bool PropaneResidual(Vector n, std::span<double> F, std::string& errorText) {
+  if (!IsPositive(n)) {
+    errorText = "an amount is not positive";
+    return false;
+  }
+  const auto x = [&](std::size_t i) { return n[i - 1]; };
+  const double p = kPressure / x(11);
+  F[0] = x(1) + x(4) - 3.0;
+  F[1] = 2.0 * x(1) + x(2) + x(4) + x(7) + x(8) + x(9) + 2.0 * x(10) - kOxygen;
+  F[2] = 2.0 * x(2) + 2.0 * x(5) + x(6) + x(7) - 8.0;
+  F[3] = 2.0 * x(3) + x(9) - 4.0 * kOxygen;
+  F[4] = K5 * x(2) * x(4) - x(1) * x(5);
+  F[5] = K6 * std::sqrt(x(2) * x(4)) - std::sqrt(x(1) * p) * x(6);
+  F[6] = K7 * std::sqrt(x(1) * x(2)) - std::sqrt(x(4) * p) * x(7);
+  F[7] = K8 * x(1) - x(4) * x(8) * p;
+  F[8] = K9 * x(1) * std::sqrt(x(3)) - x(4) * x(9) * std::sqrt(p);
+  F[9] = K10 * x(1) * x(1) - x(4) * x(4) * x(10) * p;
+  F[10] = x(11);
+  for (std::size_t i = 1; i <= 10; ++i) F[10] -= x(i);
+  return true;
+}
+
+bool PropaneJacobian(Vector n, SquareMatrix J) {
+  const auto x = [&](std::size_t i) { return n[i - 1]; };
+  const auto d = [&](std::size_t i, std::size_t j) -> double& { return J(i - 1, j - 1); };
+  const double p = kPressure / x(11);
+  d(1, 1) = d(1, 4) = 1.0;
+  d(2, 1) = d(2, 10) = 2.0;
+  d(2, 2) = d(2, 4) = d(2, 7) = d(2, 8) = d(2, 9) = 1.0;
+  d(3, 2) = d(3, 5) = 2.0;
+  d(3, 6) = d(3, 7) = 1.0;
+  d(4, 3) = 2.0;
+  d(4, 9) = 1.0;
+  d(5, 1) = -x(5);
+  d(5, 2) = K5 * x(4);
+  d(5, 4) = K5 * x(2);
+  d(5, 5) = -x(1);
+  d(6, 1) = -0.5 * std::sqrt(p / x(1)) * x(6);
+  d(6, 2) = 0.5 * K6 * std::sqrt(x(4) / x(2));
+  d(6, 4) = 0.5 * K6 * std::sqrt(x(2) / x(4));
+  d(6, 6) = -std::sqrt(x(1) * p);
+  d(6, 11) = 0.5 * std::sqrt(x(1) * p) * x(6) / x(11);
+  d(7, 1) = 0.5 * K7 * std::sqrt(x(2) / x(1));
+  d(7, 2) = 0.5 * K7 * std::sqrt(x(1) / x(2));
+  d(7, 4) = -0.5 * std::sqrt(p / x(4)) * x(7);
+  d(7, 7) = -std::sqrt(x(4) * p);
+  d(7, 11) = 0.5 * std::sqrt(x(4) * p) * x(7) / x(11);
+  d(8, 1) = K8;
+  d(8, 4) = -x(8) * p;
+  d(8, 8) = -x(4) * p;
+  d(8, 11) = x(4) * x(8) * p / x(11);
+  d(9, 1) = K9 * std::sqrt(x(3));
+  d(9, 3) = 0.5 * K9 * x(1) / std::sqrt(x(3));
+  d(9, 4) = -x(9) * std::sqrt(p);
+  d(9, 9) = -x(4) * std::sqrt(p);
+  d(9, 11) = 0.5 * x(4) * x(9) * std::sqrt(p) / x(11);
+  d(10, 1) = 2.0 * K10 * x(1);
+  d(10, 4) = -2.0 * x(4) * x(10) * p;
+  d(10, 10) = -x(4) * x(4) * p;
+  d(10, 11) = x(4) * x(4) * x(10) * p / x(11);
+  for (std::size_t j = 1; j <= 10; ++j) d(11, j) = -1.0;
+  d(11, 11) = 1.0;
+  return true;
+}
+
+bool BroydenResidual(Vector x, std::span<double> F, std::string&) {
+  for (std::size_t i = 0; i < x.size(); ++i)
+    F[i] = (3.0 - 2.0 * x[i]) * x[i] - (i > 0 ? x[i - 1] : 0.0) - 2.0 * (i + 1 < x.size() ? x[i + 1] : 0.0) +
+           1.0;
+  return true;
+}
+
+bool BroydenJacobian(Vector x, SquareMatrix J) {
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    J(i, i) = 3.0 - 4.0 * x[i];
+    if (i > 0) J(i, i - 1) = -1.0;
+    if (i + 1 < x.size()) J(i, i + 1) = -2.0;
+  }
+  return true;
+}
+
+// By Newton's method in decimal numbers of 50 digits. (Far from both ends neighbours are equal: 1 - 2x^2 =
+// 0.)
+const std::vector<double> kBroydenRoot = {
+    -0.570761192974751, -0.681910128868088, -0.702486020667649, -0.706260575800898, -0.706951854298137,
+    -0.707078417842332, -0.707101588592845, -0.707105830558626, -0.707106607151521, -0.707106749325303,
+    -0.70710677535359,  -0.707106780118686, -0.70710678099105,  -0.707106781150757, -0.707106781179995,
+    -0.707106781185348, -0.707106781186327, -0.707106781186504, -0.707106781186531, -0.707106781186521,
+    -0.707106781186478, -0.707106781186359, -0.707106781186033, -0.707106781185142, -0.70710678118271,
+    -0.707106781176067, -0.707106781157922, -0.707106781108368, -0.707106780973028, -0.707106780603397,
+    -0.707106779593881, -0.707106776836753, -0.70710676930665,  -0.707106748740886, -0.707106692572912,
+    -0.707106539170326, -0.70710612020647,  -0.707104975957988, -0.707101850858293, -0.70709331579567,
+    -0.707070005507273, -0.707006343051128, -0.706832480937586, -0.706357705989197, -0.705061527325323,
+    -0.701525195307705, -0.691894628950408, -0.665797523342182, -0.596035312626653, -0.416412301166842};
+
+}  // namespace
+
+// H. H. Rosenbrock, Comput. J. 3 (1960) 175, as a system: the root follows from the second equation.
+ClassicalSystem Rosenbrock() {
+  return {.name = "Rosenbrock",
+          .equations = {.residual =
+                            [](Vector x, std::span<double> F, std::string&) {
+                              F[0] = 10.0 * (x[1] - x[0] * x[0]);
+                              F[1] = 1.0 - x[0];
+                              return true;
+                            },
+                        .jacobian =
+                            [](Vector x, SquareMatrix J) {
+                              J(0, 0) = -20.0 * x[0];
+                              J(0, 1) = 10.0;
+                              J(1, 0) = -1.0;
+                              return true;
+                            },
+                        .isValid = IsAnything},
+          .options = {.tolerance = 1e-10},
+          .guess = {-1.2, 1.0},
+          .root = {1.0, 1.0},
+          .error = 1e-9};
+}
+
+// M. J. D. Powell, Comput. J. 5 (1962) 147: the Jacobian is singular at the root, zero. With r = 1e-12 as
+// largest residual the unknowns differ by sqrt(r) at most, hence the error.
+ClassicalSystem PowellSingular() {
+  return {.name = "Powell singular",
+          .equations = {.residual =
+                            [](Vector x, std::span<double> F, std::string&) {
+                              F[0] = x[0] + 10.0 * x[1];
+                              F[1] = std::sqrt(5.0) * (x[2] - x[3]);
+                              F[2] = (x[1] - 2.0 * x[2]) * (x[1] - 2.0 * x[2]);
+                              F[3] = std::sqrt(10.0) * (x[0] - x[3]) * (x[0] - x[3]);
+                              return true;
+                            },
+                        .jacobian =
+                            [](Vector x, SquareMatrix J) {
+                              J(0, 0) = 1.0;
+                              J(0, 1) = 10.0;
+                              J(1, 2) = std::sqrt(5.0);
+                              J(1, 3) = -std::sqrt(5.0);
+                              J(2, 1) = 2.0 * (x[1] - 2.0 * x[2]);
+                              J(2, 2) = -4.0 * (x[1] - 2.0 * x[2]);
+                              J(3, 0) = 2.0 * std::sqrt(10.0) * (x[0] - x[3]);
+                              J(3, 3) = -2.0 * std::sqrt(10.0) * (x[0] - x[3]);
+                              return true;
+                            },
+                        .isValid = IsAnything},
+          .options = {.tolerance = 1e-12},
+          .guess = {3.0, -1.0, 0.0, 1.0},
+          .root = {0.0, 0.0, 0.0, 0.0},
+          .error = 2e-6};
+}
+
+// C. G. Broyden, Math. Comput. 19 (1965) 577.
+ClassicalSystem BroydenTridiagonal() {
+  return {.name = "Broyden tridiagonal",
+          .equations = {.residual = BroydenResidual, .jacobian = BroydenJacobian, .isValid = IsAnything},
+          .options = {.tolerance = 1e-10},
+          .guess = std::vector<double>(50, -1.0),
+          .root = kBroydenRoot,
+          .error = 1e-9};
+}
+
+// K. Meintjes and A. P. Morgan, ACM Trans. Math. Softw. 16 (1990) 143: the amounts [mol] of CO2, H2O, N2, CO,
+// H2, H, OH, O, NO and O2, and their sum, when propane burns in air. The root is the only positive one, by
+// Newton's method in decimal numbers of 50 digits; their solution (3.114102e-3, 34.59792, 0.06504177,
+// 0.8593780, 0.03695185) of the five equations that remain after elimination gives the same CO2, H2O, N2 and
+// CO in six digits.
+ClassicalSystem PropaneCombustion() {
+  return {.name = "combustion of propane",
+          .equations = {.residual = PropaneResidual, .jacobian = PropaneJacobian, .isValid = IsPositive},
+          .options = {.tolerance = 1e-12, .positiveUnknowns = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+          .guess = {2.0, 3.0, 15.0, 0.1, 0.1, 0.01, 0.01, 0.01, 0.1, 0.1, 20.0},
+          .root = {2.91572542389522, 3.96094281080888, 19.9862916465515, 0.0842745761047758,
+                   0.0220956017698933, 0.000722766590884169, 0.0332004082515746, 0.000421099693391768,
+                   0.0274167068969182, 0.031146775227007, 27.0622378157901},
+          .error = 1e-9};
+}
+
+}  // namespace morvelan::numerics::test

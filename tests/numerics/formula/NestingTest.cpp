@@ -1,0 +1,82 @@
+// Texts beyond any measure end in a value or in the words for a full stack, and never take the process along.
+
+#include <functional>
+
+#include "numerics/formula/CalculatorFormula.h"
+#include "numerics/formula/NumericEntry.h"
+#include "tests/numerics/formula/ExpectEvaluation.h"
+
+namespace morvelan::test {
+namespace {
+
+using namespace numerics;
+
+std::string Repeated(std::string_view piece, std::size_t times) {
+  std::string text;
+  text.reserve(piece.size() * times);
+  for (std::size_t i = 0; i < times; ++i) text += piece;
+  return text;
+}
+
+struct NestingCase {
+  const char* name;
+  std::function<std::string(std::size_t)> text;  // nested so many times
+};
+
+const NestingCase kNestings[] = {
+    {"parentheses", [](std::size_t n) { return Repeated("(", n) + "1" + Repeated(")", n); }},
+    {"unary minus", [](std::size_t n) { return Repeated("-", n) + "1"; }},
+    {"powers", [](std::size_t n) { return Repeated("1^", n) + "1"; }},
+    {"functions", [](std::size_t n) { return Repeated("ABS(", n) + "1" + Repeated(")", n); }},
+    {"arguments", [](std::size_t n) { return Repeated("MAX(1,", n) + "1" + Repeated(")", n); }},
+    {"open parentheses", [](std::size_t n) { return Repeated("(", n); }},
+};
+
+TEST(Nesting, BeyondTheStackIsRefused) {
+  for (const NestingCase& c : kNestings)
+    for (const std::size_t depth : {std::size_t{100'000}, std::size_t{1'700'000}}) {
+      SCOPED_TRACE(testing::Message() << depth << ' ' << c.name);
+      const std::string text = c.text(depth);
+      EXPECT_EQ(EvaluateNumericEntry(text).failure, "memory exhausted");
+      EXPECT_EQ(CheckFormula(text, {}).failure, "parser stack overflow");
+    }
+}
+
+TEST(Nesting, TwoThousandDeepHasAValue) {
+  for (const NestingCase& c : kNestings) {
+    if (std::string_view(c.name) == "open parentheses") continue;
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(EvaluateNumericEntry(c.text(2000)).value, 1);
+  }
+}
+
+// Every product waits for those on its right, so that the evaluation needs a deep stack as well.
+TEST(Nesting, DeepFormulasAreEvaluated) {
+  const std::size_t depth = 2400;
+  const std::string text = Repeated("\"x\"*\"y\"+(", depth) + "1" + Repeated(")", depth);
+  const FormulaCheck check = CheckFormula(text, std::vector<std::string>{"x", "y"});
+  ASSERT_TRUE(check.formula.has_value()) << check.failure;
+  EXPECT_EQ(check.formula->Evaluate(std::vector<double>{2, 3}).value, 6 * 2400 + 1);
+  EXPECT_EQ(check.formula->Evaluate(std::vector<double>{1e200, 1e200}).failure,
+            "floating point exception in multiplication: Overflow");
+}
+
+TEST(Nesting, TenMegabytesHaveAValue) {
+  const std::string longOne = "1." + Repeated("0", 997) + "+";
+  EXPECT_EQ(EvaluateNumericEntry(Repeated(longOne, 10'000) + "1").value, 10'001);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated(" ", 10'000'000) + "2").value, 2);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated("0", 10'000'000) + "3").value, 3);
+  EXPECT_EQ(EvaluateNumericEntry("1." + Repeated("0", 10'000'000)).value, 1);
+  EXPECT_EQ(EvaluateNumericEntry("1e" + Repeated("0", 10'000'000) + "2").value, 100);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated("1", 10'000'000)).failure,
+            "floating point exception in real constant: Overflow at position 1");
+  const std::string name = Repeated("x", 10'000'000);
+  EXPECT_EQ(EvaluateNumericEntry(name).failure, "syntax error: unknown token " + name + " at position 1");
+  const FormulaCheck sum = CheckFormula(Repeated("\"x\"" + std::string(36, ' ') + "+", 250'000) + "1",
+                                        std::vector<std::string>{"x"});
+  ASSERT_TRUE(sum.formula.has_value()) << sum.failure;
+  EXPECT_EQ(sum.formula->Evaluate(std::vector<double>{2}).value, 500'001);
+}
+
+}  // namespace
+}  // namespace morvelan::test
