@@ -48,6 +48,7 @@ class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   void* FindInterface(REFIID iid) override;
   [[nodiscard]] GUID AutomationType() const override { return automationType; }
 
+  void SetName(std::string objectName) noexcept { name = std::move(objectName); }
   void SetIdentification(std::string objectName, std::string objectDescription) noexcept {
     name = std::move(objectName);
     description = std::move(objectDescription);

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "framework/BaseObject.h"
 #include "framework/Declarations.h"
 
@@ -17,6 +20,7 @@ class CInfoParamDesc final : public com::Implements<BaseObject, ICapeParameterSp
 
   [[nodiscard]] const Dimensionality& Dimensions() const { return dimensionality; }
   [[nodiscard]] bool IsOptional() const { return optional; }
+  void Rename(std::string newName) noexcept { SetName(std::move(newName)); }
 
  private:
   Dimensionality dimensionality;

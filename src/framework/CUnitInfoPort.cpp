@@ -56,6 +56,11 @@ void CUnitInfoPort::ReleaseConnection() {
   CUnitPort::ReleaseConnection();
 }
 
+void CUnitInfoPort::Rename(std::string portName, std::string itemName) noexcept {
+  SetName(std::move(portName));
+  if (!items.empty()) items.front()->Rename(std::move(itemName));
+}
+
 void CUnitInfoPort::Accept(IDispatch* object) {
   const std::string kind = Type() == CAPE_ENERGY ? "energy" : "information";
   HRESULT failure = S_OK;

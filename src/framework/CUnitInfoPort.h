@@ -20,6 +20,8 @@ class CUnitInfoPort final : public com::Implements<CUnitPort, ICapeCollection> {
   HRESULT Count(LONG* count) override;
 
   void ReleaseConnection() override;
+  /// Gives the port and its first item other names; the connection stays.
+  void Rename(std::string portName, std::string itemName) noexcept;
 
   /// True when the connected object has a parameter for the item. Items are counted from 0.
   [[nodiscard]] bool IsMatched(std::size_t item) const;

@@ -2,6 +2,7 @@
 
 #include "morvelan.h"
 #include "units/heat/CHeaterCooler.h"
+#include "units/information/CInformationCalculator.h"
 #include "units/pressure/CValve.h"
 #include "units/streams/CMixer.h"
 #include "units/streams/CNoOperation.h"
@@ -30,6 +31,13 @@ const UnitClass kUnitClasses[] = {
      .description = "Heater or cooler using heat duty or outlet temperature",
      .consumesThermodynamics = true,
      .create = Create<CHeaterCooler>},
+    {.clsid = __uuidof(::InformationCalculator),
+     .progId = "VELT_MORV.InformationCalculator",
+     .displayName = "InformationCalculator Class",
+     .name = "InformationCalculator",
+     .description = "Unit operation for calculating information from other information",
+     .consumesThermodynamics = false,
+     .create = Create<CInformationCalculator>},
     {.clsid = __uuidof(::Mixer),
      .progId = "VELT_MORV.Mixer",
      .displayName = "Mixer Class",

@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cstring>
 #include <functional>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -58,10 +57,16 @@ struct DamageBench {
   }
 
   void CheckRefusal(HRESULT hr) {
-    static const std::set<std::string> kReasons = {"read error", "invalid header", "invalid parameter type"};
+    static constexpr const char* kReasons[] = {
+        "read error", "invalid header", "invalid parameter type",
+        // of a unit's own data
+        "failed to load: read error", "parse error", "empty parameter name", "unknown parameter '",
+        "duplicate parameter '", "Unit was saved with a newer version than available on this system"};
     const Texts error = ErrorOf(unit.Get());
     EXPECT_EQ(hr, static_cast<HRESULT>(0x80040501u));
-    EXPECT_TRUE(kReasons.contains(error.description)) << error;
+    EXPECT_TRUE(std::ranges::any_of(kReasons, [&](const char* reason) {
+      return error.description.starts_with(reason);
+    })) << error;
     EXPECT_EQ(error.scope + " " + error.interfaceName, "Load IPersistStream");
     EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), before));
   }

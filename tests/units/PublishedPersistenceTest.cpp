@@ -55,6 +55,9 @@ struct OtherConfiguration {
 
 constexpr OtherConfiguration kOtherConfigurations[] = {
     {"HeaterCooler", R"({"heatPort": "outlet"})"},
+    {"InformationCalculator",
+     R"({"formula": "\"T_hot\" - \"T_cold\"", "outputVariable": {"name": "range", "unit": "K;Delta"},
+         "inputVariables": [{"name": "T_hot", "unit": "K"}, {"name": "T_cold", "unit": "K^1"}]})"},
     {"Mixer", R"({"numberOfInlets": 4})"},
     {"Splitter", R"({"numberOfOutlets": 3})"},
 };

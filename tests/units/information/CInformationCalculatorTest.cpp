@@ -1,0 +1,397 @@
+// An InformationCalculator through the door that hosts use.
+
+#include <cfenv>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/Faults.h"
+#include "tests/support/Persistence.h"
+#include "tests/support/StreamEncoder.h"
+#include "tests/units/UnitBench.h"
+
+namespace morvelan::test {
+namespace {
+
+using Json = nlohmann::json;
+
+const std::vector<double> kKelvin = {0, 0, 0, 0, 1};
+const std::vector<double> kKelvinDifference = {0, 0, 0, 0, 1, 0, 0, 0, 1};
+const std::vector<double> kNone = {};
+
+/// A calculator of the difference of two temperatures, and what is connected to it.
+struct Calculator : UnitBench {
+  Calculator() : UnitBench("InformationCalculator", true) {
+    Set(R"({"formula": "\"T1\" - \"t2\"", "outputVariable": {"name": "range", "unit": "K;Delta"},
+            "inputVariables": [{"name": "T1", "unit": "K"}, {"name": "T2", "unit": "K^1"}]})");
+    for (const auto& [port, kelvin] : {std::pair("T1", 350.0), std::pair("T2", 320.0)})
+      Connect(port, kKelvin, kelvin);
+    Connect("range", kKelvinDifference, 0);
+    Restart();
+  }
+
+  [[nodiscard]] HRESULT TrySet(const std::string& json) {
+    return door.unit.As<IUnitConfiguration>()->SetConfiguration(com::ToBstr(json).Get());
+  }
+  void Set(const std::string& json) { EXPECT_EQ(TrySet(json), S_OK) << ErrorOf(door.unit.Get()); }
+  [[nodiscard]] std::string Get() const {
+    com::Bstr json;
+    EXPECT_EQ(door.unit.As<IUnitConfiguration>()->GetConfiguration(json.Put()), S_OK);
+    return com::ToUtf8(json.Get());
+  }
+  void SetFormula(const std::string& formula) { Set(Json({{"formula", formula}}).dump()); }
+
+  void Connect(const std::string& port, const std::vector<double>& dimensionality, double value) {
+    streams[port] = com::Make<FakeStream>(script);
+    streams[port]->Add("value", dimensionality, value);
+    EXPECT_EQ(door.Port(port)->Connect(Dispatch(streams[port])), S_OK) << ErrorOf(door.Port(port).Get());
+  }
+  [[nodiscard]] com::Variant& ValueAt(const std::string& port) {
+    return streams.at(port)->parameters[0]->value;
+  }
+  [[nodiscard]] double Result() { return com::ReadDouble(ValueAt("range").Get()); }
+  [[nodiscard]] std::string Invalid() const {
+    std::string message;
+    EXPECT_FALSE(door.IsValid(message));
+    return message;
+  }
+  /// The names of the ports, each with "+" when it is connected.
+  [[nodiscard]] std::string Ports() const {
+    std::string text;
+    for (const std::string& name : PortNames()) {
+      com::Ref<IDispatch> object;
+      EXPECT_EQ(door.Port(name)->get_connectedObject(object.Put()), S_OK);
+      text += (text.empty() ? "" : " ") + name + (object ? "+" : "");
+    }
+    return text;
+  }
+
+  std::map<std::string, com::Ref<FakeStream>> streams;
+};
+
+TEST(CInformationCalculator, CalculatesItsOutlet) {
+  Calculator bench;
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 30);
+  EXPECT_EQ(
+      bench.door.Report("Last run"),
+      "+++ input values +++\r\n\r\nT1:\t350 K\r\nT2:\t320 K\r\n\r\n+++ Formula +++\r\n\"T1\" - \"t2\"\r\n"
+      "\r\n+++ Result +++\r\nrange:\t30 K\r\n");
+  bench.ValueAt("T1") = com::MakeDouble(300.1234567);
+  bench.AskForSimplifiedModel();
+  bench.Calculate();
+  EXPECT_DOUBLE_EQ(bench.Result(), 300.1234567 - 320);
+  EXPECT_NE(bench.door.Report("Last run").find("range:\t30 K"), std::string::npos) << "of the run before";
+  EXPECT_EQ(bench.door.Port("range")->Disconnect(), S_OK);
+  bench.Calculate();  // an outlet may be unconnected
+}
+
+TEST(CInformationCalculator, IsBornWithAnOutputOnly) {
+  UnitBench bench("InformationCalculator", true);
+  EXPECT_EQ(bench.PortNames(), std::vector<std::string>{"output"});
+  std::string message;
+  EXPECT_FALSE(bench.door.IsValid(message));
+  EXPECT_EQ(message, "Please enter a formula for the output information");
+  bench.Configure(R"({"formula": "2 * PI"})");
+  bench.Calculate();
+  EXPECT_NE(bench.door.Report("Last run").find("output:\t6.28319\r\n"), std::string::npos);
+}
+
+TEST(CInformationCalculator, SaysWhatKeepsItFromBeingValid) {
+  Calculator bench;
+  EXPECT_EQ(bench.door.Port("T2")->Disconnect(), S_OK);
+  EXPECT_EQ(bench.Invalid(), "Inlet port \"T2\" is not connected");
+  bench.Connect("T2", kKelvin, 320);
+  struct {
+    const char* formula;
+    const char* message;
+  } const cases[] = {
+      {"", "Please enter a formula for the output information"},
+      {"\"T3\"", "Parsing error for output formula: unknown token T3"},
+      {"T1", "Parsing error for output formula: parse error: unknown token T1"},
+      {"1/0", "Parsing error for output formula: division by zero\r\n"},
+      {"SQRT(\"T1\", 2)", "Parsing error for output formula: SQRT should have one argument\r\n"},
+  };
+  for (const auto& c : cases) {
+    bench.SetFormula(c.formula);
+    EXPECT_TRUE(bench.Invalid().starts_with(c.message)) << c.formula << ": " << bench.Invalid();
+  }
+  bench.SetFormula("\"T1\"");
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 350) << "the former formula is gone";
+}
+
+TEST(CInformationCalculator, FailsWhereItsFormulaDoes) {
+  struct {
+    const char* formula;
+    const char* description;
+  } const cases[] = {
+      {"1 / (\"T1\" - 350)", "floating point exception in division: Division by zero"},
+      {"(\"T1\" - 350) / (\"T2\" - 320)",
+       "floating point exception in division: Invalid domain for function"},
+      {"EXP(\"T1\") ^ \"T2\"", "floating point exception in power: Overflow"},
+      {"LOG(\"T2\" - \"T1\")", "floating point exception in LOG: Invalid domain for function"},
+      {"ASIN(\"T1\")", "floating point exception in ASIN: Invalid domain for function"},
+  };
+  Calculator bench;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.formula);
+    bench.SetFormula(c.formula);
+    bench.ValueAt("range") = com::MakeDouble(7);
+    bench.Validate();
+    std::feclearexcept(FE_ALL_EXCEPT);
+    CheckFailedCalculation(bench.door, c.description, "CalculationError");
+    EXPECT_EQ(std::fetestexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW), 0) << "the host's own state";
+    EXPECT_EQ(bench.Result(), 7) << "nothing is written";
+    bench.SetFormula("\"T1\"");
+    bench.Calculate();
+    EXPECT_EQ(bench.Result(), 350);
+  }
+}
+
+TEST(CInformationCalculator, NeedsRealNumbers) {
+  Calculator bench;
+  const std::string failed = "Failed to get value for inlet port \"T1\": ";
+  struct {
+    com::Variant (*value)();
+    const char* why;
+  } const cases[] = {
+      {[] { return com::MakeInteger(3); }, "invalid data type (real value expected)"},
+      {[] { return com::MakeString("300"); }, "invalid data type (real value expected)"},
+      {[] { return com::Variant(); }, "invalid data type (real value expected)"},
+      {[] { return com::MakeDouble(kMissing); }, "value is not set"},
+      {[] { return com::MakeDouble(kNaN); }, "value is not set"},
+  };
+  for (const auto& c : cases) {
+    bench.ValueAt("T1") = c.value();
+    CheckFailedCalculation(bench.door, failed + c.why);
+  }
+  bench.ValueAt("T1") = com::MakeDouble(330);
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 10);
+}
+
+// ---- The configuration
+
+TEST(CInformationCalculator, KeepsConnectionsWhenVariablesAreRenamedAndMoved) {
+  struct {
+    const char* title;
+    const char* json;
+    const char* ports;
+  } const cases[] = {
+      {"renamed", R"({"inputVariables": [{"name": "hot", "unit": "K"}, {"name": "T2", "unit": "K"}]})",
+       "hot+ T2+ range+"},
+      {"in other letters",
+       R"({"inputVariables": [{"name": "t1", "unit": "K"}, {"name": "T2", "unit": "K"}]})", "t1+ T2+ range+"},
+      {"moved", R"({"inputVariables": [{"name": "T2", "unit": "K"}, {"name": "T1", "unit": "K"}]})",
+       "T2+ T1+ range+"},
+      {"one in front", R"({"inputVariables": [{"name": "n"}, {"name": "T1", "unit": "K"},
+                                              {"name": "T2", "unit": "K"}]})",
+       "n T1+ T2+ range+"},
+      {"one less", R"({"inputVariables": [{"name": "T2", "unit": "K"}]})", "T2+ range+"},
+      {"another unit", R"({"inputVariables": [{"name": "T1", "unit": "Pa"}, {"name": "T2", "unit": "K"}]})",
+       nullptr},
+      {"another dimension",
+       R"({"inputVariables": [{"name": "T1", "unit": "kg"}, {"name": "T2", "unit": "K"}]})", "T1 T2+ range+"},
+      {"output", R"({"outputVariable": {"name": "dT", "unit": "K^1;delta"}})", "T1+ T2+ dT+"},
+      {"output without unit", R"({"outputVariable": {"name": "range"}})", "T1+ T2+ range"},
+      {"formula", R"({"formula": "1"})", "T1+ T2+ range+"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.title);
+    Calculator bench;
+    EXPECT_EQ(bench.TrySet(c.json), c.ports ? S_OK : kUnitFailed);
+    EXPECT_EQ(bench.Ports(), c.ports ? c.ports : "T1+ T2+ range+");
+    bench.Set(bench.Get());
+    EXPECT_EQ(bench.Ports(), c.ports ? c.ports : "T1+ T2+ range+") << "what it says brings back what it is";
+  }
+}
+
+TEST(CInformationCalculator, ReadsTheRightStreamAfterARename) {
+  Calculator bench;
+  bench.Set(R"({"formula": "\"cold\" / \"hot\"", "outputVariable": {"name": "ratio", "unit": ""},
+                "inputVariables": [{"name": "hot", "unit": "K"}, {"name": "cold", "unit": "K"}]})");
+  EXPECT_EQ(bench.Ports(), "hot+ cold+ ratio");
+  bench.Connect("ratio", kNone, 0);
+  bench.Calculate();
+  EXPECT_DOUBLE_EQ(com::ReadDouble(bench.ValueAt("ratio").Get()), 320.0 / 350.0);
+}
+
+TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
+  struct {
+    const char* json;
+    const char* why;
+  } const cases[] = {
+      {R"({"inputVariables": [{"name": "a"}, {"name": "A"}]})", "All input variables must have unique names"},
+      {R"({"inputVariables": [{"name": "Range"}]})",
+       "Input variables must be different from output variable name"},
+      {R"({"outputVariable": {"name": "t1"}})",
+       "Output variable name cannot be the same as an input variable name"},
+      {R"({"inputVariables": [{"name": ""}]})", "Name cannot be empty"},
+      {R"({"outputVariable": {"name": "1a"}})",
+       "Invalid character in variable name; the first character cannot be a number"},
+      {R"({"inputVariables": [{"name": "a b"}]})",
+       "Invalid character in variable name; please use only alphanumeric characters and underscores"},
+      {R"({"inputVariables": [{"name": "\u00e4"}]})",
+       "Invalid character in variable name; please use only alphanumeric characters and underscores"},
+      {R"({"inputVariables": [{"unit": "m"}]})", "\"inputVariables\"/0 of the configuration has no \"name\""},
+      {R"({"inputVariables": {}})", "\"inputVariables\" of the configuration must be a list"},
+      {R"({"inputVariables": [1]})",
+       R"("inputVariables"/0 of the configuration must be an object with "name" and "unit")"},
+      {R"({"outputVariable": {"name": "a", "dimension": "m"}})",
+       "unknown key \"dimension\" in \"outputVariable\""},
+      {R"({"formula": 1})", "\"formula\" of the configuration must be a text"},
+      {R"({"formula": "1", "outputVariable": {"name": "a", "unit": "furlong"}})",
+       "parse error in \"outputVariable\"/unit of the configuration: \"furlong\""},
+      {R"({"variables": []})", "unknown key \"variables\""},
+  };
+  Calculator bench;
+  const std::string before = bench.Get();
+  for (const auto& c : cases) {
+    EXPECT_EQ(bench.TrySet(c.json), kUnitFailed) << c.json;
+    EXPECT_TRUE(ErrorOf(bench.door.unit.Get()).description.starts_with(c.why))
+        << ErrorOf(bench.door.unit.Get()).description;
+    EXPECT_EQ(bench.Get(), before);
+    EXPECT_EQ(bench.Ports(), "T1+ T2+ range+");
+  }
+  bench.Calculate();
+}
+
+TEST(CInformationCalculator, ReadsUnitsOfMeasureLeniently) {
+  struct {
+    const char* text;
+    const char* written;  // null: refused
+  } const cases[] = {
+      {"", ""},
+      {"m^2 kg^1 s^-3", "m^2 kg^1 s^-3"},
+      {"  s^-3*kg\tm^2 ", "m^2 kg^1 s^-3"},
+      {"m m^0.5", "m^1.5"},
+      {"m m^-1", ""},
+      {"K;Delta", "K^1;Delta"},
+      {"mol^1 s^-1 ; DELTA ", "s^-1 mol^1;Delta"},
+      {";Delta", ";Delta"},
+      {"A cd rad", "A^1 cd^1 rad^1"},
+      {"W", nullptr},
+      {"k", nullptr},
+      {"m^", nullptr},
+      {"m^2x", nullptr},
+      {"m^nan", nullptr},
+      {"m^inf", nullptr},
+      {"m;", nullptr},
+      {"m;Delta;Delta", nullptr},
+      {"^2", nullptr},
+      {"m2", nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    Calculator bench;
+    const HRESULT hr = bench.TrySet(Json({{"outputVariable", {{"name", "y"}, {"unit", c.text}}}}).dump());
+    EXPECT_EQ(hr, c.written ? S_OK : kUnitFailed);
+    if (c.written) EXPECT_EQ(Json::parse(bench.Get())["outputVariable"]["unit"], c.written);
+  }
+}
+
+// ---- Its own data in a stream
+
+Encoder Header() {
+  Encoder stream("MORVELAN0007");
+  return stream.Int(0), stream;
+}
+
+std::string Reports() { return Encoder().Int(0).bytes; }
+
+TEST(CInformationCalculator, SavesItsConfiguration) {
+  const Calculator bench;
+  Encoder expected = Header();
+  expected.Int(1).Int(3).Text(u"formula").Text(u"\"T1\" - \"t2\"");
+  expected.Text(u"outputVariable").Text(u"range").Text(u"K^1;Delta");
+  expected.Text(u"inputVariables").Int(2).Text(u"T1").Text(u"K^1").Text(u"T2").Text(u"K^1");
+  expected.Int(1).Text(u"Last run").Bits(0, 2).Text(u"Report is not available").Bits(0, 2);
+  EXPECT_TRUE(SameBytes(SavedBytes(bench.door.unit.As<IPersistStream>().Get()), expected.bytes));
+}
+
+TEST(CInformationCalculator, LoadsAndKeepsConnections) {
+  Encoder stream = Header();
+  stream.Int(1).Int(2).Text(u"inputVariables").Int(2).Text(u"T").Text(u"").Text(u"t2").Text(u"K");
+  stream.Text(u"formula").Text(u"\"T2\"");
+  Calculator bench;
+  EXPECT_EQ(LoadBytes(bench.door.unit.As<IPersistStream>().Get(), stream.bytes + Reports()), S_OK);
+  EXPECT_EQ(bench.Ports(), "T t2+ output");
+  // Only a stream can bring such variables.
+  stream = Header();
+  stream.Int(1).Int(2).Text(u"inputVariables").Int(2).Text(u"T").Text(u"").Text(u"t").Text(u"");
+  stream.Text(u"formula").Text(u"\"T\"");
+  EXPECT_EQ(LoadBytes(bench.door.unit.As<IPersistStream>().Get(), stream.bytes + Reports()), S_OK);
+  EXPECT_EQ(bench.Invalid(), "Multiple input variables exist with name \"t\"");
+}
+
+TEST(CInformationCalculator, RefusesStreamsThatItDoesNotKnow) {
+  constexpr const char* kLost = "failed to load: read error";
+  struct {
+    std::string data;
+    const char* name;
+    const char* description;
+  } const cases[] = {
+      {Encoder().Int(2).Int(0).bytes, nullptr,
+       "Unit was saved with a newer version than available on this system"},
+      {Encoder().Int(1).Int(2).Text(u"formula").Text(u"1").Text(u"formula").Text(u"2").bytes, nullptr,
+       "duplicate parameter 'formula'"},
+      {Encoder().Int(1).Int(1).Text(u"Formula").Text(u"1").bytes, nullptr, "unknown parameter 'Formula'"},
+      {Encoder().Int(1).Int(1).Text(u"").Text(u"1").bytes, nullptr, "empty parameter name"},
+      {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"y").Text(u"W").bytes, nullptr, "parse error"},
+      {Encoder().Int(1).Int(-1).bytes, "Read error", kLost},
+      {Encoder().Int(1).Int(1).Text(u"formula").Int(1000).bytes, "Read error", kLost},
+  };
+  Calculator bench;
+  const auto door = bench.door.unit.As<IPersistStream>();
+  const std::string before = SavedBytes(door.Get());
+  for (const auto& c : cases) {
+    EXPECT_EQ(LoadBytes(door.Get(), Header().bytes + c.data + Reports()), kUnitFailed) << c.description;
+    EXPECT_EQ(ErrorOf(door.Get()),
+              (Texts{c.name ? c.name : c.description, c.description, "Load", "IPersistStream"}));
+    EXPECT_TRUE(SameBytes(SavedBytes(door.Get()), before));
+  }
+  EXPECT_EQ(bench.Ports(), "T1+ T2+ range+");
+}
+
+TEST(CInformationCalculator, ExplainsAWriteThatFails) {
+  Calculator bench;
+  const auto door = bench.door.unit.As<IPersistStream>();
+  const auto stream = com::Make<FakeIStream>();
+  stream->failAt = 2;
+  EXPECT_EQ(door->Save(stream.Get(), TRUE), kUnitFailed);
+  EXPECT_EQ(ErrorOf(door.Get()),
+            (Texts{"Write error", "failed to save: write error", "Save", "IPersistStream"}));
+  EXPECT_EQ(door->IsDirty(), S_OK);
+}
+
+// ---- Hosts that fail
+
+TEST(CInformationCalculator, ExplainsEveryFailingHostCall) {
+  Calculator undisturbed;
+  undisturbed.Validate();
+  undisturbed.Calculate();
+  const auto calls = undisturbed.script->calls;
+  ASSERT_GT(calls.size(), 8u);
+  for (std::size_t k = 1; k <= calls.size(); ++k) {
+    const FaultMode& mode = kFaultModes[k % std::size(kFaultModes)];
+    SCOPED_TRACE(testing::Message() << mode.title << ", call " << k << ": " << calls[k - 1]);
+    Calculator bench;
+    bench.Validate();
+    const int objects = bench.script->liveObjects;
+    Provoke(*bench.script, mode, static_cast<int>(k));
+    const HRESULT hr = bench.door.unit->Calculate();
+    if (!calls[k - 1].starts_with("NamedValue")) {
+      EXPECT_EQ(hr, kUnitFailed);
+      const Texts error = ErrorOf(bench.door.unit.Get());
+      EXPECT_NE(error.description.find(Explain("<why>", calls[k - 1], mode)), std::string::npos) << error;
+      EXPECT_EQ(error.scope + error.interfaceName, "CalculateICapeUnit");
+    }
+    EXPECT_EQ(bench.script->liveObjects, objects);
+    bench.Restart();
+    bench.Calculate();
+    EXPECT_EQ(bench.Result(), 30);
+  }
+}
+
+}  // namespace
+}  // namespace morvelan::test
