@@ -194,6 +194,7 @@ std::vector<com::Ref<CParameter>> BaseUnit::AllParameters() const {
 void BaseUnit::Invalidate() {
   valStatus = CAPE_NOT_VALIDATED;
   calcStatusText.clear();
+  ++changes;
 }
 
 void BaseUnit::ConnectionChanged() {
@@ -318,16 +319,22 @@ BaseUnit::PortList BaseUnit::ResizedPorts(const PortList& ports, std::size_t cou
   return resized;
 }
 
-void BaseUnit::ReplacePorts(PortList& ports, PortList replacement) noexcept {
-  std::swap(ports, replacement);
+void BaseUnit::ReplacePorts(PortList newInlets, PortList newOutlets) noexcept {
+  std::swap(inlets, newInlets);
+  std::swap(outlets, newOutlets);
   Invalidate();
   const auto stays = [&](const auto& former) {
     const auto isIt = [&](const auto& port) { return port.Get() == former.Get(); };
     return std::ranges::any_of(inlets, isIt) || std::ranges::any_of(outlets, isIt);
   };
   // What a host does as its stream is released happens to a unit that is whole.
-  for (const auto& former : replacement)
-    if (!stays(former)) former->Orphan();
+  for (const auto* formerPorts : {&newInlets, &newOutlets})
+    for (const auto& former : *formerPorts)
+      if (!stays(former)) former->Orphan();
+}
+
+void BaseUnit::RequireUnchanged() const {
+  if (changes != changesBefore) throw Failure("The unit was changed while it was calculated");
 }
 
 void BaseUnit::RequireIdle() const {

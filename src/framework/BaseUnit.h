@@ -132,10 +132,13 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// its number, from 1. Nothing of the unit changes yet.
   [[nodiscard]] PortList ResizedPorts(const PortList& ports, std::size_t count, const PortDeclaration& added,
                                       const std::function<std::string(std::size_t)>& nameOf);
-  /// Puts another list in place of `inlets` or `outlets`. Ports that stay keep their connections; those that
-  /// go are disconnected, and of no use to a host that keeps them. Does not fail.
-  void ReplacePorts(PortList& ports, PortList replacement) noexcept;
+  /// Puts other ports in place. Those that stay keep their connections; those that go are disconnected, and
+  /// of no use to a host that keeps them. Does not fail.
+  void ReplacePorts(PortList newInlets, PortList newOutlets) noexcept;
 
+  /// Throws when the host has changed the unit, by calling back, since its calculation began: what has been
+  /// read then is no longer what the unit is connected to.
+  void RequireUnchanged() const;
   /// Throws while the unit is busy with something that a change would upset.
   void RequireIdle() const;
   /// Says what the unit is busy with as long as it exists; within another activity that one prevails.
@@ -222,6 +225,8 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   CLSID classId{};
   bool initialized = false;
   bool faceCreated = false;
+  unsigned changes = 0;            // that made the unit not validated
+  unsigned changesBefore = 0;      // a calculation
   const char* activity = nullptr;  // what a host that calls back must not disturb
   bool dirty = false;
   bool useThermo11 = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace morvelan {
 namespace {
@@ -12,10 +13,22 @@ std::string Listed(const std::vector<std::string>& names) {
   return text;
 }
 
+/// Parses a text in which no object has a key twice, which would hide a mistake.
+Json ParseDistinct(const std::string& text) {
+  std::vector<std::set<std::string>> keys;  // of the objects that are open
+  return Json::parse(text, [&](int, Json::parse_event_t event, Json& parsed) {
+    if (event == Json::parse_event_t::object_start) keys.emplace_back();
+    if (event == Json::parse_event_t::object_end) keys.pop_back();
+    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second)
+      throw Failure("the configuration has the key \"" + parsed.get<std::string>() + "\" twice");
+    return true;
+  });
+}
+
 }  // namespace
 
 Json ParseConfiguration(const std::string& text, const Json& known) try {
-  Json configuration = Json::parse(text);
+  Json configuration = ParseDistinct(text);
   if (!configuration.is_object()) throw Failure("the configuration is no JSON object");
   std::vector<std::string> names;
   for (const auto& entry : known.items()) names.push_back(entry.key());

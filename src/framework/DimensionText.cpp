@@ -32,10 +32,17 @@ void AddFactor(Dimensionality& dimensionality, std::string_view factor) {
   if (caret < factor.size()) {
     const std::string_view digits = factor.substr(caret + 1);
     const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-    if (read.ec != std::errc() || read.ptr != digits.data() + digits.size() || !std::isfinite(exponent))
-      throw Failure("parse error");
+    if (read.ec != std::errc() || read.ptr != digits.data() + digits.size()) throw Failure("parse error");
   }
   dimensionality[static_cast<std::size_t>(unit - std::begin(kBaseUnits))] += exponent;
+}
+
+/// An exponent with the digits that its text has, so that a text that was written reads the same.
+float AsWritten(float exponent) {
+  if (!std::isfinite(exponent)) throw Failure("parse error");
+  const std::string digits = FormatNumber(static_cast<double>(exponent), kDigits);
+  std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+  return exponent;
 }
 
 }  // namespace
@@ -62,6 +69,7 @@ Dimensionality ParseDimension(std::string_view text) {
     AddFactor(dimensionality, rest.substr(0, end));
     rest = Trimmed(rest.substr(end));
   }
+  for (float& exponent : dimensionality) exponent = AsWritten(exponent);
   return dimensionality;
 }
 

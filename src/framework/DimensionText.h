@@ -12,7 +12,8 @@ namespace morvelan {
 [[nodiscard]] std::string FormatDimension(const Dimensionality& dimensionality);
 
 /// Reads such a text. An exponent of one may be left out, and units may stand in any order and more than
-/// once, with blanks or "*" in between. Throws Failure with the text "parse error".
+/// once, with blanks or "*" in between; six digits of an exponent count. Throws Failure with the text "parse
+/// error".
 [[nodiscard]] Dimensionality ParseDimension(std::string_view text);
 
 }  // namespace morvelan

@@ -34,9 +34,9 @@ void BaseUnit::RunCalculation(int& compoundCount) {
     const Verdict verdict = ValidateAll();
     if (!verdict.fault.empty()) throw Failure(verdict.fault, kScope, kInterface);
   }
+  changesBefore = changes;
   compoundCount = PreparePorts();
-  // A host that calls back while it is asked may have disconnected a stream.
-  if (valStatus != CAPE_VALID) throw Failure("The unit was changed while it was calculated");
+  RequireUnchanged();
   simplifiedModelRequested = context.SimplifiedModelRequested();
   auto formerResults = Results();
   const com::ScopeExit takeBack([&] {

@@ -102,6 +102,9 @@ const ExampleNumber kExampleNumbers[] = {
     {"valve-joule-thomson", "/streams/to chiller/pressure", 2.5e5, 0},
     {"mixer-hot-cold", "/streams/quenched/composition/n-heptane", 0.32, 1e-12},
     {"splitter", "/streams/purge/flow", 5, 1e-12},
+    {"recycle", "/streams/product/enthalpy", -730.862, 1e-3},
+    {"information-calculator", "/streams/mean temperature difference/value", 21.640425613, 1e-8},
+    {"information-calculator", "/streams/heat exchanger area/value", 27.182242375, 1e-8},
 };
 
 TEST(Command, RunsTheExamplesAsTheirReadmeSays) {

@@ -121,7 +121,7 @@ TEST(CUnitPort, LeavesItsUnitForGood) {
   EXPECT_EQ(bench.Connect("Result", bench.stream), kFailed);
   bench.stream->Add("T", kKelvin, 1);
   EXPECT_EQ(bench.Connect("Result", bench.stream), S_OK);
-  bench.unit->ReplacePorts(bench.unit->outlets, {});
+  bench.unit->ReplacePorts(bench.unit->inlets, {});
   EXPECT_EQ(bench.stream->References(), 1u);
   EXPECT_FALSE(bench.door.Port("Result"));
   EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(bench.stream.Get())), kFailed);

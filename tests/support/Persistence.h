@@ -61,7 +61,9 @@ struct DamageBench {
         "read error", "invalid header", "invalid parameter type",
         // of a unit's own data
         "failed to load: read error", "parse error", "empty parameter name", "unknown parameter '",
-        "duplicate parameter '", "Unit was saved with a newer version than available on this system"};
+        "duplicate parameter '", "Unit was saved with a newer version than available on this system",
+        "Name cannot be empty", "Invalid character in variable name", "Input variables must be different",
+        "There can be no more than"};
     const Texts error = ErrorOf(unit.Get());
     EXPECT_EQ(hr, static_cast<HRESULT>(0x80040501u));
     EXPECT_TRUE(std::ranges::any_of(kReasons, [&](const char* reason) {

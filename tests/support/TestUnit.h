@@ -53,7 +53,7 @@ class TestUnit final : public BaseUnit {
   using BaseUnit::HFromPSFlash;
   using BaseUnit::Inlet;
   using BaseUnit::Outlet;
-  using BaseUnit::outlets;
+  using BaseUnit::inlets;
   using BaseUnit::Parameter;
   using BaseUnit::ReplacePorts;
   using BaseUnit::SetReportText;

@@ -163,8 +163,7 @@ std::function<void()> CHeaterCooler::PlanHeatPort(bool asOutlet) {
   PortList newOutlets = {outlets[0]};
   (asOutlet ? newOutlets : newInlets).push_back(MakePort(port));
   return [this, newInlets = std::move(newInlets), newOutlets = std::move(newOutlets)]() mutable {
-    ReplacePorts(inlets, std::move(newInlets));
-    ReplacePorts(outlets, std::move(newOutlets));
+    ReplacePorts(std::move(newInlets), std::move(newOutlets));
   };
 }
 

@@ -26,25 +26,26 @@ const UnitDeclaration kDeclaration = {
     .reports = kReports,
 };
 
-/// Which of the former variables each of the new ones continues: that of its name, otherwise that of its
-/// place if it is gone under its own name; but not one of another unit of measure, whose stream would not
-/// fit.
+/// Which of the former variables each of the new ones continues: that of its name, at its own place if it can
+/// be; otherwise that of its place unless another one continues it.
 std::vector<std::optional<std::size_t>> FindFormer(const std::vector<CalculatorVariable>& variables,
                                                    const std::vector<CalculatorVariable>& former) {
-  const auto placeOf = [](const auto& list, const std::string& name) {
-    return static_cast<std::size_t>(
-        std::ranges::find_if(list, [&](const auto& v) { return com::EqualNoCase(v.name, name); }) -
-        list.begin());
+  std::vector<std::optional<std::size_t>> found(variables.size());
+  std::vector<bool> taken(former.size());
+  const auto take = [&](std::size_t i, std::size_t place) {
+    if (found[i] || place >= former.size() || taken[place]) return;
+    found[i] = place;
+    taken[place] = true;
   };
-  std::vector<std::optional<std::size_t>> found;
-  for (std::size_t i = 0; i < variables.size(); ++i) {
-    std::size_t place = placeOf(former, variables[i].name);
-    if (place == former.size() && i < former.size() && placeOf(variables, former[i].name) == variables.size())
-      place = i;
-    const bool fits = place < former.size() && former[place].dimensionality == variables[i].dimensionality &&
-                      std::ranges::find(found, place) == found.end();
-    found.push_back(fits ? std::optional(place) : std::nullopt);
-  }
+  const auto isNamesake = [&](std::size_t i, std::size_t place) {
+    return place < former.size() && com::EqualNoCase(variables[i].name, former[place].name);
+  };
+  for (std::size_t i = 0; i < variables.size(); ++i)
+    if (isNamesake(i, i)) take(i, i);
+  for (std::size_t i = 0; i < variables.size(); ++i)
+    for (std::size_t place = 0; place < former.size(); ++place)
+      if (isNamesake(i, place)) take(i, place);
+  for (std::size_t i = 0; i < variables.size(); ++i) take(i, i);
   return found;
 }
 
@@ -69,42 +70,43 @@ Json CInformationCalculator::Configuration() const { return ToJson(setup); }
 
 void CInformationCalculator::Configure(const Json& configuration) { Plan(Changed(setup, configuration))(); }
 
-CInformationCalculator::PortList CInformationCalculator::PlanPorts(
+CInformationCalculator::PlannedPorts CInformationCalculator::PlanPorts(
     const PortList& ports, const std::vector<CalculatorVariable>& former, CapePortDirection direction,
     const std::vector<CalculatorVariable>& variables) {
   const auto continued = FindFormer(variables, former);
   const char* description = direction == CAPE_INLET ? "Information inlet port" : "Information outlet port";
-  PortList planned;
+  PlannedPorts planned;
   for (std::size_t i = 0; i < variables.size(); ++i) {
-    const char* name = variables[i].name.c_str();
-    const InformationItem item = {name, "Value", variables[i].dimensionality};
-    const bool stays = continued[i] && *continued[i] < ports.size();
-    planned.push_back(stays ? ports[*continued[i]]
-                            : MakePort({name, description, direction, CAPE_INFORMATION, {&item, 1}}));
+    const CalculatorVariable& variable = variables[i];
+    const std::size_t place = continued[i].value_or(ports.size());
+    // The stream of a variable with another unit of measure does not fit it any more.
+    if (place < ports.size() && former[place].dimensionality == variable.dimensionality) {
+      planned.ports.push_back(ports[place]);
+      // (A host may have given a port a name of its own.)
+      if (variable.name != former[place].name)
+        planned.renamings.push_back({ports[place], variable.name, variable.name});
+    } else {
+      const InformationItem item = {variable.name.c_str(), "Value", variable.dimensionality};
+      planned.ports.push_back(
+          MakePort({variable.name.c_str(), description, direction, CAPE_INFORMATION, {&item, 1}}));
+    }
   }
   return planned;
 }
 
 std::function<void()> CInformationCalculator::Plan(CalculatorSetup planned) {
-  PortList newInlets = PlanPorts(inlets, setup.inputs, CAPE_INLET, planned.inputs);
-  PortList newOutlets = PlanPorts(outlets, {setup.output}, CAPE_OUTLET, {planned.output});
-  CalculatorSetup portNames = planned;
-  CalculatorSetup itemNames = planned;
-  return
-      [this, planned = std::move(planned), portNames = std::move(portNames), itemNames = std::move(itemNames),
-       newInlets = std::move(newInlets), newOutlets = std::move(newOutlets)]() mutable {
-        checkedFormula.reset();
-        std::swap(setup, planned);
-        const auto rename = [](const com::Ref<CUnitPort>& port, CalculatorVariable& name,
-                               CalculatorVariable& item) {
-          dynamic_cast<CUnitInfoPort&>(*port).Rename(std::move(name.name), std::move(item.name));
-        };
-        for (std::size_t i = 0; i < newInlets.size(); ++i)
-          rename(newInlets[i], portNames.inputs[i], itemNames.inputs[i]);
-        rename(newOutlets[0], portNames.output, itemNames.output);
-        ReplacePorts(inlets, std::move(newInlets));
-        ReplacePorts(outlets, std::move(newOutlets));
-      };
+  PlannedPorts newInlets = PlanPorts(inlets, setup.inputs, CAPE_INLET, planned.inputs);
+  PlannedPorts newOutlets = PlanPorts(outlets, {setup.output}, CAPE_OUTLET, {planned.output});
+  return [this, planned = std::move(planned), newInlets = std::move(newInlets),
+          newOutlets = std::move(newOutlets)]() mutable {
+    checkedFormula.reset();
+    std::swap(setup, planned);
+    for (auto* renamings : {&newInlets.renamings, &newOutlets.renamings})
+      for (Renaming& renaming : *renamings)
+        dynamic_cast<CUnitInfoPort&>(*renaming.port)
+            .Rename(std::move(renaming.portName), std::move(renaming.itemName));
+    ReplacePorts(std::move(newInlets.ports), std::move(newOutlets.ports));
+  };
 }
 
 // ---- Validation
@@ -123,17 +125,22 @@ bool CInformationCalculator::ValidateUnit(std::string& message) {
   std::vector<std::string> names;
   for (const CalculatorVariable& input : setup.inputs) names.push_back(input.name);
   numerics::FormulaCheck check = numerics::CheckFormula(setup.formula, names);
-  if (!check.formula) message = "Parsing error for output formula: " + check.failure;
-  checkedFormula = std::move(check.formula);
-  return message.empty();
+  if (!check.formula) {
+    message = "Parsing error for output formula: " + check.failure;
+    return false;
+  }
+  checkedFormula = std::make_shared<const numerics::CalculatorFormula>(std::move(*check.formula));
+  return true;
 }
 
 // ---- Calculation
 
 void CInformationCalculator::CalculateUnit(int, std::optional<com::Name>&) {
+  const auto formula = checkedFormula;  // whatever the host does while it is asked
   std::vector<double> values;
   for (std::size_t i = 0; i < inlets.size(); ++i) values.push_back(ReadInlet(i));
-  const numerics::Evaluation evaluation = checkedFormula.value().Evaluate(values);
+  RequireUnchanged();
+  const numerics::Evaluation evaluation = formula->Evaluate(values);
   if (!evaluation.failure.empty())
     throw Failure(UnitError{"CalculationError", evaluation.failure, "Calculate", "ICapeUnit"});
   ForwardError("Calculate", "ICapeUnit",

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "framework/CUnitInfoPort.h"
 #include "framework/Configuration.h"
 #include "numerics/formula/CalculatorFormula.h"
@@ -32,16 +34,25 @@ class CInformationCalculator final : public Configurable<BaseUnit> {
  private:
   /// Prepares the change to other variables and another formula, which then can't fail.
   [[nodiscard]] std::function<void()> Plan(CalculatorSetup planned);
+  struct Renaming {
+    com::Ref<CUnitPort> port;
+    std::string portName;
+    std::string itemName;
+  };
+  struct PlannedPorts {
+    PortList ports;
+    std::vector<Renaming> renamings;
+  };
   /// The ports of variables: those of the former variables that they continue, and new ones.
-  [[nodiscard]] PortList PlanPorts(const PortList& ports, const std::vector<CalculatorVariable>& former,
-                                   CapePortDirection direction,
-                                   const std::vector<CalculatorVariable>& variables);
+  [[nodiscard]] PlannedPorts PlanPorts(const PortList& ports, const std::vector<CalculatorVariable>& former,
+                                       CapePortDirection direction,
+                                       const std::vector<CalculatorVariable>& variables);
   [[nodiscard]] CUnitInfoPort& InletPort(std::size_t i) { return dynamic_cast<CUnitInfoPort&>(Inlet(i)); }
   [[nodiscard]] double ReadInlet(std::size_t i);
   void Report(const std::vector<double>& values, double result);
 
   CalculatorSetup setup;
-  std::optional<numerics::CalculatorFormula> checkedFormula;  // since the last validation
+  std::shared_ptr<const numerics::CalculatorFormula> checkedFormula;  // since the last validation
 };
 
 }  // namespace morvelan

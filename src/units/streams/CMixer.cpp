@@ -80,7 +80,9 @@ void CMixer::Configure(const Json& configuration) {
 std::function<void()> CMixer::PlanInlets(std::int32_t count) {
   auto resized = ResizedPorts(inlets, static_cast<std::size_t>(count), kPorts[0],
                               [](std::size_t number) { return "Inlet " + std::to_string(number); });
-  return [this, resized = std::move(resized)]() mutable { ReplacePorts(inlets, std::move(resized)); };
+  return [this, resized = std::move(resized), outlet = outlets]() mutable {
+    ReplacePorts(std::move(resized), std::move(outlet));
+  };
 }
 
 // ---- Calculation

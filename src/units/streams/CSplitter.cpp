@@ -109,7 +109,9 @@ void CSplitter::Configure(const Json& configuration) {
 std::function<void()> CSplitter::PlanOutlets(std::int32_t count) {
   auto resized = ResizedPorts(outlets, static_cast<std::size_t>(count), kPorts[1],
                               [](std::size_t number) { return "Outlet" + std::to_string(number); });
-  return [this, resized = std::move(resized)]() mutable { ReplacePorts(outlets, std::move(resized)); };
+  return [this, inlet = inlets, resized = std::move(resized)]() mutable {
+    ReplacePorts(std::move(inlet), std::move(resized));
+  };
 }
 
 std::vector<double> CSplitter::ResizedSplitFactors(std::size_t outletCount) {

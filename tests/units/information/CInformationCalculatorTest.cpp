@@ -99,7 +99,8 @@ TEST(CInformationCalculator, IsBornWithAnOutputOnly) {
 TEST(CInformationCalculator, SaysWhatKeepsItFromBeingValid) {
   Calculator bench;
   EXPECT_EQ(bench.door.Port("T2")->Disconnect(), S_OK);
-  EXPECT_EQ(bench.Invalid(), "Inlet port \"T2\" is not connected");
+  bench.SetFormula("");
+  EXPECT_EQ(bench.Invalid(), "Inlet port \"T2\" is not connected") << "before the formula";
   bench.Connect("T2", kKelvin, 320);
   struct {
     const char* formula;
@@ -170,6 +171,63 @@ TEST(CInformationCalculator, NeedsRealNumbers) {
   EXPECT_EQ(bench.Result(), 10);
 }
 
+TEST(CInformationCalculator, ReadsRealNumbersInAnyForm) {
+  Calculator bench;
+  com::Variant single;
+  VARIANT* variant = single.Put();
+  variant->vt = VT_R4;
+  variant->fltVal = 321.5f;
+  bench.ValueAt("T1") = std::move(single);
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 1.5);
+}
+
+// What has been read is no longer what the unit is connected to.
+TEST(CInformationCalculator, FailsWhenTheHostChangesItWhileItReads) {
+  const auto reconnect = [](Calculator& bench) {
+    EXPECT_EQ(bench.door.Port("T1")->Disconnect(), S_OK);
+    bench.Connect("T1", kKelvin, 400);
+  };
+  const auto validate = [](Calculator& bench) {
+    std::string message;
+    (void)bench.door.IsValid(message);
+  };
+  struct {
+    const char* title;
+    std::function<void(Calculator&)> interfere;
+  } const cases[] = {
+      {"disconnected", [](Calculator& bench) { EXPECT_EQ(bench.door.Port("T1")->Disconnect(), S_OK); }},
+      {"disconnected and validated",
+       [&](Calculator& bench) {
+         EXPECT_EQ(bench.door.Port("T1")->Disconnect(), S_OK);
+         validate(bench);
+       }},
+      {"reconnected and validated",
+       [&](Calculator& bench) {
+         reconnect(bench);
+         validate(bench);
+       }},
+      {"ended and begun anew",
+       [](Calculator& bench) {
+         EXPECT_EQ(bench.door.utilities->Terminate(), S_OK);
+         EXPECT_EQ(bench.door.utilities->Initialize(), S_OK);
+       }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.title);
+    Calculator bench;
+    bench.Validate();
+    int asked = 0;
+    bench.script->oddAnswers["get_value"] = [&] {
+      if (++asked == 2) c.interfere(bench);
+      return com::MakeDouble(300);
+    };
+    EXPECT_EQ(bench.door.unit->Calculate(), kUnitFailed);
+    EXPECT_EQ(ErrorOf(bench.door.unit.Get()).description, "The unit was changed while it was calculated");
+    EXPECT_EQ(bench.Result(), 0) << "nothing is written";
+  }
+}
+
 // ---- The configuration
 
 TEST(CInformationCalculator, KeepsConnectionsWhenVariablesAreRenamedAndMoved) {
@@ -216,6 +274,28 @@ TEST(CInformationCalculator, ReadsTheRightStreamAfterARename) {
   EXPECT_DOUBLE_EQ(com::ReadDouble(bench.ValueAt("ratio").Get()), 320.0 / 350.0);
 }
 
+TEST(CInformationCalculator, KeepsTheNamesThatAHostGaveItsPorts) {
+  Calculator bench;
+  const auto port = bench.door.Port("T1").As<ICapeIdentification>();
+  EXPECT_EQ(port->put_ComponentName(com::ToBstr("Feed T").Get()), S_OK);
+  bench.SetFormula("\"T1\" * 2");
+  EXPECT_EQ(bench.Ports(), "Feed T+ T2+ range+");
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 700);
+}
+
+TEST(CInformationCalculator, FindsItsValueByNameAmongSeveral) {
+  Calculator bench;
+  bench.Set(R"({"inputVariables": [{"name": "T1", "unit": "K"}, {"name": "cold", "unit": "K"}],
+                "formula": "\"cold\""})");
+  const auto stream = com::Make<FakeStream>(bench.script);
+  stream->Add("hot", kKelvin, 400);
+  stream->Add("Cold", kKelvin, 280);
+  EXPECT_EQ(bench.door.Port("cold")->Connect(UnitBench::Dispatch(stream)), S_OK);
+  bench.Calculate();
+  EXPECT_EQ(bench.Result(), 280);
+}
+
 TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
   struct {
     const char* json;
@@ -243,8 +323,14 @@ TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
       {R"({"formula": "1", "outputVariable": {"name": "a", "unit": "furlong"}})",
        "parse error in \"outputVariable\"/unit of the configuration: \"furlong\""},
       {R"({"variables": []})", "unknown key \"variables\""},
+      {R"({"formula": "1", "formula": "2"})", "the configuration has the key \"formula\" twice"},
+      {R"({"outputVariable": {"name": "a", "name": "b"}})", "the configuration has the key \"name\" twice"},
+      {R"({"outputVariable": {"name": "a", "unit": "m^3e38 m^3e38"}})", "parse error"},
   };
   Calculator bench;
+  bench.Validate();
+  const auto door = bench.door.unit.As<IPersistStream>();
+  (void)SavedBytes(door.Get(), TRUE);
   const std::string before = bench.Get();
   for (const auto& c : cases) {
     EXPECT_EQ(bench.TrySet(c.json), kUnitFailed) << c.json;
@@ -253,7 +339,19 @@ TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
     EXPECT_EQ(bench.Get(), before);
     EXPECT_EQ(bench.Ports(), "T1+ T2+ range+");
   }
+  EXPECT_EQ(bench.door.Status(), CAPE_VALID);
+  EXPECT_EQ(door->IsDirty(), S_FALSE);
   bench.Calculate();
+}
+
+TEST(CInformationCalculator, HasLimits) {
+  for (const int count : {128, 129}) {
+    Json inputs = Json::array();
+    for (int i = 0; i < count; ++i) inputs.push_back({{"name", "x" + std::to_string(i)}});
+    Calculator bench;
+    EXPECT_EQ(bench.TrySet(Json({{"inputVariables", inputs}}).dump()), count == 128 ? S_OK : kUnitFailed);
+    EXPECT_EQ(bench.PortNames().size(), count == 128 ? 129u : 3u);
+  }
 }
 
 TEST(CInformationCalculator, ReadsUnitsOfMeasureLeniently) {
@@ -265,6 +363,7 @@ TEST(CInformationCalculator, ReadsUnitsOfMeasureLeniently) {
       {"m^2 kg^1 s^-3", "m^2 kg^1 s^-3"},
       {"  s^-3*kg\tm^2 ", "m^2 kg^1 s^-3"},
       {"m m^0.5", "m^1.5"},
+      {"m^0.33333333", "m^0.333333"},
       {"m m^-1", ""},
       {"K;Delta", "K^1;Delta"},
       {"mol^1 s^-1 ; DELTA ", "s^-1 mol^1;Delta"},
@@ -286,7 +385,11 @@ TEST(CInformationCalculator, ReadsUnitsOfMeasureLeniently) {
     Calculator bench;
     const HRESULT hr = bench.TrySet(Json({{"outputVariable", {{"name", "y"}, {"unit", c.text}}}}).dump());
     EXPECT_EQ(hr, c.written ? S_OK : kUnitFailed);
-    if (c.written) EXPECT_EQ(Json::parse(bench.Get())["outputVariable"]["unit"], c.written);
+    if (!c.written) continue;
+    EXPECT_EQ(Json::parse(bench.Get())["outputVariable"]["unit"], c.written);
+    const auto port = bench.door.Port("y");
+    bench.Set(bench.Get());
+    EXPECT_EQ(bench.door.Port("y").Get(), port.Get()) << "its own text brings back the same";
   }
 }
 
@@ -322,6 +425,14 @@ TEST(CInformationCalculator, LoadsAndKeepsConnections) {
   stream.Text(u"formula").Text(u"\"T\"");
   EXPECT_EQ(LoadBytes(bench.door.unit.As<IPersistStream>().Get(), stream.bytes + Reports()), S_OK);
   EXPECT_EQ(bench.Invalid(), "Multiple input variables exist with name \"t\"");
+  const auto ports = ItemsOf<ICapeUnitPort>(bench.door.Ports());
+  const auto other = com::Make<FakeStream>(bench.script);
+  other->Add("value", kNone, 5);
+  EXPECT_EQ(ports[1]->Connect(UnitBench::Dispatch(other)), S_OK);
+  EXPECT_EQ(LoadBytes(bench.door.unit.As<IPersistStream>().Get(), stream.bytes + Reports()), S_OK);
+  EXPECT_EQ(ItemsOf<ICapeUnitPort>(bench.door.Ports())[1].Get(), ports[1].Get()) << "by its place";
+  bench.Set(R"({"inputVariables": [{"name": "T"}, {"name": "t2"}], "formula": "\"t2\""})");
+  EXPECT_EQ(bench.Ports(), "T t2+ output") << "and when the name is mended";
 }
 
 TEST(CInformationCalculator, RefusesStreamsThatItDoesNotKnow) {
@@ -338,6 +449,13 @@ TEST(CInformationCalculator, RefusesStreamsThatItDoesNotKnow) {
       {Encoder().Int(1).Int(1).Text(u"Formula").Text(u"1").bytes, nullptr, "unknown parameter 'Formula'"},
       {Encoder().Int(1).Int(1).Text(u"").Text(u"1").bytes, nullptr, "empty parameter name"},
       {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"y").Text(u"W").bytes, nullptr, "parse error"},
+      {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"").Text(u"").bytes, nullptr,
+       "Name cannot be empty"},
+      {Encoder().Int(1).Int(1).Text(u"inputVariables").Int(1).Text(u"Output").Text(u"").bytes, nullptr,
+       "Input variables must be different from output variable name"},
+      {Encoder().Int(1).Int(1).Text(u"inputVariables").Int(1 << 20).bytes, nullptr,
+       "There can be no more than 128 input variables"},
+      {Encoder().Int(0).Int(0).bytes, "Read error", kLost},
       {Encoder().Int(1).Int(-1).bytes, "Read error", kLost},
       {Encoder().Int(1).Int(1).Text(u"formula").Int(1000).bytes, "Read error", kLost},
   };
