@@ -12,6 +12,20 @@ struct Point {
   double r = 0.0;
 };
 
+const char* WhyRefused(double lowBound, double highBound, double tolerance) {
+  if (!std::isfinite(lowBound) || !std::isfinite(highBound)) return "Search bounds are not finite numbers";
+  return std::isfinite(tolerance) ? nullptr : "Search tolerance is not a finite number";
+}
+
+/// Evaluates the residual at the point; `reason` becomes that of this evaluation alone.
+bool Evaluate(ResidualRef residual, Point& point, std::string& reason) {
+  reason.clear();
+  if (!residual(point.x, point.r, reason)) return false;
+  if (!std::isnan(point.r)) return true;
+  reason = "a residual is not a finite number";
+  return false;
+}
+
 double Secant(const Point& a, const Point& b) { return b.x + (a.x - b.x) * b.r / (b.r - a.r); }
 
 double InverseQuadratic(const Point& a, const Point& b, const Point& c) {
@@ -47,10 +61,11 @@ BracketedRoot Failed(BracketedRoot result, std::string message) {
 BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highBound, double tolerance,
                              std::int32_t maxEvaluations) {
   BracketedRoot result;
+  if (const char* refused = WhyRefused(lowBound, highBound, tolerance)) return Failed(result, refused);
   std::string reason;
   Point a{lowBound};
   Point b{highBound};
-  if (!residual(a.x, a.r, reason) || !residual(b.x, b.r, reason))
+  if (!Evaluate(residual, a, reason) || !Evaluate(residual, b, reason))
     return Failed(result, "Failed to evaluate at search boundary: " + reason);
   result.evaluations = 2;
   if (a.r * b.r > 0.0) return Failed(result, "Solution does not exist within given domain");
@@ -62,7 +77,7 @@ BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highB
   while (std::abs(a.x - b.x) > tolerance) {
     if (result.evaluations > maxEvaluations) return Failed(result, "Maximum number of iterations exceeded");
     Point s{NextTrial(a, b, c, tolerance)};
-    if (!residual(s.x, s.r, reason))
+    if (!Evaluate(residual, s, reason))
       return Failed(result, "Failed to evaluate inside bracketed region boundary: " + reason);
     last = s.x;
     if (std::abs(s.r) < std::abs(best.r)) best = s;

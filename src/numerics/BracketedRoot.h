@@ -8,7 +8,9 @@
 namespace morvelan::numerics {
 
 /// Refers to a residual r(x) of one unknown without owning it: any object callable as bool(double x, double&
-/// r, std::string& message) that gives false, and a message, where it cannot evaluate.
+/// r, std::string& message) that gives false, and a message, where it cannot evaluate. A NaN counts as such a
+/// failure. An infinite r, as at a pole, is a value: its sign tells the side of the root, and steps that it
+/// makes impossible become bisections.
 class ResidualRef {
  public:
   template <class Residual>
@@ -37,8 +39,8 @@ struct BracketedRoot {
 /// secant or bisection. Stops when the bracket is no wider than `tolerance`, which also is the difference of
 /// residuals below which only the secant is taken. Makes at most two evaluations, or `maxEvaluations` and
 /// one, and one more at the best point where that was not the last one: with success, whatever state the
-/// residual leaves belongs to x. Allocates nothing as long as it succeeds; what the residual throws passes
-/// through.
+/// residual leaves belongs to x. Makes none where a bound or the tolerance is not finite, which fails.
+/// Allocates nothing as long as it succeeds; what the residual throws passes through.
 [[nodiscard]] BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highBound,
                                            double tolerance, std::int32_t maxEvaluations);
 

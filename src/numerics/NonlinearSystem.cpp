@@ -5,6 +5,7 @@
 #include <sunmatrix/sunmatrix_dense.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "numerics/SolverFailure.h"
@@ -33,7 +34,7 @@ SquareMatrix Square(SUNMatrix matrix) {
 class Solution {
  public:
   Solution(const NonlinearSystem& equations, const NonlinearOptions& choices)
-      : system(equations), options(choices), calls(equations) {}
+      : system(equations), options(choices), calls(equations, choices.positiveUnknowns) {}
 
   NonlinearResult Run(std::span<double> x);
 
@@ -136,7 +137,7 @@ const char* Solution::SetLimits() {
   if (const int code = KINSetNumMaxIters(solver.get(), options.maxIterations))
     return SetupFailureText(code, kInvalidCount);
   constexpr const char* kInvalidTolerance = "invalid tolerance passed to solver";
-  if (!(options.tolerance >= 0.0)) return kInvalidTolerance;
+  if (!std::isfinite(options.tolerance) || options.tolerance < 0.0) return kInvalidTolerance;
   if (const int code = KINSetFuncNormTol(solver.get(), options.tolerance))
     return SetupFailureText(code, kInvalidTolerance);
   return nullptr;

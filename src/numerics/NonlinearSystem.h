@@ -25,8 +25,10 @@ struct SquareMatrix {
 /// N equations F(x) = 0 in N unknowns. Unknowns and equations should be scaled to the order of one. What a
 /// function throws ends the solution and reaches the solver's caller.
 struct NonlinearSystem {
-  /// Computes F at x. Gives false, and says why, where F cannot be evaluated: the solver then tries a shorter
-  /// step. A value that is no number or infinite counts as such a failure.
+  /// Computes F at x. Gives false, and says why, where F cannot be evaluated; a value that is no number or
+  /// infinite counts as such a failure. Where a full step leads there, a shorter one is tried, and where a
+  /// difference would with isValid, the other direction. Any other failure (at the guess, in the solver's own
+  /// differences, or once the line search has begun to shorten a step) ends the solution.
   std::function<bool(std::span<const double> x, std::span<double> F, std::string& errorText)> residual = {};
   /// Optional: computes J(i, j) = dF_i/dx_j at x, into a matrix of zeros; gives false where it cannot.
   /// Without it the derivatives are finite differences.
@@ -36,7 +38,7 @@ struct NonlinearSystem {
 };
 
 struct NonlinearOptions {
-  double tolerance = 1e-6;           // of the largest |F_i|; 0 is the solver's own, 6e-6
+  double tolerance = 1e-6;           // of the largest |F_i|, finite; 0 is the solver's own, 6e-6
   std::int32_t maxIterations = 100;  // 0 is the solver's own, 200
   /// Unknowns, by index, that stay above zero: a step is cut before it leaves, however far it would go.
   /// (Where only the residual fails or isValid refuses, a step is halved four times at most.)
@@ -48,7 +50,7 @@ struct NonlinearResult {
   std::int32_t iterations = 0;           // Newton steps; 1 where the guess was a solution already
   std::int64_t residualEvaluations = 0;  // those for finite differences too
   std::string errorText;                 // without success: why
-  std::string lastMessage;  // the residual's or the Jacobian's where that failed last, else the solver's own
+  std::string lastMessage;  // the residual's or its perturbation's if that failed last, else the solver's
 };
 
 /// Solves the system from the guess in x by Newton's method with a line search; x is written with success

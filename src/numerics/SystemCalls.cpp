@@ -39,7 +39,10 @@ SystemCalls::Answer SystemCalls::Guarded(const Body& body) noexcept {
 bool SystemCalls::Evaluate(std::span<const double> x, std::span<double> F) {
   ++evaluations;
   functionMessage.clear();
-  if (!system.residual(x, F, functionMessage)) return false;
+  if (!system.residual(x, F, functionMessage)) {
+    if (functionMessage.empty()) functionMessage = "the residuals cannot be evaluated";
+    return false;
+  }
   functionMessage.clear();
   // The solver would search on forever.
   if (!AreFinite(F)) functionMessage = "a residual is not a finite number";
@@ -56,6 +59,10 @@ bool SystemCalls::MayTry(std::span<const double> x) {
     return false;
   }
   return true;
+}
+
+bool SystemCalls::MayBecome(std::size_t unknown, double value) const {
+  return value > 0.0 || std::ranges::find(positive, unknown) == positive.end();
 }
 
 SystemCalls::Answer SystemCalls::Residual(long iteration, std::span<const double> x,
@@ -82,7 +89,8 @@ SystemCalls::Answer SystemCalls::PerturbedJacobian(std::span<const double> x, st
     const auto fillsColumn = [&](std::size_t j, double step) {
       nearX[j] = x[j] + step;
       const double change = nearX[j] - x[j];
-      const bool isUsable = system.isValid(nearX) && nearX[j] != x[j] && Evaluate(nearX, nearF);
+      const bool isUsable =
+          MayBecome(j, nearX[j]) && system.isValid(nearX) && nearX[j] != x[j] && Evaluate(nearX, nearF);
       for (std::size_t i = 0; isUsable && i < F.size(); ++i) J(i, j) = (nearF[i] - F[i]) / change;
       nearX[j] = x[j];
       return isUsable;

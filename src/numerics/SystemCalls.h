@@ -14,17 +14,19 @@ namespace morvelan::numerics {
 /// why something failed.
 class SystemCalls {
  public:
-  /// What the solver is told: to go on, to try a shorter step, or to stop.
+  /// What the solver is told: to go on, to try a shorter step if it can, or to stop.
   enum Answer : int { kDone = 0, kFailed = 1, kStop = -1 };
 
-  explicit SystemCalls(const NonlinearSystem& equations) : system(equations) {}
+  /// What it is given is to outlive it.
+  SystemCalls(const NonlinearSystem& equations, std::span<const std::size_t> positiveUnknowns)
+      : system(equations), positive(positiveUnknowns) {}
 
   /// F at a trial point of an iteration.
   [[nodiscard]] Answer Residual(long iteration, std::span<const double> x, std::span<double> F) noexcept;
   /// The system's own Jacobian.
   [[nodiscard]] Answer GivenJacobian(std::span<const double> x, SquareMatrix J) noexcept;
-  /// Finite differences, forward or, where that leaves what is valid or fails, backward; F is the residual at
-  /// x, the rest is working space.
+  /// Finite differences, forward or, where that leaves what is valid or fails, backward, if the unknown then
+  /// stays positive where it has to; F is the residual at x, the rest is working space.
   [[nodiscard]] Answer PerturbedJacobian(std::span<const double> x, std::span<const double> F, SquareMatrix J,
                                          std::span<double> nearX, std::span<double> nearF) noexcept;
   /// A message of the solver's.
@@ -46,8 +48,10 @@ class SystemCalls {
   Answer Guarded(const Body& body) noexcept;
   bool Evaluate(std::span<const double> x, std::span<double> F);
   bool MayTry(std::span<const double> x);
+  [[nodiscard]] bool MayBecome(std::size_t unknown, double value) const;
 
   const NonlinearSystem& system;
+  std::span<const std::size_t> positive;  // unknowns that stay above zero
   std::int64_t evaluations = 0;
   long searchedIteration = -1;
   std::size_t trials = 0;  // in that iteration

@@ -9,7 +9,7 @@ thread_local std::size_t allocations = 0;
 
 }  // namespace
 
-// All other forms of new and delete come down to these.
+// All other forms of new and delete come down to these, but for those of over-aligned types.
 void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;

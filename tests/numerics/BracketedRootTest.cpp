@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string_view>
 
 #include "tests/numerics/AllocationCount.h"
 #include "tests/numerics/BracketedTrials.h"
@@ -10,19 +11,22 @@
 namespace morvelan::numerics::test {
 namespace {
 
-/// A residual that notes where it is called.
+/// A residual that notes where it is called, and that says where it has no value unless it is not to.
 struct Recorder {
-  explicit Recorder(const BracketedTrial& searched) : trial(searched) { points.reserve(200); }
+  explicit Recorder(const BracketedTrial& searched, bool tells = true) : trial(searched), says(tells) {
+    points.reserve(200);
+  }
 
   bool operator()(double x, double& r, std::string& message) {
     points.push_back(x);
     r = trial.residual(x);
-    if (!std::isnan(r)) return true;
+    if (!std::isnan(r) || !says) return true;
     message = "no value";
     return false;
   }
 
   const BracketedTrial& trial;
+  bool says;
   std::vector<double> points;
 };
 
@@ -45,6 +49,59 @@ TEST(BracketedRoot, EvaluatesWhereTheStepsSay) {
     for (std::size_t i = 0; i < trial.points.size(); ++i)
       EXPECT_NEAR(recorder.points[i], trial.points[i], close) << "point " << i;
     if (root.success) EXPECT_EQ(recorder.points.back(), root.x);
+  }
+}
+
+TEST(BracketedRoot, TakesAResidualThatIsNoNumberForAFailure) {
+  constexpr std::string_view kNoValue = "no value";
+  std::size_t failures = 0;
+  for (const BracketedTrial& trial : kBracketedTrials) {
+    std::string message = trial.message;
+    if (!message.ends_with(kNoValue)) continue;
+    SCOPED_TRACE(trial.name);
+    ++failures;
+    Recorder recorder(trial, false);
+    const BracketedRoot root =
+        SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
+    EXPECT_FALSE(root.success);
+    message.replace(message.size() - kNoValue.size(), kNoValue.size(), "a residual is not a finite number");
+    EXPECT_EQ(root.message, message);
+    EXPECT_EQ(root.evaluations, trial.count);
+    EXPECT_EQ(recorder.points.size(), trial.points.size());
+  }
+  EXPECT_EQ(failures, 3u);  // at the low bound, at the high one, inside
+}
+
+TEST(BracketedRoot, RefusesBoundsAndTolerancesThatAreNotFinite) {
+  const auto residual = [](double, double&, std::string&) -> bool { throw std::runtime_error("called"); };
+  for (const double value : {kNan, HUGE_VAL, -HUGE_VAL}) {
+    SCOPED_TRACE(value);
+    const auto expectRefusal = [&](double low, double high, double tolerance, const char* message) {
+      const BracketedRoot root = SolveBracketed(residual, low, high, tolerance, 10);
+      EXPECT_FALSE(root.success);
+      EXPECT_EQ(root.message, message);
+      EXPECT_EQ(root.evaluations, 0);
+    };
+    expectRefusal(value, 1.0, 1e-6, "Search bounds are not finite numbers");
+    expectRefusal(0.0, value, 1e-6, "Search bounds are not finite numbers");
+    expectRefusal(0.0, 1.0, value, "Search tolerance is not a finite number");
+  }
+}
+
+TEST(BracketedRoot, RepeatsTheMessageOfTheFailedEvaluationOnly) {
+  for (const int failing : {2, 3}) {
+    SCOPED_TRACE(failing);
+    int calls = 0;
+    const auto residual = [&](double x, double& r, std::string& message) {
+      r = x - 0.3;
+      if (++calls == failing) return false;  // says nothing
+      message = "converged slowly";
+      return true;
+    };
+    const BracketedRoot root = SolveBracketed(residual, 0.0, 1.0, 1e-6, 10);
+    EXPECT_FALSE(root.success);
+    EXPECT_EQ(root.message, failing == 2 ? "Failed to evaluate at search boundary: "
+                                         : "Failed to evaluate inside bracketed region boundary: ");
   }
 }
 

@@ -20,6 +20,8 @@ namespace {
 
 using Vector = std::span<const double>;
 
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
 /// One equation f(x) = 0 with the derivative that a case claims; NaN fails.
 NonlinearSystem Equation(std::function<double(double)> f, std::function<double(double)> derivative = {}) {
   NonlinearSystem system;
@@ -68,7 +70,22 @@ NonlinearSystem Sawtooth(bool repeats) {
   });
 }
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+/// The equation, from a residual that does not say why it fails.
+NonlinearSystem Silent(NonlinearSystem system) {
+  system.residual = [residual = system.residual](Vector x, std::span<double> F, std::string&) {
+    std::string unsaid;
+    return residual(x, F, unsaid);
+  };
+  return system;
+}
+
+/// The residual fails when the line search comes back from a long step.
+NonlinearSystem FailsOnTheWayBack() {
+  return Equation([](double x) { return x == 1.0   ? 1.0
+                                        : x < -0.5 ? -10.0
+                                                   : kNan; },
+                  [](double) { return 0.5; });
+}
 
 struct FaultCase {
   const char* name;
@@ -93,6 +110,7 @@ const FaultCase kFaults[] = {
      {.tolerance = kNan},
      "invalid tolerance passed to solver",
      ""},
+    {"infinite tolerance", Line(), 1.0, {.tolerance = HUGE_VAL}, "invalid tolerance passed to solver", ""},
     {"no residual", {}, 1.0, {}, "invalid solver input arguments", ""},
     {"no such unknown", Line(), 1.0, {.positiveUnknowns = {1}}, "invalid solver input arguments", ""},
     {"step below the step tolerance: the claimed derivative is twice the true one",
@@ -114,13 +132,17 @@ const FaultCase kFaults[] = {
      "Function cannot be evaluated at initial guess: no value",
      "no value"},
     {"residual fails when the line search comes back from a long step",
-     Equation([](double x) { return x == 1.0   ? 1.0
-                                    : x < -0.5 ? -10.0
-                                               : kNan; }, [](double) { return 0.5; }),
+     FailsOnTheWayBack(),
      1.0,
      {},
      "no value",
      "no value"},
+    {"residual fails there and does not say why",
+     Silent(FailsOnTheWayBack()),
+     1.0,
+     {},
+     "the residuals cannot be evaluated",
+     "the residuals cannot be evaluated"},
     {"residual is infinite at the guess",
      Equation([](double) { return HUGE_VAL; }),
      1.0,
@@ -245,6 +267,27 @@ TEST(NonlinearFaults, HaveTextsForWhatIsNeverAnswered) {
       {-16, "unknown solver error"},  // a vector operation failed
   };
   for (const auto& [code, text] : cases) EXPECT_EQ(SolveFailureText(code, "not shown"), text) << code;
+}
+
+// The linear solver interface has codes of its own: -2 and -3 mean something else there.
+TEST(NonlinearFaults, HaveTextsForEachFailureOfTheSetup) {
+  struct {
+    int code;
+    const char* text;        // of a set-up function
+    const char* linearText;  // of a function of the linear solver interface
+  } const cases[] = {
+      {-1, "out of memory", "out of memory"},                   // no solver
+      {-2, "refused", "out of memory"},                         // KIN_ILL_INPUT, no linear solver
+      {-3, "out of memory", "invalid solver input arguments"},  // not initialised, KINLS_ILL_INPUT
+      {-4, "out of memory", "out of memory"},                   // memory not obtained
+      {-8, "unknown solver error", "unknown solver error"},     // anything else
+      {-16, "unknown solver error", "unknown solver error"},
+      {1, "unknown solver error", "unknown solver error"},
+  };
+  for (const auto& [code, text, linearText] : cases) {
+    EXPECT_STREQ(SetupFailureText(code, "refused"), text) << code;
+    EXPECT_STREQ(LinearSetupFailureText(code), linearText) << code;
+  }
 }
 
 }  // namespace

@@ -86,6 +86,35 @@ TEST(NonlinearSystem, PerturbsBackwardWhereTheResidualFails) {
   EXPECT_EQ(result.residualEvaluations, static_cast<std::int64_t>(equation.points.size()));
 }
 
+TEST(NonlinearSystem, DoesNotPerturbAPositiveUnknownToZeroOrBelow) {
+  for (const double guess : {1e-9, 1e-8})  // the least step, 1e-8, leads below zero, and to it
+    for (const bool positive : {false, true}) {
+      SCOPED_TRACE(testing::Message() << guess << ", " << positive);
+      OneEquation equation([](double x) { return x - 3e-9; });
+      equation.system.isValid = [&](Vector x) { return x[0] <= guess; };
+      equation.options.tolerance = 1e-12;
+      if (positive) equation.options.positiveUnknowns = {0};
+      const NonlinearResult result = equation.Solve(guess);
+      const bool wasOutside = std::ranges::any_of(equation.points, [](double x) { return x <= 0.0; });
+      EXPECT_EQ(wasOutside, !positive);
+      EXPECT_EQ(result.lastMessage == "Failed to perturb; no valid perturbation direction found", positive);
+    }
+}
+
+// A given Jacobian needs no residuals nearby, also where there is a region of validity.
+TEST(NonlinearSystem, PrefersTheGivenJacobian) {
+  OneEquation equation([](double x) { return 2.0 * x - 6.0; });
+  equation.system.isValid = [](Vector) { return true; };
+  equation.system.jacobian = [](Vector, SquareMatrix J) {
+    J(0, 0) = 2.0;
+    return true;
+  };
+  const NonlinearResult result = equation.Solve(1.0);
+  ASSERT_TRUE(result.success) << result.errorText;
+  EXPECT_EQ(equation.points, (std::vector<double>{1.0, 3.0}));  // linear: one step solves it
+  EXPECT_EQ(result.residualEvaluations, 2);
+}
+
 TEST(NonlinearSystem, HasNoDerivativeWhereNoDirectionIsValid) {
   OneEquation equation([](double x) { return x - 1.0; });
   equation.system.isValid = [](Vector x) { return x[0] == 3.0; };

@@ -52,8 +52,8 @@ class TestUnit final : public BaseUnit {
   using BaseUnit::extraParameters;
   using BaseUnit::HFromPSFlash;
   using BaseUnit::Inlet;
-  using BaseUnit::Outlet;
   using BaseUnit::inlets;
+  using BaseUnit::Outlet;
   using BaseUnit::Parameter;
   using BaseUnit::ReplacePorts;
   using BaseUnit::SetReportText;
