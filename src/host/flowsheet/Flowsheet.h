@@ -10,6 +10,7 @@
 #include "host/flowsheet/JsonFile.h"
 #include "host/material/MaterialObject.h"
 #include "host/objects/StreamParameter.h"
+#include "host/reactions/Reaction.h"
 #include "host/thermo/PropertyPackage.h"
 
 namespace morvelan::host {
@@ -64,6 +65,7 @@ struct Flowsheet {
   std::string title;
   std::optional<ThermoOffer> thermoInterface;
   std::shared_ptr<const PropertyPackage> package;
+  std::vector<Reaction> reactions;
   std::vector<StreamSpecification> streams;
   std::vector<UnitSpecification> units;
 };

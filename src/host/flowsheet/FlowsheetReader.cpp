@@ -3,6 +3,7 @@
 #include "com/Text.h"
 #include "host/flowsheet/Flowsheet.h"
 #include "host/flowsheet/ThermoReader.h"
+#include "host/reactions/ReactionReader.h"
 
 namespace morvelan::host {
 namespace {
@@ -98,8 +99,8 @@ Flowsheet ReadFlowsheet(const std::filesystem::path& file, const std::filesystem
   const FlowsheetCompounds compounds(thermo, file, dataFolder);
   flowsheet.package = compounds.Package();
 
-  if (const auto reactions = root.Find("reactions"); reactions && !reactions->Items().empty())
-    reactions->Fail("this build has no unit that takes reactions");
+  if (const auto reactions = root.Find("reactions"))
+    flowsheet.reactions = ReadReactions(*reactions, compounds);
   if (const auto streams = root.Find("streams"))
     for (const auto& [name, node] : streams->Members())
       flowsheet.streams.push_back(ReadStream(name, node, compounds));

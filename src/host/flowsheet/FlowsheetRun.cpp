@@ -45,18 +45,6 @@ com::PublishedClass ClassOf(const UnitSpecification& unit, const std::vector<com
                                                                  "; known are " + Listed(names)));
 }
 
-HostedUnit CreateUnit(const UnitSpecification& specification, const com::PublishedClass& unitClass,
-                      IDispatch* context) {
-  try {
-    HostedUnit unit(unitClass);
-    unit.SetName(specification.name);
-    unit.SetContext(context);
-    return unit;
-  } catch (const std::runtime_error& error) {
-    throw FlowsheetError(specification.place, std::string("the unit cannot be created: ") + error.what());
-  }
-}
-
 void Configure(HostedUnit& unit, const UnitSpecification& specification) {
   if (!specification.configuration) return;
   try {
@@ -151,6 +139,8 @@ FlowsheetRun::FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& runOpti
   const auto chosen = options.thermoInterface ? options.thermoInterface : flowsheet.thermoInterface;
   offer = chosen.value_or(ThermoOffer::k11);
   context = com::Make<SimulationContext>(options.simplified, DefaultVersion(chosen));
+  if (!flowsheet.reactions.empty())
+    reactions = com::Make<ReactionPackage>(flowsheet.reactions, flowsheet.package);
   CreateUnits();
   PlanNetwork();
   ConnectUnits();
@@ -161,14 +151,31 @@ FlowsheetRun::FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& runOpti
 
 void FlowsheetRun::CreateUnits() {
   const std::vector<com::PublishedClass> classes = com::PublishedClasses();
-  const auto dispatch = context.As<IDispatch>();
   for (const UnitSpecification& specification : source.units) {
     com::PublishedClass unitClass = ClassOf(specification, classes);
-    HostedUnit unit = CreateUnit(specification, unitClass, dispatch.Get());
+    HostedUnit unit = CreateUnit(specification, unitClass);
     Configure(unit, specification);
     std::vector<UnitPort> ports = unit.Ports();
     units.push_back({&specification, std::move(unitClass), std::move(unit), std::move(ports)});
   }
+}
+
+HostedUnit FlowsheetRun::CreateUnit(const UnitSpecification& specification,
+                                    const com::PublishedClass& unitClass) const {
+  try {
+    HostedUnit unit(unitClass);
+    Settle(unit, specification);
+    return unit;
+  } catch (const std::runtime_error& error) {
+    throw FlowsheetError(specification.place, std::string("the unit cannot be created: ") + error.what());
+  }
+}
+
+/// Before the unit is configured: what it selects are reactions that it has been given.
+void FlowsheetRun::Settle(HostedUnit& unit, const UnitSpecification& specification) const {
+  unit.SetName(specification.name);
+  unit.SetContext(context.As<IDispatch>().Get());
+  if (reactions) unit.SetReactions(reactions.As<IDispatch>().Get());
 }
 
 void FlowsheetRun::PlanNetwork() {
@@ -214,13 +221,11 @@ void FlowsheetRun::PutParameters() {
 }
 
 void FlowsheetRun::RestoreUnits() {
-  const auto dispatch = context.As<IDispatch>();
   std::vector<RunUnit> saved = std::move(units);
   units.clear();
   for (RunUnit& run : saved) try {
       HostedUnit restored(run.unitClass, *run.unit.Save());
-      restored.SetName(run.specification->name);
-      restored.SetContext(dispatch.Get());
+      Settle(restored, *run.specification);
       std::vector<UnitPort> ports = restored.Ports();
       units.push_back({run.specification, run.unitClass, std::move(restored), std::move(ports)});
     } catch (const std::runtime_error& error) {
@@ -330,6 +335,8 @@ UnitResult FlowsheetRun::CalculateUnit(std::size_t index, const std::vector<bool
   } catch (const std::exception& failure) {
     result.error = FaultOf(failure);
   }
+  // A unit may leave its material in the package, which the next unit uses too.
+  if (reactions) reactions->UnsetMaterial();
   try {
     ReadFace(run.unit, result);
   } catch (const std::exception& failure) {

@@ -11,6 +11,7 @@
 #include "host/flowsheet/StreamNetwork.h"
 #include "host/flowsheet/StreamObjects.h"
 #include "host/objects/SimulationContext.h"
+#include "host/reactions/ReactionPackage.h"
 
 namespace morvelan::host {
 
@@ -42,6 +43,10 @@ class FlowsheetRun {
   };
 
   void CreateUnits();
+  [[nodiscard]] HostedUnit CreateUnit(const UnitSpecification& specification,
+                                      const com::PublishedClass& unitClass) const;
+  /// Gives a new unit its name, the context and the reactions, if there are any.
+  void Settle(HostedUnit& unit, const UnitSpecification& specification) const;
   /// Finds out what connects to what, and makes the streams.
   void PlanNetwork();
   void ConnectUnits();
@@ -62,8 +67,9 @@ class FlowsheetRun {
   const Flowsheet& source;
   const RunOptions options;
   ThermoOffer offer;
-  // Units let go of the streams and of the context before these go themselves.
+  // Units let go of the streams, the context and the reactions before these go themselves.
   com::Ref<SimulationContext> context;
+  com::Ref<ReactionPackage> reactions;  // null when the file has none
   std::vector<NetworkConnection> connections;
   StreamNetwork network;
   std::vector<StreamObject> streams;

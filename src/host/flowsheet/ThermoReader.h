@@ -23,9 +23,10 @@ class FlowsheetCompounds {
   /// unless they sum to 1 within 1e-6; what is left of that is scaled away.
   [[nodiscard]] std::vector<double> ReadComposition(const JsonNode& composition) const;
 
- private:
+  /// Position of the compound that a name means. Throws FlowsheetError with the place when none does.
   [[nodiscard]] std::size_t Find(const JsonNode& place, const std::string& name) const;
 
+ private:
   std::shared_ptr<const PropertyPackage> package;
 };
 

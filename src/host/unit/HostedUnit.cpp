@@ -152,6 +152,16 @@ void HostedUnit::SetContext(IDispatch* context) {
   Check(utilities->put_simulationContext(context), utilities.Get());
 }
 
+void HostedUnit::SetReactions(IDispatch* reactions) {
+  const auto taker = object.As<ICapeKineticReactionContext>();
+  if (!taker) return;
+  // The unit may put another object in the place of the one that it was given.
+  IDispatch* passed = com::Ref<IDispatch>::Share(reactions).Detach();
+  const HRESULT outcome = taker->SetReactionObject(&passed);
+  const auto returned = com::Ref<IDispatch>::Attach(passed);
+  Check(outcome, taker.Get());
+}
+
 std::vector<UnitPort> HostedUnit::Ports() const {
   com::Ref<IDispatch> dispatch;
   Check(unit->get_ports(dispatch.Put()), unit.Get());

@@ -64,6 +64,8 @@ class HostedUnit {
   /// What the unit keeps, from its beginning.
   [[nodiscard]] com::Ref<IStream> Save() const;
   void SetContext(IDispatch* context);
+  /// Hands the reactions to a unit that takes some; any other is left alone.
+  void SetReactions(IDispatch* reactions);
   [[nodiscard]] std::vector<UnitPort> Ports() const;
   [[nodiscard]] std::vector<UnitParameter> Parameters() const;
   /// Nothing when the unit is valid, else what it says against itself.

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "host/reactions/MaterialReader.h"
+#include "host/reactions/Reaction.h"
+#include "host/thermo/PropertyPackage.h"
+
+namespace morvelan::host {
+
+/// One phase of a material as reactions see it. What is not asked for is not read, so that a reaction's K may
+/// be had of a material that lacks the phase; what is asked for again is not read again. Failures are
+/// HostError.
+class PhaseConditions {
+ public:
+  PhaseConditions(const MaterialReader& source, const PropertyPackage& thermodynamics, PhaseKind kind)
+      : reader(source), package(thermodynamics), phase(kind) {}
+
+  /// The phase's own [K], the material's where the phase has none.
+  [[nodiscard]] double Temperature();
+  /// The phase's own [Pa], the material's where the phase has none.
+  [[nodiscard]] double Pressure();
+  /// Mole fractions, one per compound of the package; zero for one that the material does not have.
+  [[nodiscard]] const std::vector<double>& MoleFractions();
+  [[nodiscard]] double MolarDensity();  // [mol/m3]
+
+  /// The amount of a compound in a basis, per mole fraction: its factor to the mole fraction.
+  [[nodiscard]] double AmountPerFraction(ConcentrationBasis basis, std::size_t compound);
+
+ private:
+  [[nodiscard]] double Condition(const char* property) const;
+
+  const MaterialReader& reader;
+  const PropertyPackage& package;
+  PhaseKind phase;
+  std::optional<double> temperature;
+  std::optional<double> pressure;
+  std::vector<double> fractions;
+  std::optional<double> density;
+};
+
+/// The phases of a material, each when it is asked for.
+class ReactionConditions {
+ public:
+  ReactionConditions(const MaterialReader& source, const PropertyPackage& thermodynamics)
+      : reader(source), package(thermodynamics) {}
+
+  [[nodiscard]] PhaseConditions& Of(PhaseKind kind) {
+    return phases.try_emplace(kind, reader, package, kind).first->second;
+  }
+
+ private:
+  const MaterialReader& reader;
+  const PropertyPackage& package;
+  std::map<PhaseKind, PhaseConditions> phases;
+};
+
+}  // namespace morvelan::host
