@@ -141,6 +141,8 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   void RequireUnchanged() const;
   /// Throws while the unit is busy with something that a change would upset.
   void RequireIdle() const;
+  /// A validation may be one of its own, or the beginning of a calculation.
+  [[nodiscard]] bool IsCalculating() const;
   /// Says what the unit is busy with as long as it exists; within another activity that one prevails.
   class Activity {
    public:

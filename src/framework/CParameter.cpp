@@ -73,7 +73,10 @@ HRESULT CParameter::get_Specification(IDispatch** specification) {
 HRESULT CParameter::get_value(VARIANT* result) {
   if (!result) return E_POINTER;
   VariantInit(result);
-  return Enter("get_value", [&] { *result = ToVariant(value).Detach(); });
+  return Enter("get_value", [&] {
+    if (unavailable) throw Failure(unavailable);
+    *result = ToVariant(value).Detach();
+  });
 }
 
 HRESULT CParameter::put_value(VARIANT newValue) {

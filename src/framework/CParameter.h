@@ -80,6 +80,9 @@ class CParameter final
   [[nodiscard]] std::int32_t FlagWord() const { return flagWord; }
   void SetFlagWord(std::int32_t word) { flagWord = word; }
   void SetOptions(std::vector<std::string> choices) { options = std::move(choices); }
+  /// Makes hosts that read the value fail with a reason, until it is null. Putting a value is always
+  /// possible.
+  void SetUnavailable(const char* reason) { unavailable = reason; }
   /// Stores a value that the unit gives: checked by nobody, and the unit stays as valid as it was.
   void SetResult(ParameterValue result);
   /// Stores a value as if the host had put it, and tells the unit. The value is not checked.
@@ -124,6 +127,7 @@ class CParameter final
   std::int32_t flagWord = 0;
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
   bool isArrayMember = false;
+  const char* unavailable = nullptr;
   BaseUnit* unit;  // absent for array members and once the unit is gone
   double* boundDouble = nullptr;
 };

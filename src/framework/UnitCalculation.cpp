@@ -117,8 +117,10 @@ void BaseUnit::FlashOutlets(com::Name flashType) {
   });
 }
 
+bool BaseUnit::IsCalculating() const { return activity == kCalculated; }
+
 double BaseUnit::HFromPSFlash(double pressure, double entropy) {
-  const bool calculating = activity == kCalculated;
+  const bool calculating = IsCalculating();
   const std::string_view scope = calculating ? kScope : "HFromPSFlash";
   const std::string_view interfaceName = calculating ? kInterface : "BaseUnit";
   try {

@@ -4,6 +4,7 @@
 #include "units/heat/CHeaterCooler.h"
 #include "units/information/CInformationCalculator.h"
 #include "units/pressure/CValve.h"
+#include "units/reactors/CFixedConversionReactor.h"
 #include "units/streams/CMixer.h"
 #include "units/streams/CNoOperation.h"
 #include "units/streams/CSplitter.h"
@@ -24,6 +25,13 @@ const UnitClass kUnitClasses[] = {
      .description = "NoOperation - Debug unit operation, copies inlet to outlet",
      .consumesThermodynamics = true,
      .create = Create<CNoOperation>},
+    {.clsid = __uuidof(::FixedConversionReactor),
+     .progId = "VELT_MORV.FixedConversionReactor",
+     .displayName = "FixedConversionReactor Class",
+     .name = "FixedConversionReactor",
+     .description = "Reactor for reactions with specified conversions",
+     .consumesThermodynamics = true,
+     .create = Create<CFixedConversionReactor>},
     {.clsid = __uuidof(::HeaterCooler),
      .progId = "VELT_MORV.HeaterCooler",
      .displayName = "HeaterCooler Class",

@@ -61,10 +61,16 @@ double StreamUnit::FlashedEnthalpyFlow(CUnitPort& outlet) {
   });
 }
 
-double StreamUnit::MolarEnthalpy(CUnitPort& inlet) {
+double StreamUnit::MolarEnthalpy(CUnitPort& inlet, com::Name property) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(inlet,
-                        inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole));
+    return ReadEnthalpy(inlet, inlet.GetProperty(property, names::kOverall, names::kMixture, names::kMole));
+  });
+}
+
+double StreamUnit::FlashedMolarEnthalpy(CUnitPort& outlet, com::Name property) {
+  return ForwardError(kScope, kInterface, [&] {
+    return ReadEnthalpy(outlet,
+                        outlet.GetPropertyNoDup(property, names::kOverall, names::kMixture, names::kMole));
   });
 }
 
@@ -77,15 +83,31 @@ std::optional<double> StreamUnit::StoredTemperature(CUnitPort& outlet) {
   });
 }
 
-void StreamUnit::SetMolarEnthalpy(CUnitPort& outlet, double enthalpy) {
+void StreamUnit::SetMolarEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property) {
   ForwardError(kScope, kInterface, [&] {
-    outlet.SetProp(names::kEnthalpy, names::kOverall, com::Variant().Get(), names::kMixture, names::kMole,
+    outlet.SetProp(property, names::kOverall, com::Variant().Get(), names::kMixture, names::kMole,
                    com::MakeDoubles(std::array{enthalpy}).Get());
   });
 }
 
 void StreamUnit::Flash(CUnitPort& outlet, com::Name flashType) {
   ForwardError(kScope, kInterface, [&] { outlet.CalcEquilibrium(flashType); });
+}
+
+void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property) {
+  SetMolarEnthalpy(outlet, enthalpy, property);
+  Flash(outlet, property == names::kEnthalpyF ? names::kPHF : names::kPH);
+  std::optional<double> temperature = StoredTemperature(outlet);
+  if (!temperature) temperature = StoredTemperature(outlet);  // a host may need to be asked twice
+  if (!temperature)
+    throw Failure(
+        "the temperature of the material on port " + outlet.ComponentName() + " is not set after its flash",
+        kScope, kInterface);
+  outlet.State().temperature = *temperature;
+}
+
+void StreamUnit::WarnAs(std::string_view kind, const std::string& text) const {
+  Warn(std::string(kind) + " \"" + ComponentName() + '"' + text);
 }
 
 void StreamUnit::StartReport() { SetReportText(kLastRunReport, "+++ specifications +++\r\n\r\n"); }

@@ -1,6 +1,12 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "framework/BaseUnit.h"
+#include "framework/CUnitInfoPort.h"
+#include "material/Names.h"
+#include "units/HeatSource.h"
 
 namespace morvelan {
 
@@ -23,14 +29,26 @@ class StreamUnit : public BaseUnit {
   [[nodiscard]] double EnthalpyFlow(CUnitPort& inlet);
   /// Enthalpy flow [W] of an outlet as it was flashed.
   [[nodiscard]] double FlashedEnthalpyFlow(CUnitPort& outlet);
+  // The enthalpy below is `enthalpy` or `enthalpyF`, which includes the heat of formation.
+
   /// Molar enthalpy [J/mol] of an inlet, calculated on a copy of its material.
-  [[nodiscard]] double MolarEnthalpy(CUnitPort& inlet);
+  [[nodiscard]] double MolarEnthalpy(CUnitPort& inlet, com::Name property = names::kEnthalpy);
+  /// Molar enthalpy [J/mol] of an outlet as it was flashed.
+  [[nodiscard]] double FlashedMolarEnthalpy(CUnitPort& outlet, com::Name property = names::kEnthalpy);
   /// Temperature [K] of an outlet as it was flashed; nothing when its material has none.
   [[nodiscard]] std::optional<double> StoredTemperature(CUnitPort& outlet);
-  /// Writes the molar enthalpy [J/mol] at which a "PH" flash finds the outlet.
-  void SetMolarEnthalpy(CUnitPort& outlet, double enthalpy);
+  /// Writes the molar enthalpy [J/mol] at which a "PH" or "PHF" flash finds the outlet.
+  void SetMolarEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property = names::kEnthalpy);
   /// Writes the outlet's held state to its material and flashes it.
   void Flash(CUnitPort& outlet, com::Name flashType);
+  /// Flashes the outlet at its pressure and a molar enthalpy [J/mol], and takes over the temperature found.
+  void FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property = names::kEnthalpy);
+
+  /// What the energy stream at an inlet port offers, with its temperatures in order; it is put in the report.
+  /// `kind` names the kind of unit in warnings. Throws Failure, also when there is no port or no stream.
+  [[nodiscard]] HeatSource ReadEnergyStream(CUnitInfoPort* port, std::string_view kind);
+  /// Logs a warning that begins with the kind and the quoted name of the unit.
+  void WarnAs(std::string_view kind, const std::string& text) const;
 
   // The report "Last run". Nothing happens in quiet mode.
   void StartReport();
@@ -38,7 +56,13 @@ class StreamUnit : public BaseUnit {
   void ReportParameter(const CParameter& parameter);
   /// Closes the report with parameters that are no specifications, in list order.
   void ReportOptionalParameters(std::span<const std::size_t> positions);
+
+ private:
+  void ReportEnergyStream(const HeatSource& source);
 };
+
+/// Begins the warning that the temperatures of an energy stream are left out of account.
+inline constexpr const char* kNoRangeCheck = "Warning: cannot do range check on temperature: ";
 
 /// The name of the report that these units write.
 inline constexpr const char* kLastRun[] = {"Last run"};

@@ -1,6 +1,7 @@
 #include "tests/support/FakeMaterial.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace morvelan::test {
 namespace {
@@ -56,14 +57,23 @@ HRESULT FakeMaterial::Read(com::Name property, com::Name phase, com::Name basis,
 double FakeMaterial::ValueIn(const FakePhase& phase, const std::string& property) const {
   if (property == "phasefraction") return phase.fraction;
   if (property == "enthalpy" && state.heatCapacity != 0) return state.heatCapacity * state.temperature;
+  if (property == "enthalpyf" && state.heatCapacity != 0)
+    return state.heatCapacity * state.temperature + FormationEnthalpy();
   const auto found = phase.properties.find(property);
   return found == phase.properties.end() ? 0 : found->second;
 }
 
-void FakeMaterial::Flash(std::string specifications, bool givenEnthalpy) {
+double FakeMaterial::FormationEnthalpy() const {
+  const auto& heats = state.formationEnthalpies;
+  if (heats.size() != state.fractions.size()) return 0;
+  return std::inner_product(heats.begin(), heats.end(), state.fractions.begin(), 0.0);
+}
+
+void FakeMaterial::Flash(std::string specifications, const char* given) {
   state.flash = std::move(specifications);
-  if (givenEnthalpy && state.heatCapacity != 0)
-    state.temperature = state.written.at("enthalpy").at(0) / state.heatCapacity;
+  if (!given || state.heatCapacity == 0) return;
+  const double formation = given == std::string("enthalpyF") ? FormationEnthalpy() : 0;
+  state.temperature = (state.written.at(given).at(0) - formation) / state.heatCapacity;
 }
 
 HRESULT FakeMaterial::Write(com::Name property, const VARIANT& values) {
@@ -133,7 +143,8 @@ HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcT
 HRESULT FakeMaterial::CalcEquilibrium(BSTR flashType, VARIANT props) {
   const HRESULT hr = script->Call("CalcEquilibrium", {}, {flashType, props});
   const std::string type = com::ToUtf8(flashType);
-  if (script->recording) Flash(type, SUCCEEDED(hr) && type == "PH");
+  const char* given = type == "PH" ? "enthalpy" : type == "PHF" ? "enthalpyF" : nullptr;
+  if (script->recording) Flash(type, SUCCEEDED(hr) ? given : nullptr);
   return hr;
 }
 
@@ -220,8 +231,11 @@ HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR soluti
     const auto texts = com::ReadStrings(specification);
     return texts.at(0) + "/" + texts.at(1) + "/" + texts.at(2);
   };
+  const char* given = describe(second) == "enthalpy//Overall"    ? "enthalpy"
+                      : describe(second) == "enthalpyF//Overall" ? "enthalpyF"
+                                                                 : nullptr;
   Flash(describe(first) + ", " + describe(second) + ", " + com::ToUtf8(solutionType),
-        SUCCEEDED(hr) && describe(second) == "enthalpy//Overall");
+        SUCCEEDED(hr) ? given : nullptr);
   return hr;
 }
 

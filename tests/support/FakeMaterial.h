@@ -35,6 +35,8 @@ struct FakeState {
   /// [J/(mol K)]; unless it is zero, the enthalpy of every phase is this times the temperature, and a flash
   /// that is given an enthalpy finds the temperature.
   double heatCapacity = 0;
+  /// [J/mol], one per compound: what enthalpyF has more than the enthalpy.
+  std::vector<double> formationEnthalpies = {};
   /// Under thermo 1.1: the status of each phase; empty for all at equilibrium.
   std::vector<std::int32_t> statuses = {};
   /// Says that it made a copy, and gives none.
@@ -125,7 +127,9 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
   HRESULT Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values);
   HRESULT Labels(bool withOverall, VARIANT* labels);
   [[nodiscard]] double ValueIn(const FakePhase& phase, const std::string& property) const;
-  void Flash(std::string specifications, bool givenEnthalpy);
+  /// `given` is the enthalpy by which the flash finds the temperature; null for none.
+  void Flash(std::string specifications, const char* given);
+  [[nodiscard]] double FormationEnthalpy() const;
 };
 
 }  // namespace morvelan::test

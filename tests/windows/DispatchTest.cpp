@@ -11,6 +11,7 @@
 #include "morvelan.h"
 #include "server/ClassTable.h"
 #include "tests/support/Door.h"
+#include "tests/support/FakeReactionPackage.h"
 #include "tests/support/TestUnit.h"
 #include "tests/windows/LateBound.h"
 
@@ -61,6 +62,25 @@ TEST(Dispatch, LeadsFromAUnitToAllItsObjects) {
   EXPECT_EQ(TextOf(CallByName(inlet.Get(), "COMPONENTNAME", kGet).result.Get()), "Feed");
   EXPECT_EQ(TextOf(CallByName(ports.Get(), "count").result.Get()), "2");
   EXPECT_EQ(CallByName(inlet.Get(), "Inlet").code, DISP_E_UNKNOWNNAME);
+}
+
+TEST(Dispatch, HandsAReactionPackageToAReactor) {
+  const Ref<IDispatch> reactor = com::CreateObject(__uuidof(FixedConversionReactor)).As<IDispatch>();
+  const auto package = com::Make<FakeReactionPackage>(std::make_shared<HostScript>(), FakePackageState{});
+  const Variant object = com::MakeObject(static_cast<ICapeReactionProperties*>(package.Get()));
+  VARIANT variable = object.Get();
+  VARIANT byReference{};
+  byReference.vt = VT_BYREF | VT_VARIANT;
+  byReference.pvarVal = &variable;
+  const ULONG held = package->References();
+  for (const VARIANT& given : {object.Get(), byReference}) {
+    EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {given}).code, S_OK);
+    EXPECT_EQ(package->References(), held + 1);
+    EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {com::kNoValue}).code, S_OK);
+    EXPECT_EQ(package->References(), held);
+  }
+  EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {MakeInteger(1).Get()}).code,
+            DISP_E_TYPEMISMATCH);
 }
 
 struct Put {

@@ -23,6 +23,8 @@ using Identifiers = std::map<std::string, DISPID>;
 const std::map<std::string, std::vector<std::string>> kFaces = {
     {"DUnit", {"ICapeUtilities", "ICapeUnit", "ICapeUnitReport"}},
     {"DConfigurableUnit", {"ICapeUtilities", "ICapeUnit", "ICapeUnitReport", "IUnitConfiguration"}},
+    {"DReactor",
+     {"ICapeUtilities", "ICapeUnit", "ICapeUnitReport", "IUnitConfiguration", "ICapeKineticReactionContext"}},
     {"DUnitPort", {"ICapeUnitPort"}},
     {"DUnitInfoPort", {"ICapeUnitPort", "ICapeCollection"}},
     {"DCollection", {"ICapeCollection"}},
@@ -115,7 +117,7 @@ TEST(DispatchTypes, AreThoseOfTheUnitsObjects) {
   for (const server::UnitClass& unitClass : server::UnitClasses()) {
     SCOPED_TRACE(unitClass.name);
     const auto seen = CheckAll(com::CreateObject(unitClass.clsid).As<IDispatch>());
-    EXPECT_EQ(seen.contains("DUnit") + seen.contains("DConfigurableUnit"), 1);
+    EXPECT_EQ(seen.contains("DUnit") + seen.contains("DConfigurableUnit") + seen.contains("DReactor"), 1);
     EXPECT_TRUE(seen.contains("DCollection"));
     EXPECT_TRUE(seen.contains("DUnitPort") || seen.contains("DUnitInfoPort"));
   }
@@ -145,7 +147,7 @@ TEST(DispatchTypes, AreThoseOfEveryKindOfObject) {
                                              {"DBooleanParameter", 1},
                                              {"DArrayParameter", 1}};
   EXPECT_EQ(seen, wanted);
-  EXPECT_EQ(seen.size() + 1, kFaces.size()) << "all but the DConfigurableUnit of published units";
+  EXPECT_EQ(seen.size() + 2, kFaces.size()) << "all but DConfigurableUnit and DReactor of published units";
 }
 
 }  // namespace

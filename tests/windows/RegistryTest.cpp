@@ -36,6 +36,9 @@ struct ExpectedClass {
 constexpr ExpectedClass kClasses[] = {
     {"{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}", "VELT_MORV.NoOperation", "NoOperation Class", "NoOperation",
      "NoOperation - Debug unit operation, copies inlet to outlet", true},
+    {"{2FD8C58C-BC6C-49E4-8D07-A498E08B26BE}", "VELT_MORV.FixedConversionReactor",
+     "FixedConversionReactor Class", "FixedConversionReactor",
+     "Reactor for reactions with specified conversions", true},
     {"{06C53883-13C3-49B7-A55F-039286EA0119}", "VELT_MORV.HeaterCooler", "HeaterCooler Class", "HeaterCooler",
      "Heater or cooler using heat duty or outlet temperature", true},
     {"{9225C5F7-9D3C-4E12-AAD1-04EF5976F49E}", "VELT_MORV.InformationCalculator",

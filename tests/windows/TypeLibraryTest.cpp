@@ -222,10 +222,11 @@ TEST(TypeLibrary, HasEveryClassAndWhatUnitsMakeForTheirHosts) {
       {"InfoParamDesc", "{2D378A00-7C50-4F27-8DAB-A8DAD22C5DF8} noncreatable, by default DInfoParamDesc"},
   };
   for (const server::UnitClass& unitClass : server::UnitClasses()) {
-    const bool isConfigurable =
-        static_cast<bool>(com::CreateObject(unitClass.clsid).As<IUnitConfiguration>());
-    wanted[unitClass.name] = com::ToText(unitClass.clsid) + " creatable, by default " +
-                             (isConfigurable ? "DConfigurableUnit" : "DUnit");
+    const auto unit = com::CreateObject(unitClass.clsid);
+    const char* type = unit.As<ICapeKineticReactionContext>() ? "DReactor"
+                       : unit.As<IUnitConfiguration>()        ? "DConfigurableUnit"
+                                                              : "DUnit";
+    wanted[unitClass.name] = com::ToText(unitClass.clsid) + " creatable, by default " + type;
   }
   EXPECT_EQ(TextsOf(TKIND_COCLASS, ClassText), wanted);
 }

@@ -41,6 +41,11 @@ class Function {
     const TYPEDESC& type = description->lprgelemdescParam[i].tdesc;
     return type.vt == VT_PTR && type.lptdesc->vt == VT_BSTR;
   }
+  /// Whether parameter `i` is an object that the method takes by reference.
+  [[nodiscard]] bool RefersToObject(UINT i) const {
+    const TYPEDESC& type = description->lprgelemdescParam[i].tdesc;
+    return type.vt == VT_PTR && type.lptdesc->vt == VT_DISPATCH;
+  }
   [[nodiscard]] bool HasResult() const { return description->elemdescFunc.tdesc.vt != VT_VOID; }
 
  private:
@@ -89,6 +94,30 @@ TextArgument TakeText(VARIANT* given) {
   return argument;
 }
 
+/// Objects that a method takes by reference, on behalf of a script's arguments: plain ones, or variables with
+/// them. The method may keep or replace its reference as it likes.
+class ObjectArguments {
+ public:
+  explicit ObjectArguments(UINT count) : objects(count) {}
+  ObjectArguments(const ObjectArguments&) = delete;
+  ObjectArguments& operator=(const ObjectArguments&) = delete;
+  ~ObjectArguments() {
+    for (IDispatch* object : objects) Ref<IDispatch>::Attach(object).Reset();
+  }
+
+  [[nodiscard]] bool Take(UINT i, const VARIANT* given, VARIANT& argument) {
+    const VARIANT value = given ? Borrow(*given) : kNoValue;
+    if (value.vt != VT_DISPATCH && value.vt != VT_EMPTY) return false;
+    if (value.vt == VT_DISPATCH) objects[i] = Ref<IDispatch>::Share(value.pdispVal).Detach();
+    argument.vt = VT_BYREF | VT_DISPATCH;
+    argument.ppdispVal = &objects[i];
+    return true;
+  }
+
+ private:
+  std::vector<IDispatch*> objects;
+};
+
 /// Scripts read the elements of no other arrays than those of variants.
 void LoosenArray(VARIANT& result) {
   if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(result.parray) != 1)
@@ -106,15 +135,16 @@ VARIANT* ArgumentFor(UINT i, const DISPPARAMS& params) {
   return i + params.cNamedArgs < params.cArgs ? &params.rgvarg[params.cArgs - 1 - i] : nullptr;
 }
 
-HRESULT InvokeWithTexts(const Function& function, const Ref<ITypeInfo>& info, void* target, DISPID member,
-                        WORD flags, const DISPPARAMS& params, VARIANT* result, EXCEPINFO* exception,
-                        UINT* argumentError) {
+HRESULT InvokeWithReferences(const Function& function, const Ref<ITypeInfo>& info, void* target,
+                             DISPID member, WORD flags, const DISPPARAMS& params, VARIANT* result,
+                             EXCEPINFO* exception, UINT* argumentError) {
   const UINT count = function.ParameterCount();
   if (params.cArgs > count || params.cNamedArgs > params.cArgs || (params.cArgs > 0 && !params.rgvarg))
     return DISP_E_BADPARAMCOUNT;
   for (UINT k = 0; k < params.cNamedArgs; ++k)
     if (static_cast<UINT>(params.rgdispidNamedArgs[k]) >= count) return DISP_E_PARAMNOTFOUND;
   std::vector<TextArgument> texts(count);
+  ObjectArguments objects(count);
   std::vector<VARIANT> arguments(count);
   UINT textCount = 0;
   for (UINT i = 0; i < count; ++i) {
@@ -126,6 +156,8 @@ HRESULT InvokeWithTexts(const Function& function, const Ref<ITypeInfo>& info, vo
       texts[i] = TakeText(given);
       argument.vt = VT_BYREF | VT_BSTR;
       argument.pbstrVal = const_cast<BSTR*>(&texts[i].text.Get());
+    } else if (function.RefersToObject(i)) {
+      if (!objects.Take(i, given, argument)) return DISP_E_TYPEMISMATCH;
     } else if (given) {
       argument = *given;
     } else {
@@ -175,13 +207,14 @@ HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DI
   HRESULT hr = TypeInfoOf(iid, info.Put());
   if (FAILED(hr)) return hr;
   const Function function(info, member, flags);
-  bool replacesText = false;
+  bool hasReferences = false;
   for (UINT i = 0; i < function.ParameterCount(); ++i)
-    replacesText = replacesText || function.ReplacesText(i);
-  if (!replacesText || !params)
+    hasReferences = hasReferences || function.ReplacesText(i) || function.RefersToObject(i);
+  if (!hasReferences || !params)
     hr = info->Invoke(target, member, flags, params, result, exception, argumentError);
   else
-    hr = InvokeWithTexts(function, info, target, member, flags, *params, result, exception, argumentError);
+    hr = InvokeWithReferences(function, info, target, member, flags, *params, result, exception,
+                              argumentError);
   if (SUCCEEDED(hr) && result) LoosenArray(*result);
   return hr;
 } catch (...) {

@@ -3,20 +3,18 @@
 #include <algorithm>
 #include <cmath>
 
-#include "framework/ReportFormat.h"
 #include "material/MissingValue.h"
 #include "material/Names.h"
-#include "material/Reading.h"
 
 namespace morvelan {
 namespace {
 
 enum Position : std::size_t { kType, kOutletTemperature, kHeatDuty, kPressureDrop, kThermoVersion };
 enum Type : std::size_t { kByHeatDuty, kByTemperature, kByEnergyInlet };
-enum Item : std::size_t { kWork, kTemperatureLow, kTemperatureHigh };
+constexpr std::size_t kWork = 0;  // of the energy stream's items
 
+constexpr std::string_view kKind = "HeaterCooler";
 constexpr const char* kHeatPortKey = "heatPort";
-const std::string kNoRangeCheck = "Warning: cannot do range check on temperature: ";
 // What the flag word of "Type" keeps in saved units.
 constexpr std::int32_t kHeatInletFlag = 0;
 constexpr std::int32_t kHeatOutletFlag = 1;
@@ -108,7 +106,7 @@ void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec
   StartReport();
   HeatSource source{heatDuty};
   if (type == kByEnergyInlet)
-    source = ReadEnergyStream();
+    source = ReadEnergyStream(HeatIsOutlet() ? nullptr : &HeatPort(), kKind);
   else
     ReportParameter(Parameter(type == kByHeatDuty ? kHeatDuty : kOutletTemperature));
   ReportParameter(Parameter(kPressureDrop));
@@ -173,57 +171,6 @@ CUnitInfoPort& CHeaterCooler::HeatPort() {
   return dynamic_cast<CUnitInfoPort&>(HeatIsOutlet() ? Outlet(1) : Inlet(1));
 }
 
-CHeaterCooler::HeatSource CHeaterCooler::ReadEnergyStream() {
-  if (HeatIsOutlet() || !HeatPort().IsConnected())
-    throw CalculationFailure("Not connected", "Inlet energy port is not connected");
-  HeatSource source{ReadHeat(), ReadTemperature(kTemperatureLow), ReadTemperature(kTemperatureHigh)};
-  if (source.lowTemperature && source.highTemperature && *source.lowTemperature > *source.highTemperature) {
-    WarnAs(" warning: Tlow and Thigh are reversed at inlet heat stream; reversing values");
-    std::swap(source.lowTemperature, source.highTemperature);
-  }
-  ReportEnergyStream(source);
-  return source;
-}
-
-double CHeaterCooler::ReadHeat() {
-  return ForwardError("Calculate", "ICapeUnit", [&] {
-    const auto explain = [](const std::string& why) {
-      return Failure("heat flow of the energy stream: " + why);
-    };
-    const double heat =
-        material::ReadOr([&] { return com::ReadDouble(HeatPort().ReadInformation(kWork).Get()); }, explain);
-    if (IsMissing(heat)) throw explain("value is not set");
-    if (!std::isfinite(heat)) throw explain("value is infinite");
-    return heat;
-  });
-}
-
-std::optional<double> CHeaterCooler::ReadTemperature(std::size_t item) try {
-  if (!HeatPort().IsMatched(item)) return std::nullopt;
-  const com::Variant value = HeatPort().ReadInformation(item);
-  if (com::Borrow(value.Get()).vt == VT_EMPTY) return std::nullopt;
-  const double temperature = material::ReadOr([&] { return com::ReadDouble(value.Get()); },
-                                              [](const std::string& why) { return Failure(why); });
-  return IsMissing(temperature) ? std::nullopt : std::optional(temperature);
-} catch (const Failure& failure) {
-  Warn(kNoRangeCheck + failure.error.description);
-  return std::nullopt;
-}
-
-void CHeaterCooler::ReportEnergyStream(const HeatSource& source) {
-  const auto text = [](std::optional<double> temperature) {
-    return FormatValue(temperature.value_or(kMissingValue), kTemperatureDimension);
-  };
-  ReportLine("Heat duty from inlet energy port: " + FormatValue(source.duty, kPowerDimension) +
-             (source.lowTemperature
-                  ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
-                  : " (no temperature range for heat transfer)"));
-}
-
-void CHeaterCooler::WarnAs(const std::string& text) const {
-  Warn("HeaterCooler \"" + ComponentName() + '"' + text);
-}
-
 // ---- Heating by a duty
 
 double CHeaterCooler::HeatOutlet(HeatSource source) {
@@ -234,7 +181,7 @@ double CHeaterCooler::HeatOutlet(HeatSource source) {
   }
   const double inletEnthalpyFlow = EnthalpyFlow(Inlet(0));
   const Limit limit = LimitDuty(source, inletEnthalpyFlow);
-  if (!limit.reached) FlashWithDuty(source.duty, inletEnthalpyFlow);
+  if (!limit.reached) FlashAtEnthalpy(Outlet(0), (source.duty + inletEnthalpyFlow) / outlet.totalFlow);
   WarnOfInfeasibility(source, limit.infeasible);
   return source.duty;
 }
@@ -259,25 +206,11 @@ CHeaterCooler::Limit CHeaterCooler::LimitDuty(HeatSource& source, double inletEn
   if (heats && decisive < 0) return {.infeasible = true};
   if (heats ? decisive >= source.duty : decisive <= source.duty) return {};
   source.duty = limit;
-  WarnAs(" warning: heat duty is limited by energy stream temperature");
+  WarnAs(kKind, " warning: heat duty is limited by energy stream temperature");
   return {.reached = true};
 } catch (const Failure& failure) {
   Warn(kNoRangeCheck + failure.error.description);
   return {};
-}
-
-void CHeaterCooler::FlashWithDuty(double duty, double inletEnthalpyFlow) {
-  material::StreamState& outlet = Outlet(0).State();
-  SetMolarEnthalpy(Outlet(0), (duty + inletEnthalpyFlow) / outlet.totalFlow);
-  Flash(Outlet(0), names::kPH);
-  std::optional<double> temperature = StoredTemperature(Outlet(0));
-  if (!temperature) temperature = StoredTemperature(Outlet(0));  // a host may need to be asked twice
-  if (!temperature) {
-    const std::string text = "the temperature of the material on port " + Outlet(0).ComponentName() +
-                             " is not set after its flash";
-    throw CalculationFailure(text, text);
-  }
-  outlet.temperature = *temperature;
 }
 
 void CHeaterCooler::WarnOfInfeasibility(const HeatSource& source, bool infeasible) const {
@@ -287,12 +220,15 @@ void CHeaterCooler::WarnOfInfeasibility(const HeatSource& source, bool infeasibl
   if (source.duty > 0) {
     if (*source.lowTemperature < inletTemperature - kTemperatureTolerance)
       WarnAs(
+          kKind,
           " warning: inlet temperature is higher than lower energy stream temperature; this is infeasible");
     if (infeasible && temperature - kTemperatureTolerance > *source.highTemperature)
-      WarnAs(" warning: outlet temperature is higher than energy stream temperature; this is infeasible");
+      WarnAs(kKind,
+             " warning: outlet temperature is higher than energy stream temperature; this is infeasible");
   } else if (source.duty < 0 && source.highTemperature &&
              *source.highTemperature > inletTemperature + kTemperatureTolerance) {
-    WarnAs(" warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
+    WarnAs(kKind,
+           " warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
   }
 }
 

@@ -32,13 +32,6 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   void Configure(const Json& configuration) override;
 
  private:
-  /// Heat [W] offered to the stream, and the temperatures [K] between which an energy stream offers it.
-  struct HeatSource {
-    double duty;
-    std::optional<double> lowTemperature = {};
-    std::optional<double> highTemperature = {};
-  };
-
   /// How far the temperatures of an energy stream let it heat or cool the stream.
   struct Limit {
     bool reached = false;
@@ -49,11 +42,6 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   /// Prepares the change of the heat port to a side, which then can't fail.
   [[nodiscard]] std::function<void()> PlanHeatPort(bool asOutlet);
   [[nodiscard]] CUnitInfoPort& HeatPort();
-  [[nodiscard]] HeatSource ReadEnergyStream();
-  [[nodiscard]] double ReadHeat();
-  [[nodiscard]] std::optional<double> ReadTemperature(std::size_t item);
-  void ReportEnergyStream(const HeatSource& source);
-  void WarnAs(const std::string& text) const;
 
   /// Heats the outlet with the source and returns the duty [W] that it took up.
   [[nodiscard]] double HeatOutlet(HeatSource source);
@@ -61,7 +49,6 @@ class CHeaterCooler final : public Configurable<StreamUnit> {
   /// Brings the outlet to the temperature up to which the source can heat or cool; takes from the source what
   /// it can't give.
   [[nodiscard]] Limit LimitDuty(HeatSource& source, double inletEnthalpyFlow);
-  void FlashWithDuty(double duty, double inletEnthalpyFlow);
   void WarnOfInfeasibility(const HeatSource& source, bool infeasible) const;
   /// Flashes the outlet at its temperature and returns the duty [W], nothing when it can't be found.
   [[nodiscard]] std::optional<double> FindDuty();

@@ -1,0 +1,83 @@
+#include "units/reactors/ReactionProperties.h"
+
+#include <array>
+#include <cmath>
+
+#include "errors/HostCall.h"
+#include "material/Names.h"
+#include "material/Reading.h"
+
+namespace morvelan {
+namespace {
+
+// ICapeThermoContext, which is not in the standard's type library: its only use here is by name.
+constexpr GUID kThermoContext = {
+    0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
+
+com::Ref<IDispatch> ThermoContextOf(IUnknown* package) {
+  void* found = nullptr;
+  if (FAILED(package->QueryInterface(kThermoContext, &found)) || !found) return nullptr;
+  return com::Ref<IDispatch>::Attach(static_cast<IDispatch*>(found));
+}
+
+HRESULT SetMaterialByName(IDispatch& context, IDispatch* material) {
+  com::Bstr name = com::ToBstr("SetMaterial");
+  LPOLESTR names[] = {name.Get()};
+  DISPID member = 0;
+  const HRESULT known = context.GetIDsOfNames(GUID{}, names, 1, LOCALE_INVARIANT, &member);
+  if (FAILED(known)) return known;
+  VARIANT argument = com::kNoValue;  // the material stays its owner's
+  argument.vt = VT_DISPATCH;
+  argument.pdispVal = material;
+  DISPPARAMS parameters{};
+  parameters.rgvarg = &argument;
+  parameters.cArgs = 1;
+  return context.Invoke(member, GUID{}, LOCALE_INVARIANT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                        nullptr);
+}
+
+}  // namespace
+
+ReactionProperties::ReactionProperties(com::Ref<ICapeReactionProperties> reactionPackage,
+                                       const com::Ref<IDispatch>& material, const std::string& failed)
+    : package(std::move(reactionPackage)),
+      routine(package.As<ICapeReactionsRoutine>()),
+      context(package.As<ICapeThermoMaterialContext>()),
+      handedOver(material) {
+  HandOver(failed);
+}
+
+ReactionProperties::~ReactionProperties() {
+  if (context) context->UnsetMaterial();  // there is nobody left to tell of a failure
+}
+
+void ReactionProperties::HandOver(const std::string& failed) {
+  const auto explain = [&](const std::string& why) { return Failure(failed + why); };
+  if (context)
+    CheckHost(context->SetMaterial(handedOver.Get()), context.Get(), explain);
+  else if (const auto older = ThermoContextOf(package.Get()))
+    CheckHost(SetMaterialByName(*older, handedOver.Get()), older.Get(), explain);
+}
+
+double ReactionProperties::Read(com::Name property, const std::string& phase, const std::string& reaction,
+                                const ReactionPropertyTexts& texts) {
+  const auto explain = [&](const std::string& why) { return Failure(texts.failed + why); };
+  const auto invalid = [&](const std::string& why) { return Failure(texts.invalid + why); };
+  const com::Bstr phaseName = com::ToBstr(phase);
+  const com::Variant reactions = com::MakeStrings(std::span(&reaction, 1));
+  if (routine) {
+    const com::Variant properties = com::MakeStrings(std::span(&property, 1));
+    CheckHost(
+        routine->CalcReactionProp(properties.Get(), phaseName.Get(), reactions.Get(), names::kMole.text),
+        routine.Get(), explain);
+  }
+  com::Variant values;
+  CheckHost(package->GetReactionProp(property.text, phaseName.Get(), reactions.Get(), names::kMole.text,
+                                     values.Put()),
+            package.Get(), explain);
+  const double value = material::ReadScalar(values.Get(), invalid);
+  if (!std::isfinite(value)) throw invalid("value is infinite");
+  return value;
+}
+
+}  // namespace morvelan
