@@ -8,15 +8,21 @@
 #include "numerics/formula/FormulaParser.h"
 #include "numerics/formula/TreeCheck.h"
 #include "numerics/formula/TreeEvaluation.h"
+#include "numerics/formula/WithinMemory.h"
 
 namespace morvelan::numerics {
 namespace {
 
 constexpr FormulaDialect kDialect = {"parse error", "parser stack overflow"};
 
-std::mutex& ParseLock() {
-  static std::mutex lock;
-  return lock;
+std::mutex parseLock;
+
+FormulaCheck CheckAlone(std::string_view text, std::span<const std::string> variables) {
+  ParsedFormula parsed = ParseFormula(text, variables, kDialect);
+  if (!parsed.failure.empty()) return {std::nullopt, std::move(parsed.failure)};
+  std::string refusal = CheckTree(parsed.tree);
+  if (!refusal.empty()) return {std::nullopt, std::move(refusal)};
+  return {CalculatorFormula(std::move(parsed.tree), variables.size()), {}};
 }
 
 }  // namespace
@@ -36,7 +42,7 @@ Evaluation CalculatorFormula::Evaluate(std::span<const double> values) const {
     if (!suspicious && std::isfinite(evaluation.value)) [[likely]]
       return evaluation;
   }
-  return EvaluateCarefully(values);
+  return WithinMemory("memory exhausted", [&] { return EvaluateCarefully(values); });
 }
 
 Evaluation CalculatorFormula::EvaluateCarefully(std::span<const double> values) const {
@@ -53,14 +59,8 @@ Evaluation CalculatorFormula::EvaluateCarefully(std::span<const double> values) 
 
 FormulaCheck CheckFormula(std::string_view text, std::span<const std::string> variables) {
   const DefaultEnvironment environment;
-  const std::lock_guard alone(ParseLock());
-  ParsedFormula parsed = ParseFormula(text, variables, kDialect);
-  if (!parsed.failure.empty()) return {std::nullopt, std::move(parsed.failure)};
-  std::string refusal = CheckTree(parsed.tree);
-  if (!refusal.empty()) return {std::nullopt, std::move(refusal)};
-  CalculatorFormula formula(std::move(parsed.tree), variables.size());
-  if (formula.Program().TooDeep()) return {std::nullopt, kDialect.stackFull};
-  return {std::move(formula), {}};
+  const std::lock_guard alone(parseLock);
+  return WithinMemory(kDialect.stackFull, [&] { return CheckAlone(text, variables); });
 }
 
 }  // namespace morvelan::numerics

@@ -19,12 +19,11 @@ class CalculatorFormula {
   CalculatorFormula(ExpressionTree checked, std::size_t variables);
 
   /// Evaluates with a value per variable, in the order in which their names were given. Division by zero,
-  /// overflow and what is not defined are failures that name the operation. Locks and, unless it fails,
-  /// allocates nothing.
+  /// overflow and what is not defined are failures that name the operation. Locks nothing, and allocates
+  /// only for a failure and where an infinity came up on the way to a finite value. Throws nothing.
   [[nodiscard]] Evaluation Evaluate(std::span<const double> values) const;
 
   [[nodiscard]] std::size_t VariableCount() const { return variableCount; }
-  [[nodiscard]] const FormulaProgram& Program() const { return program; }
 
  private:
   [[nodiscard]] Evaluation EvaluateCarefully(std::span<const double> values) const;
@@ -42,7 +41,7 @@ struct FormulaCheck {
 };
 
 /// Parses and checks a formula in UTF-8, in which variables are written as their names in double quotes. One
-/// is parsed at a time.
+/// is parsed at a time. Throws nothing for want of memory: that is a failure like others.
 [[nodiscard]] FormulaCheck CheckFormula(std::string_view text, std::span<const std::string> variables);
 
 }  // namespace morvelan::numerics

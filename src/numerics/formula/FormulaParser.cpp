@@ -1,6 +1,5 @@
 #include "numerics/formula/FormulaParser.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <new>
@@ -30,7 +29,7 @@ std::string Describe(const Token& token) {
 
 FormulaParser::FormulaParser(std::string_view formula, std::span<const std::string> variables,
                              const FormulaDialect& words)
-    : text(formula), dialect(words), lexer(formula, variables) {}
+    : dialect(words), lexer(formula, variables) {}
 
 ParsedFormula FormulaParser::Parse() {
   const int outcome = RunGrammar(*this);
@@ -63,16 +62,12 @@ bool FormulaParser::Add(const ExpressionNode& node) noexcept {
 std::string FormulaParser::Refusal() const {
   if (refused && last.kind == TokenKind::kEnd) return std::string(dialect.syntaxError) + ": end of input";
   if (refused) return std::string(dialect.syntaxError) + ": unexpected " + Describe(last) + Place();
-  return (last.isUnknownName ? std::string(dialect.syntaxError) + ": " : "") + last.error + Place();
+  return (last.isUnknownName ? std::string(dialect.syntaxError) + ": " : "") + last.error + Place() +
+         last.remark;
 }
 
-/// In characters as a user counts them, from one.
-std::string FormulaParser::Place() const {
-  const auto before = text.substr(0, last.start);
-  const auto characters =
-      std::ranges::count_if(before, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
-  return " at position " + std::to_string(characters + 1);
-}
+/// In bytes, from one: characters of more than one can stand before it only in names of variables.
+std::string FormulaParser::Place() const { return " at position " + std::to_string(last.start + 1); }
 
 ParsedFormula ParseFormula(std::string_view text, std::span<const std::string> variables,
                            const FormulaDialect& dialect) {

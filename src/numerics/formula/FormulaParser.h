@@ -57,7 +57,6 @@ class FormulaParser {
   [[nodiscard]] std::string Refusal() const;
   [[nodiscard]] std::string Place() const;
 
-  std::string_view text;
   FormulaDialect dialect;
   Lexer lexer;
   Token last;

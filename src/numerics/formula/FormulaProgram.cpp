@@ -11,13 +11,12 @@ namespace morvelan::numerics {
 namespace {
 
 constexpr std::size_t kUsualStack = 32;
-constexpr std::size_t kLargestStack = kLargestParserDepth;
+// What waits here was an expression on the parser's stack, and what it waited for stood above it.
+constexpr std::size_t kLargestStack = kLargestParserDepth / 2;
 
 }  // namespace
 
 FormulaProgram::FormulaProgram(const ExpressionTree& tree) { FormulaCompiler(*this).Compile(tree); }
-
-bool FormulaProgram::TooDeep() const { return stackSize > kLargestStack; }
 
 double FormulaProgram::Run(const double* values, bool& suspicious) const noexcept {
   if (stackSize > kUsualStack) return RunDeep(values, suspicious);
@@ -59,7 +58,7 @@ double FormulaProgram::RunOn(double* stack, const double* values, bool& suspicio
       case Op::kDivideStack: suspicious |= !std::isfinite(x); x = *--stack / x; break;
       case Op::kNegate: x = -x; break;
       case Op::kSquare: x = Square(x); break;
-      case Op::kProductPower: suspicious |= !std::isfinite(x); x = ProductPower(x, step->variable); break;
+      case Op::kProductPower: x = ProductPower(x, step->variable); break;
       case Op::kUnary: suspicious |= !std::isfinite(x); x = step->unary(x); break;
       case Op::kBinary:
         --stack;
@@ -68,7 +67,7 @@ double FormulaProgram::RunOn(double* stack, const double* values, bool& suspicio
         break;
       case Op::kBinaryReversed:
         --stack;
-        suspicious |= !std::isfinite(x) || !std::isfinite(*stack);
+        suspicious |= !std::isfinite(*stack);  // what was fetched last is not computed
         x = step->binary(x, *stack);
         break;
         // clang-format on

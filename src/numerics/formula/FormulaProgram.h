@@ -55,6 +55,7 @@ struct FormulaStep {
 /// stack.
 class FormulaProgram {
  public:
+  /// `tree` comes from the parser, which limits how many values wait for others, and has passed CheckTree.
   explicit FormulaProgram(const ExpressionTree& tree);
 
   /// Evaluates with a value per variable, plainly, without allocation and without setting up the
@@ -65,9 +66,6 @@ class FormulaProgram {
 
   /// It calls functions of the mathematical library.
   [[nodiscard]] bool CallsFunctions() const { return callsFunctions; }
-
-  /// The stack would be deeper than any that the parser leaves.
-  [[nodiscard]] bool TooDeep() const;
 
  private:
   friend class FormulaCompiler;

@@ -13,10 +13,9 @@ double Absolute(double x) { return std::fabs(x); }
 /// Halves go up, those of negative numbers too.
 double Round(double x) { return std::floor(x + 0.5); }
 
-// Which of the two is a matter of comparing, unless one is not a number: then neither is the outcome. A quiet
-// comparison leaves the status of the floating-point unit alone.
-double Min(double a, double b) { return std::isless(a, b) || std::isnan(a) ? a : b; }
-double Max(double a, double b) { return std::isgreater(a, b) || std::isnan(a) ? a : b; }
+// Which of the two is a matter of comparing, unless one is not a number: then neither is the outcome.
+double Min(double a, double b) { return a < b || std::isnan(a) ? a : b; }
+double Max(double a, double b) { return a > b || std::isnan(a) ? a : b; }
 
 const char* RefuseSquareRoot(double x) { return x < 0 ? "sqrt of negative number" : nullptr; }
 const char* RefuseArcSine(double x) { return x < -1 || x > 1 ? "domain error in asin" : nullptr; }

@@ -18,14 +18,15 @@ bool StartsName(char c) { return (UpperCase(c) >= 'A' && UpperCase(c) <= 'Z') ||
 bool ContinuesName(char c) { return StartsName(c) || IsDigit(c); }
 bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
+std::string Quoted(std::string_view typed) { return "'" + std::string(typed) + "'"; }
+
 bool EqualNoCase(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, {}, UpperCase, UpperCase);
 }
 
 /// What a name is when it is no variable.
 Token ResolveName(Token token, std::string_view name) {
-  constexpr std::size_t kLongestKnown = 5;
-  std::string upper(name.substr(0, kLongestKnown + 1));
+  std::string upper(name);
   std::ranges::transform(upper, upper.begin(), UpperCase);
   if (const auto function = FindFunction(upper)) {
     token.kind = TokenKind::kFunction;
@@ -62,10 +63,23 @@ Token Lexer::Next() {
   return token;
 }
 
-/// The blank that ends a number or a name belongs to it, a carriage return too.
-void Lexer::SkipOneBlank() {
-  if (position < text.size() && (text[position] == ' ' || text[position] == '\t' || text[position] == '\r'))
-    ++position;
+/// A carriage return that ends a number or a name belongs to it.
+void Lexer::SkipCarriageReturn() {
+  if (position < text.size() && text[position] == '\r') ++position;
+}
+
+/// The character at a place, of one byte or more.
+std::string_view Lexer::CharacterAt(std::size_t place) const {
+  std::size_t end = place + 1;
+  while (end < text.size() && ContinuesCharacter(text[end])) ++end;
+  return text.substr(place, end - place);
+}
+
+/// What stood where a number went wrong, unless the error says so itself.
+std::string Lexer::FoundInstead(const NumberLiteral& literal) const {
+  if (literal.end < text.size()) return ", found " + Quoted(CharacterAt(literal.end));
+  const bool isSaid = std::string_view(literal.error).find("end of input") != std::string_view::npos;
+  return isSaid ? "" : ", found end of input";
 }
 
 Token Lexer::ReadNumberToken(Token token) {
@@ -79,11 +93,13 @@ Token Lexer::ReadNumberToken(Token token) {
     token.kind = TokenKind::kError;
     token.error = literal.error;
     token.start = literal.end;
+    token.remark = FoundInstead(literal);
   } else if (!std::isfinite(literal.value)) {
     token.kind = TokenKind::kError;
     token.error = FaultText(DisplayName(NodeKind::kConstant), FaultCode::kOverflow);
+    token.remark = ", in " + Quoted(token.text);
   }
-  SkipOneBlank();
+  SkipCarriageReturn();
   return token;
 }
 
@@ -92,7 +108,7 @@ Token Lexer::ReadIdentifier(Token token) {
   token.text =
       rest.substr(0, static_cast<std::size_t>(std::ranges::find_if_not(rest, ContinuesName) - rest.begin()));
   position += token.text.size();
-  SkipOneBlank();
+  SkipCarriageReturn();
   const std::string_view name = token.text;
   token = ResolveName(std::move(token), name);
   token.isUnknownName = token.kind == TokenKind::kError;
@@ -118,11 +134,8 @@ Token Lexer::ReadQuotedName(Token token) {
 }
 
 Token Lexer::InvalidCharacter(Token token) const {
-  std::size_t end = position + 1;
-  while (end < text.size() && ContinuesCharacter(text[end])) ++end;
   token.kind = TokenKind::kError;
-  token.text = text.substr(position, end - position);
-  token.error = "invalid character: '" + std::string(token.text) + "'";
+  token.error = "invalid character: " + Quoted(CharacterAt(position));
   return token;
 }
 

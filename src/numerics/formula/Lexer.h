@@ -8,6 +8,8 @@
 
 namespace morvelan::numerics {
 
+struct NumberLiteral;
+
 /// What the lexer found; a single character stands for itself.
 enum class TokenKind { kEnd, kCharacter, kNumber, kFunction, kVariable, kPi, kGasConstant, kError };
 
@@ -19,6 +21,7 @@ struct Token {
   bool isInteger = false;      // a number without decimal point and exponent
   std::int32_t index = 0;      // of a function or a variable
   std::string error;           // why it is no token
+  std::string remark;          // what was found there, to be said after the place
   bool isUnknownName = false;  // the error is an unquoted name that means nothing
 };
 
@@ -37,7 +40,9 @@ class Lexer {
   [[nodiscard]] Token ReadIdentifier(Token token);
   [[nodiscard]] Token ReadQuotedName(Token token);
   [[nodiscard]] Token InvalidCharacter(Token token) const;
-  void SkipOneBlank();
+  [[nodiscard]] std::string FoundInstead(const NumberLiteral& literal) const;
+  [[nodiscard]] std::string_view CharacterAt(std::size_t place) const;
+  void SkipCarriageReturn();
 
   std::string_view text;
   std::span<const std::string> variables;

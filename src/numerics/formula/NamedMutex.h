@@ -4,7 +4,8 @@
 
 namespace morvelan::numerics {
 
-/// A mutex that all threads of all processes of a user share. Its owner's end, however sudden, gives it free.
+/// A mutex that all threads of several processes share: on Linux those of a user with the same folder for
+/// temporary files, on Windows those of a session. Its owner's end, however sudden, gives it free.
 class NamedMutex {
  public:
   NamedMutex() = default;

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,8 +17,18 @@ namespace {
 /// gives it free with the last descriptor.
 class FileLock : public NamedMutex {
  public:
-  explicit FileLock(int openDescriptor) : descriptor(openDescriptor) {}
-  ~FileLock() override { close(descriptor); }
+  ~FileLock() override {
+    if (descriptor >= 0) close(descriptor);
+  }
+
+  /// Opens the file, which is made when there is none. False when that fails, or when the file is another
+  /// user's, who could hold it for ever. Nobody's link is followed from a folder that all share.
+  [[nodiscard]] bool Open(const char* file) {
+    descriptor = open(file, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    struct stat status {};
+    return descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_uid == geteuid();
+  }
 
   bool Wait() override {
     int outcome = 0;
@@ -28,7 +39,7 @@ class FileLock : public NamedMutex {
   void Release() override { flock(descriptor, LOCK_UN); }
 
  private:
-  int descriptor;
+  int descriptor = -1;
 };
 
 }  // namespace
@@ -37,12 +48,10 @@ std::unique_ptr<NamedMutex> OpenParseMutex() {
   std::error_code error;
   const auto folder = std::filesystem::temp_directory_path(error);
   if (error) return nullptr;
-  // A file per user: one of another's could be held for ever. Nobody's link is followed from a folder that
-  // all share.
   const auto file = folder / ("VELTParseMutex-" + std::to_string(geteuid()));
-  const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (descriptor < 0) return nullptr;
-  return std::make_unique<FileLock>(descriptor);
+  auto mutex = std::make_unique<FileLock>();
+  if (!mutex->Open(file.c_str())) return nullptr;
+  return mutex;
 }
 
 }  // namespace morvelan::numerics

@@ -7,8 +7,15 @@ namespace {
 
 class KernelMutex : public NamedMutex {
  public:
-  explicit KernelMutex(HANDLE openHandle) : handle(openHandle) {}
-  ~KernelMutex() override { CloseHandle(handle); }
+  ~KernelMutex() override {
+    if (handle) CloseHandle(handle);
+  }
+
+  /// False when that fails.
+  [[nodiscard]] bool Open() {
+    handle = CreateMutexW(nullptr, FALSE, L"VELTParseMutex");
+    return handle != nullptr;
+  }
 
   bool Wait() override {
     const DWORD outcome = WaitForSingleObject(handle, INFINITE);
@@ -17,15 +24,15 @@ class KernelMutex : public NamedMutex {
   void Release() override { ReleaseMutex(handle); }
 
  private:
-  HANDLE handle;
+  HANDLE handle = nullptr;
 };
 
 }  // namespace
 
 std::unique_ptr<NamedMutex> OpenParseMutex() {
-  const HANDLE handle = CreateMutexW(nullptr, FALSE, L"VELTParseMutex");
-  if (!handle) return nullptr;
-  return std::make_unique<KernelMutex>(handle);
+  auto mutex = std::make_unique<KernelMutex>();
+  if (!mutex->Open()) return nullptr;
+  return mutex;
 }
 
 }  // namespace morvelan::numerics

@@ -4,6 +4,7 @@
 #include "numerics/formula/FormulaParser.h"
 #include "numerics/formula/TreeCheck.h"
 #include "numerics/formula/TreeEvaluation.h"
+#include "numerics/formula/WithinMemory.h"
 
 namespace morvelan::numerics {
 namespace {
@@ -34,11 +35,10 @@ class Obtained {
 
 Evaluation EvaluateNumericEntry(std::string_view text) {
   const DefaultEnvironment environment;  // even the making of a path rounds numbers
-  return EvaluateNumericEntry(text, OpenParseMutex());
+  return WithinMemory(kDialect.stackFull, [&] { return EvaluateNumericEntry(text, OpenParseMutex()); });
 }
 
 Evaluation EvaluateNumericEntry(std::string_view text, std::unique_ptr<NamedMutex> mutex) {
-  const DefaultEnvironment environment;
   if (!mutex)
     return FailedEvaluation("Failed to create a mutex for locking the parser for the current thread");
   if (!mutex->Wait())

@@ -9,12 +9,12 @@
 namespace morvelan::numerics {
 namespace {
 
-/// An infinity of finite operands is exact at a pole, and the outcome of an overflow elsewhere.
+/// An infinity of finite operands is exact at a pole, and the outcome of an overflow elsewhere. Poles that
+/// are no division's are all at zero.
 FaultCode InfinityOf(NodeKind kind, const double* operands) {
   if (kind == NodeKind::kDivision)
     return operands[1] == 0 ? FaultCode::kDivisionByZero : FaultCode::kOverflow;
-  const bool canHavePole = kind == NodeKind::kPower || IsFunction(kind);
-  return canHavePole && operands[0] == 0 ? FaultCode::kSingularity : FaultCode::kOverflow;
+  return operands[0] == 0 ? FaultCode::kSingularity : FaultCode::kOverflow;
 }
 
 }  // namespace

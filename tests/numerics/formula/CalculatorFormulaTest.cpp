@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 
+#include "numerics/formula/FaultCode.h"
 #include "numerics/formula/Power.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
@@ -123,6 +124,8 @@ const FaultCase kFaults[] = {
     {"\"x\"", kInfinity, "floating point exception in result: Overflow"},
     {"\"x\"+1", kNaN, "floating point exception in result: Not a number (NaN)"},
     {"MIN(\"x\",1)", kNaN, "floating point exception in result: Not a number (NaN)"},
+    {"MIN(1,\"x\")", kNaN, "floating point exception in result: Not a number (NaN)"},
+    {"MAX(\"x\",1)", kNaN, "floating point exception in result: Not a number (NaN)"},
     {"MAX(1,\"x\")", kNaN, "floating point exception in result: Not a number (NaN)"},
     {"EXP(\"x\"*900)", -1, nullptr},  // underflow is no fault
     {"\"x\"*\"x\"", 1e-200, nullptr},
@@ -143,6 +146,26 @@ TEST(CalculatorFormula, NamesTheFaultAndGoesOn) {
     const Evaluation again = check.formula->Evaluate(std::vector<double>{0.75});
     EXPECT_EQ(again.failure, "");
     EXPECT_EQ(again.value, clean.value);
+  }
+}
+
+TEST(CalculatorFormula, EveryFaultHasItsWords) {
+  const std::pair<FaultCode, const char*> faults[] = {
+      {FaultCode::kNone, "No error"},
+      {FaultCode::kInvalid, "Invalid domain for function"},
+      {FaultCode::kOverflow, "Overflow"},
+      {FaultCode::kSingularity, "Singularity"},
+      {FaultCode::kOutOfRange, "unhandled exception, number out of range"},
+      {FaultCode::kNotANumber, "Not a number (NaN)"},
+      {FaultCode::kUnderflow, "Underflow"},
+      {FaultCode::kTotalLoss, "Total loss of significance"},
+      {FaultCode::kIntegerOverflow, "Integer overflow"},
+      {FaultCode::kIntegerDivisionByZero, "Integer division by zero"},
+      {FaultCode::kDivisionByZero, "Division by zero"}};
+  int code = 0;
+  for (const auto& [fault, words] : faults) {
+    EXPECT_EQ(static_cast<int>(fault), code++) << words;
+    EXPECT_EQ(FaultText("SIN", fault), std::string("floating point exception in SIN: ") + words);
   }
 }
 

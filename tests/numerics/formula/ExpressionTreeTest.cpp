@@ -15,6 +15,7 @@ namespace {
 using namespace numerics;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 ExpressionNode Function(std::string_view name, std::uint32_t children) {
@@ -106,9 +107,12 @@ const RuleCase kRules[] = {
     {"ASIN", 1.5, 0, "domain error in asin"},
     {"ASIN", -1.5, 0, "domain error in asin"},
     {"ASIN", 0, 0, nullptr},
+    {"ASIN", 1, kHalfPi, nullptr},
+    {"ASIN", -1, -kHalfPi, nullptr},
     {"ACOS", 1.5, 0, "domain error in acos"},
     {"ACOS", -1.5, 0, "domain error in acos"},
     {"ACOS", 1, 0, nullptr},
+    {"ACOS", -1, 2 * kHalfPi, nullptr},
     {"EXP", 1000, 0, "floating point exception in EXP: Overflow"},
     {"SIN", kInfinity, 0, "floating point exception in SIN: Invalid domain for function"},
     {"ABS", -3, 3, nullptr},

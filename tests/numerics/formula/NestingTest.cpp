@@ -1,6 +1,7 @@
 // Texts beyond any measure end in a value or in the words for a full stack, and never take the process along.
 
 #include <functional>
+#include <optional>
 
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/NumericEntry.h"
@@ -61,6 +62,19 @@ TEST(Nesting, DeepFormulasAreEvaluated) {
             "floating point exception in multiplication: Overflow");
 }
 
+// The most values that can wait: each takes two places of the parser's stack, its own and the operator's.
+TEST(Nesting, TheDeepestFormulaIsEvaluated) {
+  std::size_t depth = 4980;
+  std::optional<CalculatorFormula> deepest;
+  for (;; ++depth) {
+    FormulaCheck check = CheckFormula(Repeated("(2*\"x\")^", depth) + "\"x\"", std::vector<std::string>{"x"});
+    if (!check.formula) break;
+    deepest = std::move(check.formula);
+  }
+  ASSERT_TRUE(deepest.has_value());
+  EXPECT_EQ(deepest->Evaluate(std::vector<double>{0.5}).value, 1);
+}
+
 TEST(Nesting, TenMegabytesHaveAValue) {
   const std::string longOne = "1." + Repeated("0", 997) + "+";
   EXPECT_EQ(EvaluateNumericEntry(Repeated(longOne, 10'000) + "1").value, 10'001);
@@ -68,8 +82,9 @@ TEST(Nesting, TenMegabytesHaveAValue) {
   EXPECT_EQ(EvaluateNumericEntry(Repeated("0", 10'000'000) + "3").value, 3);
   EXPECT_EQ(EvaluateNumericEntry("1." + Repeated("0", 10'000'000)).value, 1);
   EXPECT_EQ(EvaluateNumericEntry("1e" + Repeated("0", 10'000'000) + "2").value, 100);
-  EXPECT_EQ(EvaluateNumericEntry(Repeated("1", 10'000'000)).failure,
-            "floating point exception in real constant: Overflow at position 1");
+  const std::string ones = Repeated("1", 10'000'000);
+  EXPECT_EQ(EvaluateNumericEntry(ones).failure,
+            "floating point exception in real constant: Overflow at position 1, in '" + ones + "'");
   const std::string name = Repeated("x", 10'000'000);
   EXPECT_EQ(EvaluateNumericEntry(name).failure, "syntax error: unknown token " + name + " at position 1");
   const FormulaCheck sum = CheckFormula(Repeated("\"x\"" + std::string(36, ' ') + "+", 250'000) + "1",

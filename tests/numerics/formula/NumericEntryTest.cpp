@@ -83,6 +83,27 @@ const FormulaCase kOperators[] = {
 };
 
 const FormulaCase kFunctions[] = {
+    // Each once with a value that no other one has there, to twenty digits by an independent calculator.
+    {"SQRT(3/4)", 0.86602540378443864676},
+    {"SIN(3/4)", 0.68163876002333416673},
+    {"COS(3/4)", 0.73168886887382088631},
+    {"SINH(3/4)", 0.82231673193582998070},
+    {"COSH(3/4)", 1.2946832846768446878},
+    {"ASIN(3/4)", 0.84806207898148100805},
+    {"ACOS(3/4)", 0.72273424781341561118},
+    {"TAN(3/4)", 0.93159645994407246117},
+    {"ATAN(3/4)", 0.64350110879328438680},
+    {"ABS(-3/4)", 0.75},
+    {"FLOOR(11/4)", 2},
+    {"CEIL(9/4)", 3},
+    {"ROUND(9/4)*10+ROUND(11/4)", 23},
+    {"EXP(3/4)", 2.1170000166126746685},
+    {"LOG(3/4)", -0.28768207245178092744},
+    {"LOG10(3/4)", -0.12493873660829995313},
+    {"TANH(3/4)", 0.63514895238728731921},
+    {"MIN(17,5)", 5},
+    {"MAX(17,5)", 17},
+    {"MOD(17,5)", 2},
     {"SQRT(2)", std::sqrt(2.0)},
     {"sqrt(2)", std::sqrt(2.0)},
     {"Sqrt(2)", std::sqrt(2.0)},
@@ -143,24 +164,28 @@ const FormulaCase kBlanks[] = {
     Fails("1 \r", "invalid character: '\r' at position 3"),
     Fails("\r1", "invalid character: '\r' at position 1"),
     Fails("(1)\r", "invalid character: '\r' at position 4"),
+    Fails("\"PI\"\r", "invalid character: '\r' at position 5"),
     Fails("1\v", "invalid character: '\v' at position 2"),
 };
 
 const FormulaCase kWrongNumbers[] = {
-    Fails("1.", "expected number to follow decimal point at position 3"),
-    Fails(".", "expected number to follow decimal point at position 2"),
-    Fails("1.e5", "expected number to follow decimal point at position 3"),
-    Fails("1.+2", "expected number to follow decimal point at position 3"),
-    Fails("1e", "syntax error in real number, missing exponent at position 3"),
-    Fails("1ex", "syntax error in real number, missing exponent at position 3"),
-    Fails("2exp(1)", "syntax error in real number, missing exponent at position 3"),
+    Fails("1.", "expected number to follow decimal point at position 3, found end of input"),
+    Fails(".", "expected number to follow decimal point at position 2, found end of input"),
+    Fails("1.x", "expected number to follow decimal point at position 3, found 'x'"),
+    Fails("2*.\xC3\xA9", "expected number to follow decimal point at position 4, found '\xC3\xA9'"),
+    Fails("1.e5", "expected number to follow decimal point at position 3, found 'e'"),
+    Fails("1.+2", "expected number to follow decimal point at position 3, found '+'"),
+    Fails("1e", "syntax error in real number, missing exponent at position 3, found end of input"),
+    Fails("1ex", "syntax error in real number, missing exponent at position 3, found 'x'"),
+    Fails("2exp(1)", "syntax error in real number, missing exponent at position 3, found 'x'"),
     Fails("1e+", "unexpected end of input in real number at position 4"),
     Fails("1e-", "unexpected end of input in real number at position 4"),
-    Fails("1e+x", "syntax error in real number, expected digit at position 4"),
-    Fails("1e--3", "syntax error in real number, expected digit at position 4"),
-    Fails("1e999", "floating point exception in real constant: Overflow at position 1"),
-    Fails("2+1e99999999999", "floating point exception in real constant: Overflow at position 3"),
-    Fails("0e999", "floating point exception in real constant: Overflow at position 1"),
+    Fails("1e+x", "syntax error in real number, expected digit at position 4, found 'x'"),
+    Fails("1e--3", "syntax error in real number, expected digit at position 4, found '-'"),
+    Fails("1e999", "floating point exception in real constant: Overflow at position 1, in '1e999'"),
+    Fails("2+1e99999999999 ",
+          "floating point exception in real constant: Overflow at position 3, in '1e99999999999'"),
+    Fails("0e999", "floating point exception in real constant: Overflow at position 1, in '0e999'"),
 };
 
 const FormulaCase kWrongTokens[] = {
@@ -172,6 +197,7 @@ const FormulaCase kWrongTokens[] = {
     Fails("1+\"PI\"$", "invalid character: '$' at position 7"),
     Fails("T1", "syntax error: unknown token T1 at position 1"),
     Fails("2*t_1", "syntax error: unknown token t_1 at position 3"),
+    Fails("LOG100(5)", "syntax error: unknown token LOG100 at position 1"),
     Fails("_", "syntax error: unknown token _ at position 1"),
     Fails("PI2", "syntax error: unknown token PI2 at position 1"),
     Fails("sqrtx(2)", "syntax error: unknown token sqrtx at position 1"),
@@ -246,6 +272,8 @@ const FormulaCase kNoNumberInTheEnd[] = {
     Fails("1e308*10", "floating point exception in result: Overflow"),
     Fails("0^-1", "floating point exception in result: Overflow"),
     Fails("-10^309", "floating point exception in result: Overflow"),
+    // A divisor that is no number is not zero.
+    Fails("1/SQRT(-1)", "floating point exception in result: Not a number (NaN)"),
     {"EXP(LOG(0))", 0},  // what is no number within does not matter
     {"ATAN(1e308*10)", kPi / 2},
     {"EXP(-1000)", 0},
@@ -274,6 +302,12 @@ TEST(NumericEntry, HasTheValueOrTheMessage) {
       SCOPED_TRACE(testing::Message() << group.name << ": " << c.text);
       ExpectOutcome(c, numerics::EvaluateNumericEntry(c.text));
     }
+}
+
+// A place factor and a power of ten, as they are rounded: not the nearest numbers to 0.3.
+TEST(NumericEntry, ReadsDigitsOneByOne) {
+  EXPECT_EQ(numerics::EvaluateNumericEntry("0.3").value, 0.30000000000000004);
+  EXPECT_EQ(numerics::EvaluateNumericEntry("3e-1").value, 3 * 0.1);
 }
 
 TEST(NumericEntry, TakesATextWithZerosInside) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <thread>
 
 #include "numerics/formula/CalculatorFormula.h"
@@ -94,12 +95,13 @@ TEST(ParseMutex, ThreadsAndProcessesExcludeEachOther) {
 
 TEST(ParseMutex, TheEndOfAnOwnerGivesItFree) {
   const std::filesystem::path file = Scratch("held.txt");
-  std::thread owner([&] { (void)RunWorker("hold", file); });
-  while (!std::filesystem::exists(file)) std::this_thread::sleep_for(5ms);
+  const auto owner = std::async(std::launch::async, [&] { return RunWorker("hold", file); });
+  while (!std::filesystem::exists(file) && owner.wait_for(5ms) != std::future_status::ready) {
+  }
+  ASSERT_TRUE(std::filesystem::exists(file)) << "the worker did not start";
   EXPECT_EQ(EvaluateNumericEntry("6*7").value, 42);
   EXPECT_EQ(ReadCount(file),
             kLastWords);  // written before the sudden end, so that the entry has waited for it
-  owner.join();
 }
 
 TEST(ParseMutex, ThreadsParseFormulasAtOnce) {
