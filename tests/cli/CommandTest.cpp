@@ -103,6 +103,9 @@ const ExampleNumber kExampleNumbers[] = {
     {"mixer-hot-cold", "/streams/quenched/composition/n-heptane", 0.32, 1e-12},
     {"splitter", "/streams/purge/flow", 5, 1e-12},
     {"recycle", "/streams/product/enthalpy", -730.862, 1e-3},
+    // The lower heating value of methane, 802557 J/mol, from the formation enthalpies in data/.
+    {"reactor-methane-combustion", "/streams/flue gas/enthalpy", 802557.0 / 12.5, 0.5},
+    {"reactor-methane-combustion", "/units/boiler/parameters/Heat duty", -743877, 1},
     {"information-calculator", "/streams/mean temperature difference/value", 21.640425613, 1e-8},
     {"information-calculator", "/streams/heat exchanger area/value", 27.182242375, 1e-8},
 };
