@@ -29,6 +29,8 @@ HRESULT BaseUnit::Validate(BSTR* message, VARIANT_BOOL* isValid) {
   *isValid = VARIANT_FALSE;
   return Guard(kScope, kInterface, [&] {
     RequireInitialized();
+    // A unit that a host validates while it calls back would lose what it is working with.
+    if (activity) throw Failure(std::string("The unit can't be validated while it is being ") + activity);
     ReplaceText(message, {});
     const Verdict verdict = ValidateAll();
     ReplaceText(message, verdict.fault);

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "com/Name.h"
@@ -56,7 +57,9 @@ class HostScript {
     lastLabel = label;
     for (const Argument& argument : further) label += "/" + argument.Text();
     calls.push_back(std::move(label));
-    return count == failAt ? failure : S_OK;
+    const bool fails = count == failAt;
+    if (interfere && count == interfereAt) std::exchange(interfere, nullptr)();
+    return fails ? failure : S_OK;
   }
 
   /// Gives `answer`, or what the test put in its place for the call made last.
@@ -80,6 +83,8 @@ class HostScript {
   std::string lastLabel;
   int failAt = 0;  // the call that fails, from 1; 0 for none
   HRESULT failure = E_FAIL;
+  int interfereAt = 0;                   // the call in which the host does something else, from 1
+  std::function<void()> interfere = {};  // once
   // What the host's error interfaces say; those that are empty are offered but say nothing.
   bool offersErrors = false;
   std::string errorDescription;

@@ -141,11 +141,14 @@ void BaseReactor::ListReactions(IDispatch* object) try {
   CheckHost(chemistry->GetReactionsIds(ids.Put()), chemistry.Get(), [](const std::string& why) {
     return Failure("Failed to get reaction IDs from reaction object: " + why);
   });
-  reactionIds =
+  std::vector<std::string> listed =
       material::ReadOr([&] { return com::ReadStrings(ids.Get()); },
                        [](const std::string& why) {
                          return Failure("format error in array of reaction IDs from reaction object: " + why);
                        });
+  // Unless the host has assigned another package meanwhile.
+  if (com::Query<ICapeReactionProperties>(object).Get() == reactionPackage.Get())
+    reactionIds = std::move(listed);
 } catch (Failure& failure) {
   failure.error.scope = kSetScope;
   failure.error.interfaceName = kSetInterface;

@@ -108,7 +108,7 @@ void CFixedConversionReactor::React(int compoundCount) {
   if (feed.totalFlow < 0) throw Failure(UnitError{"underflow", "Negative flow on inlet", kScope, kInterface});
   material::StreamState& product = Outlet(0).State();
   product.pressure = ReactorPressure(false);
-  if (feed.totalFlow == 0) return BypassFeed(type);
+  if (feed.totalFlow == 0) return BypassFeed(type, source);
 
   const Converted converted = Convert();
   ReportReactions(converted);
@@ -123,12 +123,12 @@ void CFixedConversionReactor::React(int compoundCount) {
   const double heatOfReaction = TotalHeatOfReaction(converted.extents);
   const std::optional<double> duty = CloseHeatBalance(type, source, feedEnthalpyFlow, heatOfReaction);
   WarnOfInfeasibleHeat(source, product.temperature);
-  PublishHeat(type, duty);
   NotePhases();
+  PublishHeat(type, duty);
   FinishReactorReport();
 }
 
-void CFixedConversionReactor::BypassFeed(HeatDutyType type) {
+void CFixedConversionReactor::BypassFeed(HeatDutyType type, const HeatSource& source) {
   Warn("WARNING: " + std::string(Kind()) + ' ' + ComponentName() + ": Zero flow; bypassing calculations");
   const material::StreamState& feed = Inlet(0).State();
   material::StreamState& product = Outlet(0).State();
@@ -136,7 +136,8 @@ void CFixedConversionReactor::BypassFeed(HeatDutyType type) {
   product.totalFlow = 0;
   product.composition = feed.composition;
   Flash(Outlet(0), names::kTP);
-  PublishHeat(type, 0);
+  PublishHeat(type,
+              type == kByHeatDuty ? source.duty : 0);  // what is given stays, though nothing takes it up
   FinishReactorReport();
 }
 

@@ -44,7 +44,7 @@ class CFixedConversionReactor final : public BaseReactor {
   [[nodiscard]] static std::string FindFault(const SelectedReaction& selected, const ReactionRecord& record);
 
   void React(int compoundCount);
-  void BypassFeed(HeatDutyType type);
+  void BypassFeed(HeatDutyType type, const HeatSource& source);
   [[nodiscard]] Converted Convert() const;
   void ReportReactions(const Converted& converted);
   [[nodiscard]] double TotalHeatOfReaction(const std::vector<double>& extents);

@@ -63,8 +63,8 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
     Perform(record, extent, result.flows);
     for (std::size_t i = 0; i < record.coefficients.size(); ++i) {
       double& flow = result.flows[Place(record, i)];
-      // Of either sign: a compound that is used up is gone.
-      if (std::abs(flow) <= kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
+      // What rounding takes too much of a compound that is used up.
+      if (flow < 0 && flow >= -kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
       if (flow < 0)
         throw Failure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " +
                           reaction.keyCompound + " for reaction " + record.name +

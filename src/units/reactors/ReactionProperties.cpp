@@ -6,6 +6,7 @@
 #include "errors/HostCall.h"
 #include "material/Names.h"
 #include "material/Reading.h"
+#include "units/reactors/ReactionResolver.h"
 
 namespace morvelan {
 namespace {
@@ -36,11 +37,17 @@ HRESULT SetMaterialByName(IDispatch& context, IDispatch* material) {
                         nullptr);
 }
 
+/// A host may have taken the package back while it was asked for something else.
+com::Ref<ICapeReactionProperties> Required(com::Ref<ICapeReactionProperties> package) {
+  if (!package) throw Failure(kNoReactionPackage);
+  return package;
+}
+
 }  // namespace
 
 ReactionProperties::ReactionProperties(com::Ref<ICapeReactionProperties> reactionPackage,
                                        const com::Ref<IDispatch>& material, const std::string& failed)
-    : package(std::move(reactionPackage)),
+    : package(Required(std::move(reactionPackage))),
       routine(package.As<ICapeReactionsRoutine>()),
       context(package.As<ICapeThermoMaterialContext>()),
       handedOver(material) {

@@ -151,5 +151,36 @@ TEST(ReactorFaults, EveryFailingCallIsExplainedOrDoneWithout) {
     }
 }
 
+// A host that calls back, with each of its calls: it takes the package away, and validates.
+TEST(ReactorFaults, OutlivesAHostThatInterferes) {
+  for (const Calculation& calculation : kCalculations)
+    for (const bool withdraws : {false, true}) {
+      const auto undisturbed = Prepared(calculation, true);
+      undisturbed->Calculate();
+      const std::string wanted = Results(*undisturbed);
+      const int calls = undisturbed->script->count;
+      for (int k = 1; k <= calls; ++k) {
+        SCOPED_TRACE(testing::Message()
+                     << calculation.title << ", withdraws: " << withdraws << ", call " << k);
+        const auto bench = Prepared(calculation, true);
+        bench->Restart();
+        bench->script->interfereAt = k;
+        bench->script->interfere = [&] {
+          if (withdraws) EXPECT_EQ(bench->Assign(nullptr), S_OK);
+          com::Bstr message;
+          VARIANT_BOOL isValid = VARIANT_FALSE;
+          EXPECT_EQ(bench->door.unit->Validate(message.Put(), &isValid), kUnitFailed);
+        };
+        const HRESULT outcome = bench->door.unit->Calculate();
+        if (!withdraws) EXPECT_EQ(outcome, S_OK) << ErrorOf(bench->door.unit.Get());
+        if (outcome == S_OK) EXPECT_EQ(Results(*bench), wanted);
+        if (withdraws) EXPECT_EQ(bench->Assign(bench->package.Get()), S_OK);
+        bench->Restart();
+        bench->Calculate();
+        EXPECT_EQ(Results(*bench), wanted);
+      }
+    }
+}
+
 }  // namespace
 }  // namespace morvelan::test
