@@ -64,6 +64,16 @@ class StreamUnit : public BaseUnit {
 /// Begins the warning that the temperatures of an energy stream are left out of account.
 inline constexpr const char* kNoRangeCheck = "Warning: cannot do range check on temperature: ";
 
+/// Declares the "Pressure drop" [Pa] of a unit.
+[[nodiscard]] inline ParameterDeclaration PressureDropParameter(const char* description) {
+  return {.name = "Pressure drop",
+          .description = description,
+          .defaultValue = 0.0,
+          .lowerBound = 0,
+          .upperBound = 1e10,
+          .dimensionality = kPressureDropDimension};
+}
+
 /// The name of the report that these units write.
 inline constexpr const char* kLastRun[] = {"Last run"};
 

@@ -45,12 +45,7 @@ const ParameterDeclaration kParameters[] = {
      .lowerBound = -1e20,
      .upperBound = 1e20,
      .dimensionality = kPowerDimension},
-    {.name = "Pressure drop",
-     .description = "Pressure drop along the unit",
-     .defaultValue = 0.0,
-     .lowerBound = 0,
-     .upperBound = 1e10,
-     .dimensionality = kPressureDropDimension},
+    PressureDropParameter("Pressure drop along the unit"),
     ThermoVersionParameter(),
 };
 

@@ -26,12 +26,7 @@ const ParameterDeclaration kParameters[] = {
      .defaultValue = kFewestInlets,
      .lowerBound = kFewestInlets,
      .upperBound = kMostInlets},
-    {.name = "Pressure drop",
-     .description = "Pressure drop along the mixer",
-     .defaultValue = 0.0,
-     .lowerBound = 0,
-     .upperBound = 1e10,
-     .dimensionality = kPressureDropDimension},
+    PressureDropParameter("Pressure drop along the mixer"),
     ThermoVersionParameter(),
 };
 

@@ -35,12 +35,7 @@ const ParameterDeclaration kParameters[] = {
      .defaultValue = std::vector<double>{0.5},
      .lowerBound = 0,
      .upperBound = 1},
-    {.name = "Pressure drop",
-     .description = "Pressure drop along the splitter",
-     .defaultValue = 0.0,
-     .lowerBound = 0,
-     .upperBound = 1e10,
-     .dimensionality = kPressureDropDimension},
+    PressureDropParameter("Pressure drop along the splitter"),
     ThermoVersionParameter(),
 };
 
