@@ -39,6 +39,7 @@ CParameter::CParameter(const ParameterDeclaration& declaration, BaseUnit* owner)
       dimensionality(declaration.dimensionality),
       options(declaration.options),
       restrictedToList(declaration.restrictedToList),
+      hasFixedChoices(restrictedToList && !options.empty()),
       unit(owner) {}
 
 CParameter::CParameter(ParameterRecord record, BaseUnit* owner)
@@ -183,8 +184,6 @@ void CParameter::Restore(ParameterRecord record) noexcept {
   if (Kind() != CAPE_ARRAY) defaultValue = std::move(record.defaultValue);
   lowerBound = record.lowerBound;
   upperBound = record.upperBound;
-  // Units know their choices by position: those of another version must not take their places.
-  const bool hasFixedChoices = restrictedToList && !options.empty();
   if (!hasFixedChoices) {
     options = std::move(record.options);
     restrictedToList = record.restrictedToList;

@@ -124,6 +124,8 @@ class CParameter final
   Dimensionality dimensionality;
   std::vector<std::string> options;
   bool restrictedToList;
+  /// Units know their choices by position: those of another version must not take their places.
+  const bool hasFixedChoices;
   std::int32_t flagWord = 0;
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
   bool isArrayMember = false;

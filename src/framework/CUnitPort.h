@@ -74,6 +74,8 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
   /// A constant that is a text, such as a formula; one per compound.
   [[nodiscard]] std::vector<std::string> GetCompoundText(com::Name constant);
   [[nodiscard]] std::vector<material::PhaseFraction> GetPhaseFractions();
+  /// The labels of the phases that the material may have; under thermo 1.0, that it has.
+  [[nodiscard]] std::vector<std::string> GetPhaseLabels();
   /// The names of the single-phase properties that the material can calculate.
   [[nodiscard]] std::vector<std::string> GetPropertyList();
   /// Writes the held state to the material and brings it to equilibrium.

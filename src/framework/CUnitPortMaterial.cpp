@@ -205,6 +205,12 @@ std::vector<material::PhaseFraction> CUnitPort::GetPhaseFractions() {
       "ICapeUnit");
 }
 
+std::vector<std::string> CUnitPort::GetPhaseLabels() {
+  return OnMaterial("GetPhaseLabels", [](const Thermo& thermo, const PortMaterial& port) {
+    return thermo.GetPhaseLabels(port);
+  });
+}
+
 std::vector<std::string> CUnitPort::GetPropertyList() {
   return OnMaterial("GetPropertyList", [](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetPropertyList(port);

@@ -14,6 +14,9 @@ inline constexpr Dimensionality kPressureDropDimension{-1, 1, -2, 0, 0, 0, 0, 0,
 inline constexpr Dimensionality kTemperatureDimension{0, 0, 0, 0, 1, 0, 0, 0, 0};
 inline constexpr Dimensionality kPowerDimension{2, 1, -3, 0, 0, 0, 0, 0, 0};
 inline constexpr Dimensionality kMolarFlowDimension{0, 0, -1, 0, 0, 1, 0, 0, 0};
+inline constexpr Dimensionality kVolumeDimension{3, 0, 0, 0, 0, 0, 0, 0, 0};
+inline constexpr Dimensionality kMassDimension{0, 1, 0, 0, 0, 0, 0, 0, 0};
+inline constexpr Dimensionality kMassDensityDimension{-3, 1, 0, 0, 0, 0, 0, 0, 0};
 inline constexpr Dimensionality kMolarEnergyDimension{2, 1, -2, 0, 0, -1, 0, 0, 0};
 inline constexpr Dimensionality kSpecificEnergyDimension{2, 0, -2, 0, 0, 0, 0, 0, 0};
 

@@ -91,10 +91,15 @@ class Thermo {
   [[nodiscard]] virtual com::Variant GetCompoundConstant(const PortMaterial& port, Name constant) const = 0;
   /// The phases present besides "Overall".
   [[nodiscard]] virtual std::vector<PhaseFraction> GetPhaseFractions(IDispatch* material) const = 0;
+  /// The labels of the phases that the material may have; under thermo 1.0, that it has.
+  [[nodiscard]] virtual std::vector<std::string> GetPhaseLabels(const PortMaterial& port) const = 0;
   /// The names of the single-phase properties that the material can calculate.
   [[nodiscard]] virtual std::vector<std::string> GetPropertyList(const PortMaterial& port) const = 0;
   /// Writes `state` as far as the flash type needs it and brings the material to equilibrium.
   virtual void CalcEquilibrium(const PortMaterial& port, const StreamState& state, Name flashType) const = 0;
+  /// Makes the material one phase in a state, whether it is one at equilibrium or not, so that properties of
+  /// the phase can be calculated.
+  virtual void SetSinglePhase(const PortMaterial& port, const StreamState& state, Name phase) const = 0;
   /// Molar enthalpy [J/mol] of a copy of the material at a pressure [Pa] and a molar entropy [J/(mol K)].
   [[nodiscard]] virtual double HFromPSFlash(const PortMaterial& inlet, double pressure,
                                             double entropy) const = 0;

@@ -20,8 +20,10 @@ class Thermo11 final : public Thermo {
   CompoundIdentities GetCompoundIdentities(const PortMaterial& port) const override;
   com::Variant GetCompoundConstant(const PortMaterial& port, Name constant) const override;
   std::vector<PhaseFraction> GetPhaseFractions(IDispatch* material) const override;
+  std::vector<std::string> GetPhaseLabels(const PortMaterial& port) const override;
   std::vector<std::string> GetPropertyList(const PortMaterial& port) const override;
   void CalcEquilibrium(const PortMaterial& port, const StreamState& state, Name flashType) const override;
+  void SetSinglePhase(const PortMaterial& port, const StreamState& state, Name phase) const override;
   double HFromPSFlash(const PortMaterial& inlet, double pressure, double entropy) const override;
   double CalcNormalEnthalpy(const PortMaterial& port, std::span<const double> composition) const override;
 };

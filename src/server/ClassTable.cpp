@@ -4,6 +4,8 @@
 #include "units/heat/CHeaterCooler.h"
 #include "units/information/CInformationCalculator.h"
 #include "units/pressure/CValve.h"
+#include "units/reactors/CCSTR.h"
+#include "units/reactors/CEquilibriumReactor.h"
 #include "units/reactors/CFixedConversionReactor.h"
 #include "units/streams/CMixer.h"
 #include "units/streams/CNoOperation.h"
@@ -25,6 +27,20 @@ const UnitClass kUnitClasses[] = {
      .description = "NoOperation - Debug unit operation, copies inlet to outlet",
      .consumesThermodynamics = true,
      .create = Create<CNoOperation>},
+    {.clsid = __uuidof(::CSTR),
+     .progId = "VELT_MORV.CSTR",
+     .displayName = "CSTR Class",
+     .name = "CSTR",
+     .description = "Continuously stirred tank reactor for equilibrium and kinetic reactions",
+     .consumesThermodynamics = true,
+     .create = Create<CCSTR>},
+    {.clsid = __uuidof(::EquilibriumReactor),
+     .progId = "VELT_MORV.EquilibriumReactor",
+     .displayName = "EquilibriumReactor Class",
+     .name = "EquilibriumReactor",
+     .description = "Reactor to perform one or more equilibrium reactions",
+     .consumesThermodynamics = true,
+     .create = Create<CEquilibriumReactor>},
     {.clsid = __uuidof(::FixedConversionReactor),
      .progId = "VELT_MORV.FixedConversionReactor",
      .displayName = "FixedConversionReactor Class",

@@ -40,7 +40,7 @@ std::optional<double> ReadTemperature(CUnitInfoPort& port, std::size_t item) {
 
 }  // namespace
 
-HeatSource StreamUnit::ReadEnergyStream(CUnitInfoPort* port, std::string_view kind) {
+HeatSource StreamUnit::ReadEnergyStream(CUnitInfoPort* port, std::string_view kind, const char* afterColon) {
   if (!port || !port->IsConnected())
     throw Failure(UnitError{"Not connected", "Inlet energy port is not connected", kScope, kInterface});
   const auto temperature = [&](Item item) -> std::optional<double> {
@@ -56,15 +56,16 @@ HeatSource StreamUnit::ReadEnergyStream(CUnitInfoPort* port, std::string_view ki
     WarnAs(kind, " warning: Tlow and Thigh are reversed at inlet heat stream; reversing values");
     std::swap(source.lowTemperature, source.highTemperature);
   }
-  ReportEnergyStream(source);
+  ReportEnergyStream(source, afterColon);
   return source;
 }
 
-void StreamUnit::ReportEnergyStream(const HeatSource& source) {
+void StreamUnit::ReportEnergyStream(const HeatSource& source, const char* afterColon) {
   const auto text = [](std::optional<double> temperature) {
     return FormatValue(temperature.value_or(kMissingValue), kTemperatureDimension);
   };
-  ReportLine("Heat duty from inlet energy port: " + FormatValue(source.duty, kPowerDimension) +
+  ReportLine(std::string("Heat duty from inlet energy port:") + afterColon +
+             FormatValue(source.duty, kPowerDimension) +
              (source.lowTemperature
                   ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
                   : " (no temperature range for heat transfer)"));

@@ -29,10 +29,11 @@ double ReadEnthalpy(const CUnitPort& port, const com::Variant& values) {
 }  // namespace
 
 bool StreamUnit::ValidateUnit(std::string& message) {
-  for (const auto& parameter : Parameters()) {
-    const auto* number = std::get_if<double>(&parameter->Value());
-    if (!number || parameter->Mode() != CAPE_INPUT || !IsMissing(*number)) continue;
-    message = "parameter " + parameter->ComponentName() + " has no value";
+  for (std::size_t i = 0; i < Parameters().size(); ++i) {
+    const CParameter& parameter = Parameter(i);
+    const auto* number = std::get_if<double>(&parameter.Value());
+    if (!number || parameter.Mode() != CAPE_INPUT || !IsMissing(*number) || MayBeUnset(i)) continue;
+    message = "parameter " + parameter.ComponentName() + " has no value";
     return false;
   }
   return true;
@@ -94,15 +95,26 @@ void StreamUnit::Flash(CUnitPort& outlet, com::Name flashType) {
   ForwardError(kScope, kInterface, [&] { outlet.CalcEquilibrium(flashType); });
 }
 
-void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property) {
+void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property,
+                                 const char* noTemperature) {
   SetMolarEnthalpy(outlet, enthalpy, property);
   Flash(outlet, property == names::kEnthalpyF ? names::kPHF : names::kPH);
-  std::optional<double> temperature = StoredTemperature(outlet);
-  if (!temperature) temperature = StoredTemperature(outlet);  // a host may need to be asked twice
+  TakeOverTemperature(outlet, noTemperature);
+}
+
+void StreamUnit::TakeOverTemperature(CUnitPort& outlet, const std::string& opening) {
+  std::optional<double> temperature;
+  try {
+    temperature = StoredTemperature(outlet);
+    if (!temperature) temperature = StoredTemperature(outlet);  // a host may need to be asked twice
+  } catch (Failure& failure) {
+    failure.error.description = opening + failure.error.description;
+    throw;
+  }
   if (!temperature)
-    throw Failure(
-        "the temperature of the material on port " + outlet.ComponentName() + " is not set after its flash",
-        kScope, kInterface);
+    throw Failure(opening + "the temperature of the material on port " + outlet.ComponentName() +
+                      " is not set after its flash",
+                  kScope, kInterface);
   outlet.State().temperature = *temperature;
 }
 

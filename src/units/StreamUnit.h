@@ -19,6 +19,9 @@ class StreamUnit : public BaseUnit {
   [[nodiscard]] bool ValidateUnit(std::string& message) override;
 
  protected:
+  /// Whether a unit can do without a value of the parameter at a position of the list.
+  [[nodiscard]] virtual bool MayBeUnset(std::size_t) const { return false; }
+
   /// The outlet pressure [Pa] after a pressure drop [Pa]: not below 1 Pa, with a warning. In quiet mode it is
   /// not below 100 Pa nor a tenth of the pressure drop, without a warning.
   [[nodiscard]] double PressureAfterDrop(double inletPressure, double pressureDrop) const;
@@ -42,11 +45,16 @@ class StreamUnit : public BaseUnit {
   /// Writes the outlet's held state to its material and flashes it.
   void Flash(CUnitPort& outlet, com::Name flashType);
   /// Flashes the outlet at its pressure and a molar enthalpy [J/mol], and takes over the temperature found.
-  void FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property = names::kEnthalpy);
+  /// `noTemperature` begins the text of a failure to find that out.
+  void FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property = names::kEnthalpy,
+                       const char* noTemperature = "");
+  /// Takes over the temperature at which an outlet was flashed. A failure's text begins with `opening`.
+  void TakeOverTemperature(CUnitPort& outlet, const std::string& opening);
 
   /// What the energy stream at an inlet port offers, with its temperatures in order; it is put in the report.
   /// `kind` names the kind of unit in warnings. Throws Failure, also when there is no port or no stream.
-  [[nodiscard]] HeatSource ReadEnergyStream(CUnitInfoPort* port, std::string_view kind);
+  [[nodiscard]] HeatSource ReadEnergyStream(CUnitInfoPort* port, std::string_view kind,
+                                            const char* afterColon = " ");
   /// Logs a warning that begins with the kind and the quoted name of the unit.
   void WarnAs(std::string_view kind, const std::string& text) const;
 
@@ -58,7 +66,7 @@ class StreamUnit : public BaseUnit {
   void ReportOptionalParameters(std::span<const std::size_t> positions);
 
  private:
-  void ReportEnergyStream(const HeatSource& source);
+  void ReportEnergyStream(const HeatSource& source, const char* afterColon);
 };
 
 /// Begins the warning that the temperatures of an energy stream are left out of account.

@@ -106,6 +106,31 @@ const ExampleNumber kExampleNumbers[] = {
     // The lower heating value of methane, 802557 J/mol, from the formation enthalpies in data/.
     {"reactor-methane-combustion", "/streams/flue gas/enthalpy", 802557.0 / 12.5, 0.5},
     {"reactor-methane-combustion", "/units/boiler/parameters/Heat duty", -743877, 1},
+    // Of the reactors: equilibrium, rate and heat balance solved with 30 digits, heat capacities integrated
+    // numerically from 298.15 K, enthalpy and density of the 1976 Peng-Robinson equation in terms of Z, from
+    // the same data but written apart from this library. The tolerances are those of the reactors' solutions,
+    // 1e-9 in ln Q - ln K or in the extents, and of flashes, 1e-10 in H/(RT), with room for their effect.
+    {"reactor-water-gas-shift", "/streams/hot gas/temperature", 703.135396223, 1e-6},
+    {"reactor-water-gas-shift", "/streams/hot gas/composition/carbon monoxide", 0.014855843795615, 1e-9},
+    {"reactor-water-gas-shift", "/streams/shifted gas/composition/carbon monoxide", 0.000805656409917, 1e-10},
+    {"reactor-water-gas-shift", "/units/cold shift/parameters/Heat duty", -8100264.69577, 0.01},
+    {"reactor-steam-reforming", "/streams/reformed gas/composition/methane", 0.045539513041216, 1e-9},
+    {"reactor-steam-reforming", "/streams/reformed gas/composition/carbon dioxide", 0.058058551409918, 1e-9},
+    {"reactor-steam-reforming", "/units/reformer/parameters/Heat duty", 5407650.27356, 0.1},
+    {"reactor-steam-reforming", "/streams/partly reformed gas/temperature", 818.941001798, 1e-6},
+    {"reactor-steam-reforming", "/streams/partly reformed gas/composition/carbon monoxide", 0.002834198567547,
+     1e-9},
+    {"reactor-ammonia", "/streams/hot gas/temperature", 769.078009364, 1e-6},
+    {"reactor-ammonia", "/streams/converted gas/temperature", 724.658940722, 1e-6},
+    {"reactor-ammonia", "/streams/converted gas/composition/ammonia", 0.182239469380, 1e-9},
+    {"reactor-ammonia", "/units/cooler/parameters/Heat duty", -3670377.60217, 0.1},
+    {"reactor-esterification", "/streams/crude ester/composition/ethyl acetate", 0.205664292306, 1e-8},
+    {"reactor-esterification", "/streams/crude ester/phases/Liquid/fraction", 1, 0},
+    {"reactor-esterification", "/units/tank/parameters/Heat duty", 12738.0693431, 0.01},
+    // 100 mol/s and the extent, the positive root of e (100 + e) = k V P/(RT) (60 - e).
+    {"reactor-ethane-cracking", "/streams/cracked gas/flow", 132.929163911902, 1e-6},
+    {"reactor-ethane-cracking", "/streams/cracked gas/composition/ethylene", 0.247719634600, 1e-8},
+    {"reactor-ethane-cracking", "/units/cracker/parameters/Heat duty", 6330300.21864, 0.2},
     {"information-calculator", "/streams/mean temperature difference/value", 21.640425613, 1e-8},
     {"information-calculator", "/streams/heat exchanger area/value", 27.182242375, 1e-8},
 };

@@ -37,7 +37,14 @@ com::Variant OtherValue(const com::Ref<ICapeParameter>& parameter, std::size_t p
   // A conversion can be put at any time, but not read before its reaction was found.
   if (FAILED(parameter->get_value(value.Put()))) value = com::MakeDouble(0);
   if (const VARIANT& held = value.Get(); held.vt == VT_BOOL) return com::MakeBoolean(!com::ReadBoolean(held));
-  if (value.Get().vt == VT_R8) return com::MakeDouble(500.25 + static_cast<double>(position));
+  if (value.Get().vt == VT_R8) {
+    double lowest = 0, highest = 0;
+    const auto bounds = parameter.As<ICapeRealParameterSpec>();
+    EXPECT_EQ(bounds->get_LowerBound(&lowest), S_OK);
+    EXPECT_EQ(bounds->get_UpperBound(&highest), S_OK);
+    const double other = 500.25 + static_cast<double>(position);
+    return com::MakeDouble(other < highest ? other : 0.5 * (lowest + highest));
+  }
   if (value.Get().vt == VT_I4) return com::MakeInteger(com::ReadInteger(value.Get()) + 1);
   if (value.Get().vt == VT_BSTR) {
     com::Variant options;
@@ -69,6 +76,8 @@ struct OtherConfiguration {
 };
 
 constexpr OtherConfiguration kOtherConfigurations[] = {
+    {"CSTR", R"({"reactionNames": ["R1", "R2"]})"},
+    {"EquilibriumReactor", R"({"reactionNames": ["R2"]})"},
     {"FixedConversionReactor",
      R"({"reactionNames": ["R1", "R2"], "reactionCompounds": ["methane", ""],
          "reactionConversions": [0.1, 1.2], "serialReactions": true})"},

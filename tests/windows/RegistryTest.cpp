@@ -36,6 +36,10 @@ struct ExpectedClass {
 constexpr ExpectedClass kClasses[] = {
     {"{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}", "VELT_MORV.NoOperation", "NoOperation Class", "NoOperation",
      "NoOperation - Debug unit operation, copies inlet to outlet", true},
+    {"{AA319ABB-5BEE-451D-AC4B-C346DBBCBE0D}", "VELT_MORV.CSTR", "CSTR Class", "CSTR",
+     "Continuously stirred tank reactor for equilibrium and kinetic reactions", true},
+    {"{0BDFAD49-7338-43FC-B62B-9EA5E61F5285}", "VELT_MORV.EquilibriumReactor", "EquilibriumReactor Class",
+     "EquilibriumReactor", "Reactor to perform one or more equilibrium reactions", true},
     {"{2FD8C58C-BC6C-49E4-8D07-A498E08B26BE}", "VELT_MORV.FixedConversionReactor",
      "FixedConversionReactor Class", "FixedConversionReactor",
      "Reactor for reactions with specified conversions", true},

@@ -155,6 +155,26 @@ void BaseReactor::ListReactions(IDispatch* object) try {
   SetError(std::move(failure.error));
 }
 
+void BaseReactor::Resolve(std::span<const ReactionRequest> requests, const std::string& quote,
+                          const std::function<std::string(std::size_t, const ReactionRecord&)>& findFault) {
+  ReactionResolver resolver = Resolver();
+  std::vector<ReactionRecord> resolved;
+  for (const ReactionRequest& request : requests) {
+    std::string fault;
+    try {
+      resolved.push_back(Recorded("Validate", "ICapeUnit", [&] { return resolver.Resolve(request); }));
+      fault = findFault(resolved.size() - 1, resolved.back());
+    } catch (const Failure& failure) {
+      fault = failure.error.description;
+    }
+    if (!fault.empty())
+      throw Failure("Error for reaction " + quote + request.name + quote + ": " + fault, "Calculate",
+                    "ICapeUnit");
+  }
+  compounds = resolver.InletCompounds();
+  records = std::move(resolved);
+}
+
 HRESULT BaseReactor::Terminate() {
   const auto alive = com::Ref<BaseReactor>::Share(this);
   const HRESULT outcome = Implements::Terminate();

@@ -53,6 +53,8 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
   // ICapeUtilities
   HRESULT Terminate() override;
 
+  void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
+  void OnCalculateDone(int compoundCount, bool success) override;
   void InputsChanged() override;
   [[nodiscard]] int ThermoVersionParameterIndex() const override;
   HRESULT SaveUnit(UnitWriter& writer) override;
@@ -82,35 +84,35 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
                                                 const std::string& failed) const {
     return ReactionProperties(reactionPackage, material, failed);
   }
+  [[nodiscard]] const com::Ref<ICapeReactionProperties>& ReactionPackage() const { return reactionPackage; }
   /// Heats of reaction [J/mol] of reactions at the feed's state, one per reaction.
   [[nodiscard]] std::vector<double> HeatsOfReaction(std::span<const ReactionRecord> reactions);
 
+  /// Resolves the selected reactions anew, into `records` and `compounds`, with `Resolve`. Throws Failure.
+  virtual void ResolveAll() = 0;
+  /// Fills `records`, one per request. `findFault` gives what is wrong with a resolved reaction, empty for
+  /// nothing. Faults name the reaction between `quote`s.
+  void Resolve(std::span<const ReactionRequest> requests, const std::string& quote,
+               const std::function<std::string(std::size_t, const ReactionRecord&)>& findFault);
+
   // ---- Validation, step by step: false with a message when something is wrong
 
+  /// Resolves the reactions. What a calculation's own validation resolved serves that calculation.
+  [[nodiscard]] bool HasReactions(std::string& message);
   [[nodiscard]] bool HasMaterials(std::string& message);
   [[nodiscard]] bool HasHeatSpecification(std::string& message);
 
   // ---- Calculation. All throw Failure of "Calculate".
 
+  /// The reactor's own calculation, between the beginning and the end of the report.
+  virtual void React() = 0;
   [[nodiscard]] HeatDutyType HeatType();
   [[nodiscard]] EnthalpyType EnthalpyKind();
-  /// Begins the report with the enthalpy that is used.
-  void StartReactorReport();
-  /// Ends the report with all parameters.
-  void FinishReactorReport();
-  /// Runs the rest of a calculation; what ends it is put in the report too.
-  template <class Body>
-  void Reported(Body&& body) {
-    try {
-      body();
-    } catch (const Failure& failure) {
-      ReportLine("\r\nCalculation failed: " + failure.error.description);
-      throw;
-    }
-  }
+  /// Lets a feed without flow pass, at the outlet's pressure.
+  void BypassFeed(HeatDutyType type, const HeatSource& source);
   /// The duty [W] that is given, reported where it comes from an energy stream; none for an isothermal
   /// reactor.
-  [[nodiscard]] HeatSource ReadHeatSource();
+  [[nodiscard]] HeatSource ReadHeatSource(const char* afterColon = " ");
   /// Warns of temperatures of the energy stream that can't heat or cool a reactor at a temperature [K].
   void WarnOfInfeasibleHeat(const HeatSource& source, double reactorTemperature) const;
   /// The feed's pressure less the pressure drop, at least 1 Pa; a warning below that, or at it as well.
@@ -121,8 +123,12 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
   [[nodiscard]] double FeedEnthalpyFlow();
   /// Enthalpy flow [W] of the outlet as it was flashed.
   [[nodiscard]] double ProductEnthalpyFlow();
-  /// Flashes the outlet at its pressure and an enthalpy flow [W], which finds its temperature.
-  void FlashProduct(double enthalpyFlow);
+  /// Flashes the outlet at its pressure, and at the given temperature or the enthalpy that follows, and
+  /// returns the duty [W] if it is known. `heatOfReaction` [W] is the sum that counts in the balance;
+  /// `noTemperature` begins the text of a failure to find out the temperature.
+  [[nodiscard]] std::optional<double> CloseHeatBalance(HeatDutyType type, const HeatSource& source,
+                                                       double feedEnthalpyFlow, double heatOfReaction,
+                                                       const char* noTemperature = "");
   /// Puts temperature [K] and duty [W] into the parameters that are results, and the duty at the energy
   /// outlet: positive is consumed. A duty that is not known is not set.
   void PublishHeat(HeatDutyType type, std::optional<double> duty);
@@ -130,7 +136,14 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
   [[nodiscard]] std::string_view Kind() const { return kind; }
   [[nodiscard]] double GivenTemperature() const { return temperature; }  // [K]
 
+  // Of the last validation or calculation.
+  std::vector<ReactionRecord> records;
+  std::vector<std::string> compounds;  // of the feed
+
  private:
+  void StartReactorReport();
+  void FinishReactorReport();
+  void FlashProduct(double enthalpyFlow, const char* noTemperature);
   void TakePackage(IDispatch* object);
   void ListReactions(IDispatch* object);
   /// Prepares the side of the energy port, which then can't fail.
@@ -142,6 +155,7 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
   com::Ref<ICapeReactionProperties> reactionPackage;
   std::vector<std::string> reactionIds;
 
+  bool recordsAreFresh = false;  // resolved by the validation that began this calculation
   std::size_t thermoVersionPosition = kFirstOwnParameter;
   double pressureDrop = 0;  // [Pa]
   double temperature = 0;   // [K]

@@ -39,22 +39,12 @@ CFixedConversionReactor::CFixedConversionReactor() : BaseReactor(kDeclaration, k
 // ---- Validation
 
 void CFixedConversionReactor::ResolveAll() {
-  ReactionResolver resolver = Resolver();
-  std::vector<ReactionRecord> resolved;
-  for (const SelectedReaction& reaction : selection) {
-    const com::Ref<CParameter> conversion = reaction.conversion;
-    const std::string prefix = "Error for reaction " + reaction.name + ": ";
-    try {
-      resolved.push_back(Recorded("Validate", kInterface, [&] { return resolver.Resolve({reaction.name}); }));
-    } catch (const Failure& failure) {
-      throw Failure(prefix + failure.error.description, kScope, kInterface);
-    }
-    conversion->SetUnavailable(nullptr);
-    if (std::string fault = FindFault(reaction, resolved.back()); !fault.empty())
-      throw Failure(prefix + fault, kScope, kInterface);
-  }
-  compounds = resolver.InletCompounds();
-  records = std::move(resolved);
+  std::vector<ReactionRequest> requests(selection.size());
+  for (std::size_t r = 0; r < requests.size(); ++r) requests[r].name = selection[r].name;
+  Resolve(requests, "", [&](std::size_t r, const ReactionRecord& record) {
+    selection.at(r).conversion->SetUnavailable(nullptr);
+    return FindFault(selection[r], record);
+  });
 }
 
 std::string CFixedConversionReactor::FindFault(const SelectedReaction& selected,
@@ -70,38 +60,18 @@ std::string CFixedConversionReactor::FindFault(const SelectedReaction& selected,
 }
 
 bool CFixedConversionReactor::ValidateUnit(std::string& message) {
-  recordsAreFresh = false;
   if (!HasMaterials(message)) return false;
   if (!HasReactionPackage())
     message = IsCalculating() ? kNoReactionPackage : "A reaction package has not been selected";
   else if (selection.empty())
     message = "No reaction specified";
-  if (!message.empty()) return false;
-  try {
-    ResolveAll();
-  } catch (const Failure& failure) {
-    message = failure.error.description;
-    return false;
-  }
-  recordsAreFresh = IsCalculating();
-  return HasHeatSpecification(message) && BaseReactor::ValidateUnit(message);
+  return message.empty() && HasReactions(message) && HasHeatSpecification(message) &&
+         BaseReactor::ValidateUnit(message);
 }
 
 // ---- Calculation
 
-void CFixedConversionReactor::CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) {
-  StartReactorReport();
-  Reported([&] { React(compoundCount); });
-  outletFlashSpec.reset();
-}
-
-void CFixedConversionReactor::OnCalculateDone(int, bool) { recordsAreFresh = false; }
-
-void CFixedConversionReactor::React(int compoundCount) {
-  if (!HasReactionPackage()) throw Failure(kNoReactionPackage, kScope, kInterface);
-  if (!recordsAreFresh) ResolveAll();
-  if (compounds.size() != static_cast<std::size_t>(compoundCount))
-    throw Failure("the list of compounds of the inlet material has changed", kScope, kInterface);
+void CFixedConversionReactor::React() {
   const HeatDutyType type = HeatType();
   const HeatSource source = ReadHeatSource();
   const material::StreamState& feed = Inlet(0).State();
@@ -125,20 +95,6 @@ void CFixedConversionReactor::React(int compoundCount) {
   WarnOfInfeasibleHeat(source, product.temperature);
   NotePhases();
   PublishHeat(type, duty);
-  FinishReactorReport();
-}
-
-void CFixedConversionReactor::BypassFeed(HeatDutyType type, const HeatSource& source) {
-  Warn("WARNING: " + std::string(Kind()) + ' ' + ComponentName() + ": Zero flow; bypassing calculations");
-  const material::StreamState& feed = Inlet(0).State();
-  material::StreamState& product = Outlet(0).State();
-  product.temperature = feed.temperature;
-  product.totalFlow = 0;
-  product.composition = feed.composition;
-  Flash(Outlet(0), names::kTP);
-  PublishHeat(type,
-              type == kByHeatDuty ? source.duty : 0);  // what is given stays, though nothing takes it up
-  FinishReactorReport();
 }
 
 Converted CFixedConversionReactor::Convert() const {
@@ -165,23 +121,6 @@ double CFixedConversionReactor::TotalHeatOfReaction(const std::vector<double>& e
   if (EnthalpyKind() != kUseEnthalpyAndReaction) return 0;
   const std::vector<double> heats = HeatsOfReaction(records);
   return std::inner_product(extents.begin(), extents.end(), heats.begin(), 0.0);
-}
-
-std::optional<double> CFixedConversionReactor::CloseHeatBalance(HeatDutyType type, const HeatSource& source,
-                                                                double feedEnthalpyFlow,
-                                                                double heatOfReaction) {
-  if (type != kIsothermal) {
-    FlashProduct(feedEnthalpyFlow + source.duty - heatOfReaction);
-    return source.duty;
-  }
-  Outlet(0).State().temperature = GivenTemperature();
-  Flash(Outlet(0), names::kTP);
-  try {
-    return ProductEnthalpyFlow() - feedEnthalpyFlow + heatOfReaction;
-  } catch (const Failure& failure) {
-    ReportLine("Heat duty cannot be determined: " + failure.error.description);
-    return std::nullopt;
-  }
 }
 
 /// Says where the phases at the outlet are not those in which the reactions are thought to take place.

@@ -16,14 +16,14 @@ class CFixedConversionReactor final : public BaseReactor {
   CFixedConversionReactor();
 
   [[nodiscard]] bool ValidateUnit(std::string& message) override;
-  void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
-  void OnCalculateDone(int compoundCount, bool success) override;
   [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
                                                const std::vector<ParameterRecord>& records) override;
 
  protected:
   [[nodiscard]] Json Configuration() const override;
   [[nodiscard]] std::function<void()> PlanConfiguration(const Json& configuration) override;
+  void ResolveAll() override;
+  void React() override;
 
  private:
   struct SelectedReaction {
@@ -39,26 +39,16 @@ class CFixedConversionReactor final : public BaseReactor {
   void Select(Selection& planned, const std::vector<double>& conversions,
               std::vector<com::Ref<CParameter>>& parameters, bool inSeries) noexcept;
 
-  void ResolveAll();
   /// What is wrong with the key compound or conversion of a resolved reaction; empty for nothing.
   [[nodiscard]] static std::string FindFault(const SelectedReaction& selected, const ReactionRecord& record);
 
-  void React(int compoundCount);
-  void BypassFeed(HeatDutyType type, const HeatSource& source);
   [[nodiscard]] Converted Convert() const;
   void ReportReactions(const Converted& converted);
   [[nodiscard]] double TotalHeatOfReaction(const std::vector<double>& extents);
-  /// Flashes the outlet, and returns the duty [W] if it is known.
-  [[nodiscard]] std::optional<double> CloseHeatBalance(HeatDutyType type, const HeatSource& source,
-                                                       double feedEnthalpyFlow, double heatOfReaction);
   void NotePhases();
 
   Selection selection;
   bool serialReactions = false;
-  // Of the last validation or calculation, one per selected reaction.
-  std::vector<ReactionRecord> records;
-  std::vector<std::string> compounds;
-  bool recordsAreFresh = false;  // resolved by the validation that began this calculation
 };
 
 }  // namespace morvelan

@@ -90,7 +90,6 @@ void CFixedConversionReactor::Select(Selection& planned, const std::vector<doubl
   std::swap(extraParameters, parameters);
   serialReactions = inSeries;
   records.clear();
-  recordsAreFresh = false;
   for (std::size_t i = 0; i < selection.size(); ++i) selection[i].conversion->SetResult(conversions[i]);
   for (const auto& former : parameters)
     if (std::ranges::none_of(extraParameters, [&](const auto& p) { return p.Get() == former.Get(); }))

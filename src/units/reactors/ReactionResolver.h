@@ -9,7 +9,7 @@ namespace morvelan {
 
 /// What a reactor wants to know of a reaction, and what it requires of it.
 struct ReactionRequest {
-  std::string name;
+  std::string name = {};
   bool mustBeKinetic = false;
   bool mustBeEquilibrium = false;
   bool wantsKind = false;  // the type, and the rate basis of a kinetic reaction

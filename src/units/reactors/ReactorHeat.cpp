@@ -1,4 +1,5 @@
-// The heat balance of reactors: what is given, what it uses, and what comes out.
+// What every reactor's validation and calculation consist of, and the heat balance: what is given, what it
+// uses, and what comes out.
 
 #include <algorithm>
 #include <array>
@@ -41,6 +42,18 @@ double ReadProperty(Read&& read) {
 
 // ---- Validation
 
+bool BaseReactor::HasReactions(std::string& message) {
+  recordsAreFresh = false;
+  try {
+    ResolveAll();
+  } catch (const Failure& failure) {
+    message = failure.error.description;
+    return false;
+  }
+  recordsAreFresh = IsCalculating();
+  return true;
+}
+
 bool BaseReactor::HasMaterials(std::string& message) {
   if (Inlet(0).IsConnected() && Outlet(0).IsConnected()) return true;
   message = "not all material ports are connected";
@@ -52,6 +65,38 @@ bool BaseReactor::HasHeatSpecification(std::string& message) {
   if (type == kByHeatDuty && IsMissing(heatDuty)) message = "Error: heat duty/loss is not specified.";
   if (type == kIsothermal && IsMissing(temperature)) message = "Error: temperature is not specified.";
   return message.empty();
+}
+
+// ---- Calculation
+
+void BaseReactor::CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) {
+  outletFlashSpec.reset();
+  StartReactorReport();
+  try {
+    if (!HasReactionPackage()) throw Failure(kNoReactionPackage, kScope, kInterface);
+    if (!recordsAreFresh) ResolveAll();
+    if (compounds.size() != static_cast<std::size_t>(compoundCount))
+      throw Failure("the list of compounds of the inlet material has changed", kScope, kInterface);
+    React();
+    FinishReactorReport();
+  } catch (const Failure& failure) {
+    ReportLine("\r\nCalculation failed: " + failure.error.description);
+    throw;
+  }
+}
+
+void BaseReactor::OnCalculateDone(int, bool) { recordsAreFresh = false; }
+
+void BaseReactor::BypassFeed(HeatDutyType type, const HeatSource& source) {
+  Warn("WARNING: " + std::string(kind) + ' ' + ComponentName() + ": Zero flow; bypassing calculations");
+  const material::StreamState& feed = Inlet(0).State();
+  material::StreamState& product = Outlet(0).State();
+  product.temperature = feed.temperature;
+  product.totalFlow = 0;
+  product.composition = feed.composition;
+  Flash(Outlet(0), names::kTP);
+  PublishHeat(type,
+              type == kByHeatDuty ? source.duty : 0);  // what is given stays, though nothing takes it up
 }
 
 // ---- The options
@@ -74,11 +119,13 @@ com::Name BaseReactor::EnthalpyProperty() {
 
 // ---- The report
 
+/// Begins the report with the enthalpy that is used.
 void BaseReactor::StartReactorReport() {
   StartReport();
   ReportLine(kEnthalpyLines[EnthalpyKind()]);
 }
 
+/// Ends the report with all parameters.
 void BaseReactor::FinishReactorReport() {
   std::vector<std::size_t> all(Parameters().size());
   for (std::size_t i = 0; i < all.size(); ++i) all[i] = i;
@@ -87,13 +134,14 @@ void BaseReactor::FinishReactorReport() {
 
 // ---- What is given
 
-HeatSource BaseReactor::ReadHeatSource() {
+HeatSource BaseReactor::ReadHeatSource(const char* afterColon) {
   const HeatDutyType type = HeatType();
   if (type == kIsothermal) return {};
   if (type == kByHeatDuty) return {.duty = heatDuty};
   const com::Ref<CUnitPort> port = EnergyIsInlet() ? EnergyPort() : nullptr;
-  if (!port || !port->IsConnected()) ReportLine("Heat duty from inlet energy port: Not connected");
-  return ReadEnergyStream(dynamic_cast<CUnitInfoPort*>(port.Get()), kind);
+  if (!port || !port->IsConnected())
+    ReportLine(std::string("Heat duty from inlet energy port:") + afterColon + "Not connected");
+  return ReadEnergyStream(dynamic_cast<CUnitInfoPort*>(port.Get()), kind, afterColon);
 }
 
 void BaseReactor::WarnOfInfeasibleHeat(const HeatSource& source, double reactorTemperature) const {
@@ -159,11 +207,29 @@ std::vector<double> BaseReactor::HeatsOfReaction(std::span<const ReactionRecord>
   }
 }
 
-void BaseReactor::FlashProduct(double enthalpyFlow) {
+std::optional<double> BaseReactor::CloseHeatBalance(HeatDutyType type, const HeatSource& source,
+                                                    double feedEnthalpyFlow, double heatOfReaction,
+                                                    const char* noTemperature) {
+  if (type != kIsothermal) {
+    FlashProduct(feedEnthalpyFlow + source.duty - heatOfReaction, noTemperature);
+    return source.duty;
+  }
+  Outlet(0).State().temperature = GivenTemperature();
+  Flash(Outlet(0), names::kTP);
+  try {
+    return ProductEnthalpyFlow() - feedEnthalpyFlow + heatOfReaction;
+  } catch (const Failure& failure) {
+    ReportLine("Heat duty cannot be determined: " + failure.error.description);
+    return std::nullopt;
+  }
+}
+
+/// Flashes the outlet at its pressure and an enthalpy flow [W], which finds its temperature.
+void BaseReactor::FlashProduct(double enthalpyFlow, const char* noTemperature) {
   const double enthalpy = enthalpyFlow / Outlet(0).State().totalFlow;
   if (!std::isfinite(enthalpy))
     throw Failure("the heat balance of the reactor gives no finite enthalpy", kScope, kInterface);
-  FlashAtEnthalpy(Outlet(0), enthalpy, EnthalpyProperty());
+  FlashAtEnthalpy(Outlet(0), enthalpy, EnthalpyProperty(), noTemperature);
 }
 
 // ---- What comes out
