@@ -56,8 +56,9 @@ std::size_t ReadConfiguredChoice(const Json& configuration, const char* key,
                                  const std::vector<std::string>& choices, std::size_t otherwise) {
   const auto found = configuration.find(key);
   if (found == configuration.end()) return otherwise;
-  const auto choice =
-      found->is_string() ? std::ranges::find(choices, found->get<std::string>()) : choices.end();
+  const auto choice = std::ranges::find_if(choices, [&](const std::string& candidate) {
+    return found->is_string() && com::EqualNoCase(candidate, found->get<std::string>());
+  });
   if (choice == choices.end())
     throw Failure(std::string("\"") + key + "\" of the configuration must be one of " + Listed(choices));
   return static_cast<std::size_t>(choice - choices.begin());

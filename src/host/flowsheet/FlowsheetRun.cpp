@@ -91,6 +91,12 @@ std::vector<ParameterSetting> SettingsOf(const UnitSpecification& unit,
   return settings;
 }
 
+void PutOptions(const HostedUnit& unit, const UnitSpecification& specification) {
+  const std::vector<UnitParameter> parameters = unit.Parameters();
+  for (const auto& [parameter, value] : SettingsOf(specification, parameters))
+    if (parameter->kind == CAPE_OPTION) PutParameter(*parameter, *value);
+}
+
 constexpr int kMostRounds = 100;
 constexpr double kRecycleTolerance = 1e-6;
 constexpr double kRecycleGoal = 1e-9;  // further, as long as it goes fast: then the balances close as well
@@ -155,6 +161,7 @@ void FlowsheetRun::CreateUnits() {
     com::PublishedClass unitClass = ClassOf(specification, classes);
     HostedUnit unit = CreateUnit(specification, unitClass);
     Configure(unit, specification);
+    PutOptions(unit, specification);  // on which ports may depend
     std::vector<UnitPort> ports = unit.Ports();
     units.push_back({&specification, std::move(unitClass), std::move(unit), std::move(ports)});
   }

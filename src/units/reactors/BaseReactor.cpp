@@ -229,8 +229,9 @@ std::function<void()> BaseReactor::LoadUnit(UnitReader& reader, int,
     values = ReadKeyedValues(reader, known);
     for (const KeptOption& option : kKeptOptions) {
       if (!values.contains(option.key)) continue;
-      const std::size_t choice = ReadConfiguredChoice(values, option.key, option.choices(), 0);
-      options.emplace_back(option.position, option.choices()[choice]);
+      (void)ReadConfiguredChoice(values, option.key, option.choices(),
+                                 0);  // hosts may spell it in another case
+      options.emplace_back(option.position, values.at(option.key).get<std::string>());
       values.erase(option.key);
     }
     configure = PlanConfiguration(values);

@@ -14,10 +14,6 @@ constexpr std::string_view kInterface = "ICapeUnit";
 constexpr const char* kNamesKey = "reactionNames";
 constexpr double kPenaltyFactor = 1000;
 
-// From the end of the parameters, the last of which is "Thermo Version".
-constexpr std::size_t kTolerance = 3;
-constexpr std::size_t kMaximumIterations = 2;
-
 constexpr const char* kInfeasible =
     "Infeasible system. Given the current feed, a linear combination of the reactions may take place with a "
     "rank less than the total number of the reactions; an insufficient number of individual reactions can be "
@@ -109,11 +105,9 @@ Eigen::VectorXd BaseReactorConstrained::InletFlows() const {
 void BaseReactorConstrained::LeaveOutIdle(std::vector<ReactionRecord>& reactions) {
   const Eigen::MatrixXd nu = StoichiometricMatrix(reactions, compounds.size());
   const Eigen::VectorXd inletFlows = InletFlows();
-  const std::vector<std::size_t> idle = IdleReactions(nu, inletFlows);
-  // (A kinetic reaction is idle by its rate: nothing needs to be found out about it.)
-  std::vector<std::size_t> undetermined = idle;
-  std::erase_if(undetermined, [&](std::size_t r) { return reactions[r].type == CAPE_KINETIC; });
-  if (CouldCombine(nu, inletFlows, undetermined))
+  const auto [idle, tied, direction] = FindFeasibility(nu, inletFlows);
+  // (How far a kinetic reaction goes, its rate tells.)
+  if (std::ranges::any_of(tied, [&](std::size_t r) { return reactions[r].type == CAPE_EQUILIBRIUM; }))
     throw Failure("Infeasible system: " + std::string(kInfeasible), kScope, kInterface);
   for (const std::size_t r : idle)
     Note("Reaction \"" + reactions[r].name + "\" is ignored: it can't take place with this feed");
@@ -128,11 +122,17 @@ ExtentEquations BaseReactorConstrained::EquationsOf(const std::vector<ReactionRe
   return {.nu = StoichiometricMatrix(reactions, compounds.size()), .inletFlows = InletFlows()};
 }
 
+ReactingMixture BaseReactorConstrained::MixtureOfFeed() {
+  const com::Ref<IDispatch> copy =
+      ForwardError(kScope, kInterface, [&] { return Inlet(0).DuplicateMaterial(); });
+  return {{copy, Inlet(0).ComponentName(), Emulation(), UsesThermo11(), compounds.size()}, ReactionPackage()};
+}
+
 ExtentSolution BaseReactorConstrained::Solve(const ExtentEquations& equations) {
-  const std::size_t count = Parameters().size();
-  ExtentSolution solution =
-      SolveExtents(equations, std::get<double>(Parameter(count - kTolerance).Value()),
-                   std::get<std::int32_t>(Parameter(count - kMaximumIterations).Value()));
+  const auto end = static_cast<std::size_t>(ThermoVersionParameterIndex());
+  ExtentSolution solution = SolveExtents(equations, std::get<double>(Parameter(end - 2).Value()),
+                                         std::get<std::int32_t>(Parameter(end - 1).Value()));
+  RequireUnchanged();
   if (!solution.success) {
     ReportLine("\r\n+++ no solution +++\r\n");
     throw Failure("Solution failed: " + solution.errorText, kScope, kInterface);

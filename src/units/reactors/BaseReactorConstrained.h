@@ -3,6 +3,7 @@
 #include "units/reactors/ActivityBasis.h"
 #include "units/reactors/BaseReactor.h"
 #include "units/reactors/ExtentSolver.h"
+#include "units/reactors/ReactingMixture.h"
 
 namespace morvelan {
 
@@ -58,6 +59,8 @@ class BaseReactorConstrained : public BaseReactor {
   void LeaveOutIdle(std::vector<ReactionRecord>& reactions);
   /// The equations of reactions, but for the residual.
   [[nodiscard]] ExtentEquations EquationsOf(const std::vector<ReactionRecord>& reactions) const;
+  /// A copy of the feed's material with the reaction package.
+  [[nodiscard]] ReactingMixture MixtureOfFeed();
   /// Solves equations to the parameters' tolerance and within their number of iterations.
   [[nodiscard]] ExtentSolution Solve(const ExtentEquations& equations);
   /// Puts flows [mol/s] into the outlet's state.

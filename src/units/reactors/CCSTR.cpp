@@ -1,6 +1,7 @@
 #include "units/reactors/CCSTR.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 #include "framework/ReportFormat.h"
@@ -13,6 +14,9 @@ namespace {
 constexpr std::string_view kScope = "Calculate";
 constexpr std::string_view kInterface = "ICapeUnit";
 constexpr std::string_view kUnitKind = "CSTR";
+
+/// What rounding leaves of a sum of stoichiometric coefficients.
+constexpr double kEqualMoles = 1e-12;
 
 enum CstrParameter : std::size_t {
   kReactorVolume = kFirstOwnParameter,
@@ -78,7 +82,7 @@ bool IsKinetic(const ReactionRecord& reaction, CapeReactionRateBasis basis) {
 ActivityBasis Reduced(ActivityBasis basis, const ReactionRecord& reaction) {
   const auto& nu = reaction.coefficients;
   const double sum = std::accumulate(nu.begin(), nu.end(), 0.0);
-  if (reaction.type != CAPE_EQUILIBRIUM || sum != 0) return basis;
+  if (reaction.type != CAPE_EQUILIBRIUM || std::abs(sum) > kEqualMoles) return basis;
   if (basis == ActivityBasis::kMolarity) return ActivityBasis::kMoleFraction;
   if (basis == ActivityBasis::kConcentration) return ActivityBasis::kMassFraction;
   return basis;
@@ -95,14 +99,15 @@ void CCSTR::InputsChanged() {
   BaseReactorConstrained::InputsChanged();
   if (Parameters().size() <= kPhase) return;  // the host is early: there is no face yet
   IDispatch* const material = Inlet(0).ConnectedObject().Get();
-  if (material == listedMaterial) return;
-  listedMaterial = material;
+  if (material == listedMaterial && UsesThermo11() == listedThermo11) return;
   std::vector<std::string> phases;
   try {
     if (material) phases = Inlet(0).GetPhaseLabels();
   } catch (const Failure&) {
     // A material that can't tell leaves the usual ones.
   }
+  listedMaterial = phases.empty() ? nullptr : material;  // one without phases may have some later
+  listedThermo11 = UsesThermo11();
   Parameter(kPhase).SetOptions(phases.empty() ? UsualPhases() : std::move(phases));
 }
 
@@ -248,11 +253,13 @@ void CCSTR::ReportReactions(const std::vector<ReactionRecord>& reactions) {
 }
 
 ExtentTrial CCSTR::SolveTank(const std::vector<ReactionRecord>& reactions, const StirredTank& tank) {
-  ReactingMixture mixture(Inlet(0), Emulation(), UsesThermo11(), ReactionPackage());
+  ReactingMixture mixture = MixtureOfFeed();
   StirredTankEquations tankEquations(reactions, tank, mixture, Inlet(0).State().totalFlow);
   ExtentEquations equations = EquationsOf(reactions);
   equations.temperature = tank.temperature;
   equations.temperatureIsUnknown = !tank.temperatureIsGiven;
+  equations.equilibriaOnly =
+      std::ranges::none_of(reactions, [](const auto& reaction) { return reaction.type == CAPE_KINETIC; });
   equations.residual = [&](const ExtentTrial& trial, std::span<double> residuals, std::string& why) {
     return tankEquations.Evaluate(trial, residuals, why);
   };
@@ -299,6 +306,7 @@ std::optional<double> CCSTR::FlashSolution(HeatDutyType type, const HeatSource& 
 }
 
 void CCSTR::WarnOfOtherPhases(HeatDutyType type) {
+  if (simplifiedModelRequested) return;
   const std::string phase = Phase();
   bool isPresent = false, hasOthers = false;
   for (const material::PhaseFraction& found :

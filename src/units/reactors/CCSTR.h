@@ -10,9 +10,10 @@ namespace morvelan {
 /// of the reaction package take place in one phase; at a temperature, with a heat duty or with the heat of an
 /// energy stream. The extents [mol/s], and the temperature where it is not given, solve
 ///
-///     extent_r = rate_r * volume                    homogeneous kinetic reactions, without the catalyst's
-///     volume extent_r = rate_r * catalyst mass             heterogeneous kinetic reactions ln Q_r - ln K_r =
-///     0                           equilibrium reactions H_out = H_in + Q - sum of extent_r dH_r
+///     extent_r = rate_r * volume       homogeneous kinetic reactions; the catalyst's volume does not count
+///     extent_r = rate_r * mass         heterogeneous kinetic reactions, mass of the catalyst
+///     ln Q_r - ln K_r = 0              equilibrium reactions
+///     H_out = H_in + Q - sum of extent_r dH_r
 ///
 /// with all rates, constants, activities and the enthalpy H_out at the state of the outlet's one phase. What
 /// leaves is brought to phase equilibrium at that temperature; other phases than the reactions' are warned
@@ -46,7 +47,9 @@ class CCSTR final : public BaseReactorConstrained {
                                                     double heatOfReaction);
   void WarnOfOtherPhases(HeatDutyType type);
 
-  IDispatch* listedMaterial = nullptr;  // whose phases "Phase" lists; only compared
+  // Whose phases "Phase" lists, by which interfaces.
+  const IDispatch* listedMaterial = nullptr;  // only compared
+  bool listedThermo11 = false;
 };
 
 }  // namespace morvelan

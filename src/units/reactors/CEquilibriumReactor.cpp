@@ -121,12 +121,14 @@ ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionR
   ExtentEquations equations = EquationsOf(reactions);
   if (reactions.empty()) return {.trial = {.extents = {}, .flows = equations.inletFlows}};
   equations.temperature = GivenTemperature();
-  ReactingMixture mixture(Inlet(0), Emulation(), UsesThermo11(), ReactionPackage());
+  equations.equilibriaOnly = true;
+  ReactingMixture mixture = MixtureOfFeed();
   const double pressure = Outlet(0).State().pressure;
   const com::Name enthalpyProperty = EnthalpyProperty();
   std::vector<double> constants(reactions.size());
   Eigen::VectorXd evaluated;
   equations.residual = [&](const ExtentTrial& trial, std::span<double> f, std::string& why) {
+    evaluated.resize(0);
     return Evaluated(why, [&] {
       const ClippedFlows flows = ClipNegativeFlows(trial, pressure);
       const double heatOfReaction =
@@ -138,8 +140,9 @@ ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionR
             flows.state, (enthalpyFlow - heatOfReaction) / flows.state.totalFlow, enthalpyProperty);
       mixture.StateChanged();
       for (std::size_t r = 0; r < reactions.size(); ++r) {
+        f[r] = mixture.LogActivityProduct(reactions[r], BasisOf(reactions[r]));
         constants[r] = mixture.EquilibriumConstant(reactions[r]);
-        f[r] = mixture.LogActivityProduct(reactions[r], BasisOf(reactions[r])) - ClampedLog(constants[r]);
+        f[r] -= ClampedLog(constants[r]);
         if (!std::isfinite(f[r])) throw Failure("Iteration parameters are not finite");
         // The first residual takes the penalty once per reaction, away from zero.
         if (flows.penalty != 0) f[0] += f[0] < 0 ? -flows.penalty : flows.penalty;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "units/reactors/BaseReactorConstrained.h"
-#include "units/reactors/ReactingMixture.h"
 
 namespace morvelan {
 

@@ -1,16 +1,12 @@
 #include "units/reactors/ExtentSolver.h"
 
 #include <Eigen/LU>
-#include <Eigen/QR>
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 #include <vector>
 
-#include "errors/Failure.h"
-#include "numerics/BracketedRoot.h"
 #include "numerics/NonlinearSystem.h"
-#include "units/reactors/Stoichiometry.h"
+#include "units/reactors/ExtentStarts.h"
 
 namespace morvelan {
 namespace {
@@ -22,23 +18,12 @@ using Eigen::VectorXd;
 constexpr double kTemperatureScale = 100;  // [K] per unit of its unknown
 /// How much of the feed may be missing of a compound where equations are tried.
 constexpr double kLargestDeficit = 0.1;
+/// How much of the feed rounding may take too much of a compound.
+constexpr double kRounding = 1e-13;
 /// What a compound's flow may be at least, relative to the feed, to measure others by it.
-constexpr double kSmallestScale = 1e-30;
-
-// Solving for one reaction after the other. Its extent is at the fraction 1 / (1 + exp(-t)) of its range.
-constexpr double kLargestT = 30;  // leaves 1e-13 of the range
-constexpr double kToleranceOfT = 0.02;
-constexpr int kMostTrials = 60;
-constexpr int kMostRounds = 40;
-constexpr double kClosestRounds = 0.2;     // of t
-constexpr double kClosestTemperature = 1;  // [K]
+constexpr double kSmallestScale = 1e-200;
 
 Index Signed(std::size_t i) { return static_cast<Index>(i); }
-
-ExtentTrial TrialAt(const ExtentEquations& equations, const VectorXd& extents, double temperature) {
-  return {
-      .extents = extents, .flows = equations.inletFlows + equations.nu * extents, .temperature = temperature};
-}
 
 // ---- The unknowns that Newton's method works on
 
@@ -51,7 +36,7 @@ class Unknowns {
   /// The flows of the compounds of which there is least in a trial, divided by what there is. (Reactions that
   /// depend on one another need their extents.)
   Unknowns(const ExtentEquations& problem, const ExtentTrial& start) : Unknowns(problem) {
-    ChooseScarce(start.flows);
+    scarce = ScarceCompounds(problem.nu, start.flows);
     if (Signed(scarce.size()) < problem.nu.cols()) scarce.clear();
     if (scarce.empty()) return;
     const double feed = problem.inletFlows.sum();
@@ -90,22 +75,6 @@ class Unknowns {
   }
 
  private:
-  /// As many compounds as there are reactions, so that their flows determine the extents.
-  void ChooseScarce(const VectorXd& flows) {
-    std::vector<Index> ascending(static_cast<std::size_t>(flows.size()));
-    std::iota(ascending.begin(), ascending.end(), Index{0});
-    std::ranges::stable_sort(ascending, {}, [&](Index j) { return flows[j]; });
-    MatrixXd rows(0, equations.nu.cols());
-    for (const Index j : ascending) {
-      if (rows.rows() == equations.nu.cols()) break;
-      MatrixXd more(rows.rows() + 1, rows.cols());
-      more << rows, equations.nu.row(j);
-      if (more.colPivHouseholderQr().rank() < more.rows()) continue;
-      rows = std::move(more);
-      scarce.push_back(j);
-    }
-  }
-
   const ExtentEquations& equations;
   std::vector<Index> scarce;  // empty where the unknowns are extents
   VectorXd scales;            // [mol/s]
@@ -130,81 +99,11 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
       system, x,
       {.tolerance = tolerance, .maxIterations = maxIterations, .positiveUnknowns = unknowns.Positive()});
   if (!result.success) return {.errorText = result.errorText};
-  return {.success = true, .trial = unknowns.Trial(x), .iterations = result.iterations};
-}
-
-// ---- Starts
-
-ExtentTrial Balanced(const ExtentEquations& equations, const ExtentTrial& trial) {
-  if (!equations.temperatureIsUnknown) return trial;
-  try {
-    return TrialAt(equations, trial.extents, equations.balancedTemperature(trial));
-  } catch (const Failure&) {
-    return trial;  // a start need not be a good one
-  }
-}
-
-/// Every reaction in the middle of its range, in turn; more than once, for reactions may make what others
-/// need.
-ExtentTrial HalfWay(const ExtentEquations& equations) {
-  ExtentTrial trial = TrialAt(equations, VectorXd::Zero(equations.nu.cols()), equations.temperature);
-  for (Index round = 0; round <= equations.nu.cols(); ++round)
-    for (Index r = 0; r < equations.nu.cols(); ++r) {
-      const ExtentRange range = RangeOfExtent(equations.nu.col(r), trial.flows);
-      const double step = 0.5 * (range.lowest + range.highest);
-      trial.extents[r] += step;
-      trial.flows += step * equations.nu.col(r);
-    }
-  return Balanced(equations, trial);
-}
-
-/// Solves the equation of one reaction with the others as they are; gives how far its t is from the middle,
-/// or nothing when there is no solution.
-std::optional<double> SolveOne(const ExtentEquations& equations, Index reaction, ExtentTrial& trial) {
-  const ExtentRange range = RangeOfExtent(equations.nu.col(reaction), trial.flows);
-  if (!(range.highest > range.lowest)) return std::nullopt;
-  const ExtentTrial before = trial;
-  const auto stepAt = [&](double t) {
-    return range.lowest + (range.highest - range.lowest) / (1 + std::exp(-t));
-  };
-  const auto move = [&](double t) {
-    trial.extents[reaction] = before.extents[reaction] + stepAt(t);
-    trial.flows = before.flows + stepAt(t) * equations.nu.col(reaction);
-  };
-  std::vector<double> residuals(static_cast<std::size_t>(equations.nu.cols()) +
-                                (equations.temperatureIsUnknown ? 1 : 0));
-  const auto residual = [&](double t, double& value, std::string& why) {
-    move(t);
-    if (!equations.residual(trial, residuals, why)) return false;
-    value = residuals[static_cast<std::size_t>(reaction)];
-    return true;
-  };
-  const numerics::BracketedRoot root =
-      numerics::SolveBracketed(residual, -kLargestT, kLargestT, kToleranceOfT, kMostTrials);
-  if (!root.success) {
-    trial = before;
-    return std::nullopt;
-  }
-  move(root.x);
-  return root.x;
-}
-
-ExtentTrial OneAfterTheOther(const ExtentEquations& equations) {
-  ExtentTrial trial = HalfWay(equations);
-  std::vector<double> positions(static_cast<std::size_t>(equations.nu.cols()), 0);
-  for (int round = 0; round < kMostRounds; ++round) {
-    const double temperatureBefore = trial.temperature;
-    double change = 0;
-    for (std::size_t r = 0; r < positions.size(); ++r) {
-      const double position = SolveOne(equations, Signed(r), trial).value_or(positions[r]);
-      change = std::max(change, std::abs(position - positions[r]));
-      positions[r] = position;
-    }
-    trial = Balanced(equations, trial);
-    if (change < kClosestRounds && std::abs(trial.temperature - temperatureBefore) < kClosestTemperature)
-      break;
-  }
-  return trial;
+  ExtentTrial solution = unknowns.Trial(x);
+  // The penalty is small where only a little is missing.
+  if (solution.flows.minCoeff() < -kRounding * equations.inletFlows.sum())
+    return {.errorText = "the reactions would need more of a compound than there is"};
+  return {.success = true, .trial = std::move(solution), .iterations = result.iterations};
 }
 
 }  // namespace

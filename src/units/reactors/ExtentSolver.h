@@ -22,6 +22,7 @@ struct ExtentEquations {
   Eigen::VectorXd inletFlows = {};  // [mol/s]
   double temperature = 0;           // [K], that of the feed where it is an unknown
   bool temperatureIsUnknown = false;
+  bool equilibriaOnly = false;  // each residual is ln Q - ln K of its reaction
   /// Computes the residuals, of the order of one: false, with a text, where it can't. Each reaction's rises
   /// with its extent.
   std::function<bool(const ExtentTrial& trial, std::span<double> residuals, std::string& why)> residual = {};

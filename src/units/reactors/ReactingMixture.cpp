@@ -31,9 +31,8 @@ double ClampedLog(double value) {
   return std::log(value);
 }
 
-ReactingMixture::ReactingMixture(CUnitPort& feed, material::OverallEmulation& emulation, bool usesThermo11,
-                                 const com::Ref<ICapeReactionProperties>& package)
-    : material(feed, emulation, usesThermo11), properties(package, material.Object(), kNoMaterial) {}
+ReactingMixture::ReactingMixture(TrialMaterial content, const com::Ref<ICapeReactionProperties>& package)
+    : material(std::move(content)), properties(package, material.Object(), kNoMaterial) {}
 
 void ReactingMixture::StateChanged() {
   known.clear();

@@ -18,8 +18,7 @@ namespace morvelan {
 /// at it. After each change of the material's state `StateChanged` must be called. All throw Failure.
 class ReactingMixture {
  public:
-  ReactingMixture(CUnitPort& feed, material::OverallEmulation& emulation, bool usesThermo11,
-                  const com::Ref<ICapeReactionProperties>& package);
+  ReactingMixture(TrialMaterial content, const com::Ref<ICapeReactionProperties>& package);
 
   [[nodiscard]] TrialMaterial& Material() { return material; }
   /// What is known of the state before is forgotten, by the package too.

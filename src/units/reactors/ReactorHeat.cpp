@@ -74,7 +74,9 @@ void BaseReactor::CalculateUnit(int compoundCount, std::optional<com::Name>& out
   StartReactorReport();
   try {
     if (!HasReactionPackage()) throw Failure(kNoReactionPackage, kScope, kInterface);
-    if (!recordsAreFresh) ResolveAll();
+    // What was validated may be otherwise by now.
+    if (std::string message; !recordsAreFresh && !ValidateUnit(message))
+      throw Failure(message, kScope, kInterface);
     if (compounds.size() != static_cast<std::size_t>(compoundCount))
       throw Failure("the list of compounds of the inlet material has changed", kScope, kInterface);
     React();
@@ -191,6 +193,7 @@ ReactionProperties BaseReactor::PropertiesAtInlet(const std::string& failed) {
 }
 
 std::vector<double> BaseReactor::HeatsOfReaction(std::span<const ReactionRecord> reactions) {
+  if (reactions.empty()) return {};
   const std::string failed = "failed to get property enthalpyOfReaction: ";
   try {
     ReactionProperties properties = PropertiesAtInlet(failed);

@@ -14,6 +14,7 @@ constexpr double kEnthalpyScale = 1e4;  // [J/mol] per unit of the heat balance'
 }  // namespace
 
 bool StirredTankEquations::Evaluate(const ExtentTrial& trial, std::span<double> residuals, std::string& why) {
+  evaluated = {};
   return Evaluated(why, [&] {
     const ClippedFlows flows = ClipNegativeFlows(trial, tank.pressure);
     SetState(flows.state);
@@ -43,8 +44,9 @@ void StirredTankEquations::SetState(const material::StreamState& state) {
 double StirredTankEquations::ResidualOf(std::size_t r, double extent) {
   const ReactionRecord& reaction = reactions[r];
   if (reaction.type == CAPE_EQUILIBRIUM) {
+    const double logQ = mixture.LogActivityProduct(reaction, tank.bases[r]);
     results[r] = mixture.EquilibriumConstant(reaction);
-    return mixture.LogActivityProduct(reaction, tank.bases[r]) - ClampedLog(results[r]);
+    return logQ - ClampedLog(results[r]);
   }
   const bool isHeterogeneous = reaction.rateBasis == CAPE_HETEROGENEOUS;
   const double rate = mixture.Rate(reaction);

@@ -1,5 +1,6 @@
 #include "units/reactors/Stoichiometry.h"
 
+#include <Eigen/LU>
 #include <Eigen/QR>
 #include <algorithm>
 #include <limits>
@@ -27,33 +28,33 @@ VectorXd Combination(const MatrixXd& basis, const VectorXd& column) {
   return follows ? weights : VectorXd();
 }
 
-/// Which compounds are fed or can be made, and which reactions make them.
-struct Reach {
-  std::vector<bool> compounds;
-  std::vector<bool> reactions;
-};
-
-bool HasAll(const VectorXd& coefficients, double sign, const std::vector<bool>& present) {
-  for (Index j = 0; j < coefficients.size(); ++j)
-    if (sign * coefficients[j] < 0 && !present[static_cast<std::size_t>(j)]) return false;
-  return true;
-}
-
-Reach ReachOf(const MatrixXd& nu, const VectorXd& inletFlows) {
-  Reach reach{.compounds = {}, .reactions = std::vector<bool>(static_cast<std::size_t>(nu.cols()), false)};
-  for (const double flow : inletFlows) reach.compounds.push_back(flow > 0);
-  for (bool changed = true; changed;) {
-    changed = false;
-    for (Index r = 0; r < nu.cols(); ++r) {
-      const auto column = static_cast<std::size_t>(r);
-      if (reach.reactions[column]) continue;
-      if (!HasAll(nu.col(r), 1, reach.compounds) && !HasAll(nu.col(r), -1, reach.compounds)) continue;
-      reach.reactions[column] = changed = true;
-      for (Index j = 0; j < nu.rows(); ++j)
-        if (nu(j, r) != 0) reach.compounds[static_cast<std::size_t>(j)] = true;
+/// What non-negative multiples of columns leave of a vector at least, by their least squares: C. L. Lawson
+/// and R. J. Hanson, Solving Least Squares Problems, 1974, algorithm NNLS. No column points in its direction.
+VectorXd LeastRemainder(const MatrixXd& columns, const VectorXd& vector) {
+  std::vector<Index> used;
+  VectorXd multiples = VectorXd::Zero(columns.cols());
+  for (Index step = 0; step < 3 * columns.cols(); ++step) {
+    Index best = 0;
+    const VectorXd gain = columns.transpose() * (vector - columns * multiples);
+    if (gain.maxCoeff(&best) <= kDependenceTolerance || std::ranges::find(used, best) != used.end()) break;
+    used.push_back(best);
+    for (bool accepted = false; !accepted;) {
+      const VectorXd wanted = columns(Eigen::all, used).colPivHouseholderQr().solve(vector);
+      double part = 1;
+      for (Index i = 0; i < wanted.size(); ++i) {
+        const double now = multiples[used[static_cast<std::size_t>(i)]];
+        if (wanted[i] <= 0) part = std::min(part, now / (now - wanted[i]));
+      }
+      multiples(used) += part * (wanted - multiples(used));
+      accepted = part == 1;
+      std::erase_if(used, [&](Index j) {
+        const bool isSpent = multiples[j] <= kDependenceTolerance;
+        if (isSpent) multiples[j] = 0;
+        return isSpent && !accepted;
+      });
     }
   }
-  return reach;
+  return vector - columns * multiples;
 }
 
 }  // namespace
@@ -113,21 +114,33 @@ ExtentRange RangeOfExtent(const VectorXd& coefficients, const VectorXd& flows) {
   return {std::max(range.lowest, -flows.sum()), std::min(range.highest, flows.sum())};
 }
 
-std::vector<std::size_t> IdleReactions(const MatrixXd& nu, const VectorXd& inletFlows) {
-  const Reach reach = ReachOf(nu, inletFlows);
-  std::vector<std::size_t> idle;
-  for (std::size_t r = 0; r < reach.reactions.size(); ++r)
-    if (!reach.reactions[r]) idle.push_back(r);
-  return idle;
-}
-
-bool CouldCombine(const MatrixXd& nu, const VectorXd& inletFlows, const std::vector<std::size_t>& idle) {
-  const Reach reach = ReachOf(nu, inletFlows);
-  MatrixXd absent(nu.rows(), Signed(idle.size()));
+Feasibility FindFeasibility(const MatrixXd& nu, const VectorXd& inletFlows) {
+  std::vector<Index> absent;
   for (Index j = 0; j < nu.rows(); ++j)
-    for (std::size_t i = 0; i < idle.size(); ++i)
-      absent(j, Signed(i)) = reach.compounds[static_cast<std::size_t>(j)] ? 0 : nu(j, Signed(idle[i]));
-  return !DependentSets(absent).empty();
+    if (!(inletFlows[j] > 0) && !nu.row(j).isZero(0)) absent.push_back(j);
+  // Extents are feasible where they make no negative amount of an absent compound: by Farkas' lemma they make
+  // none of a compound if and only if the negative of its row is made up of the rows of absent compounds.
+  const MatrixXd rows = nu(absent, Eigen::all).rowwise().normalized();
+  Feasibility feasibility{.idle = {}, .tied = {}, .direction = VectorXd::Zero(nu.cols())};
+  MatrixXd never(0, nu.cols());
+  for (Index i = 0; i < rows.rows(); ++i) {
+    const VectorXd remainder = LeastRemainder(rows.transpose(), -rows.row(i).transpose());
+    if (remainder.norm() > kDependenceTolerance) {
+      feasibility.direction -= remainder.normalized();
+      continue;
+    }
+    never.conservativeResize(never.rows() + 1, Eigen::NoChange);
+    never.bottomRows(1) = rows.row(i);
+  }
+  if (never.rows() == 0) return feasibility;
+  const MatrixXd free = Eigen::FullPivLU<MatrixXd>(never).setThreshold(kDependenceTolerance).kernel();
+  for (Index r = 0; r < nu.cols(); ++r) {
+    if (free.row(r).isZero(kDependenceTolerance))
+      feasibility.idle.push_back(static_cast<std::size_t>(r));
+    else if (!never.col(r).isZero(kDependenceTolerance))
+      feasibility.tied.push_back(static_cast<std::size_t>(r));
+  }
+  return feasibility;
 }
 
 std::string JoinedNames(std::span<const ReactionRecord> reactions, const std::vector<std::size_t>& set) {

@@ -25,15 +25,16 @@ struct ExtentRange {
 };
 [[nodiscard]] ExtentRange RangeOfExtent(const Eigen::VectorXd& coefficients, const Eigen::VectorXd& flows);
 
-/// The reactions, by column, that can take place in neither direction with a feed [mol/s]: some of their
-/// reactants and some of their products are not fed, nor made by others.
-[[nodiscard]] std::vector<std::size_t> IdleReactions(const Eigen::MatrixXd& nu,
-                                                     const Eigen::VectorXd& inletFlows);
-
-/// Whether reactions that are idle one by one could all the same take place in combination, through compounds
-/// of which there is none at any time: nothing tells then how far they go.
-[[nodiscard]] bool CouldCombine(const Eigen::MatrixXd& nu, const Eigen::VectorXd& inletFlows,
-                                const std::vector<std::size_t>& idle);
+/// What reactions can do with a feed [mol/s], alone or together, before any flow is negative. Compounds that
+/// are not fed must be made before they can react, if need be by two reactions at a time.
+struct Feasibility {
+  std::vector<std::size_t> idle;  // reactions, by column, that can't take place in either direction
+  /// Reactions that can take place only in fixed proportions, through compounds of which there is none at any
+  /// time: nothing tells how far they go.
+  std::vector<std::size_t> tied;
+  Eigen::VectorXd direction;  // extents that make some of every compound that can be made
+};
+[[nodiscard]] Feasibility FindFeasibility(const Eigen::MatrixXd& nu, const Eigen::VectorXd& inletFlows);
 
 /// Names joined as in "R1 and R2".
 [[nodiscard]] std::string JoinedNames(std::span<const ReactionRecord> reactions,

@@ -21,11 +21,14 @@ auto Opened(const std::string& opening, Body&& body) {
 
 }  // namespace
 
-TrialMaterial::TrialMaterial(CUnitPort& feed, material::OverallEmulation& overallEmulation, bool usesThermo11)
+TrialMaterial::TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCopy,
+                             material::OverallEmulation& overallEmulation, bool usesThermo11,
+                             std::size_t compoundCount)
     : thermo(material::ThermoInForce(usesThermo11)),
       emulation(overallEmulation),
-      portName(feed.ComponentName()),
-      copy(feed.DuplicateMaterial()) {}
+      portName(std::move(portOfCopy)),
+      copy(std::move(portCopy)),
+      count(compoundCount) {}
 
 void TrialMaterial::FlashAtTemperature(const material::StreamState& state) {
   Opened("TP flash failed: ", [&] { thermo.CalcEquilibrium(Material(), state, names::kTP); });
@@ -53,6 +56,7 @@ std::vector<double> TrialMaterial::Fractions(const std::string& phase, com::Name
     return thermo.GetProp(Material(), {names::kFraction, com::Name(label), {}, basis}, com::kNoValue);
   });
   std::vector<double> fractions = material::ReadOr([&] { return com::ReadDoubles(values.Get()); }, explain);
+  if (fractions.size() != count) throw explain(std::to_string(count) + " values expected");
   for (const double fraction : fractions)
     if (!std::isfinite(fraction) || IsMissing(fraction)) throw explain("value is not set");
   return fractions;

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/CUnitPort.h"
+#include "material/Thermo.h"
 
 namespace morvelan {
 
@@ -12,7 +12,9 @@ namespace morvelan {
 /// begin the failure's text with it.
 class TrialMaterial {
  public:
-  TrialMaterial(CUnitPort& feed, material::OverallEmulation& overallEmulation, bool usesThermo11);
+  /// A copy that a port made, of a number of compounds.
+  TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCopy,
+                material::OverallEmulation& overallEmulation, bool usesThermo11, std::size_t compoundCount);
 
   [[nodiscard]] const com::Ref<IDispatch>& Object() const { return copy; }
 
@@ -40,8 +42,9 @@ class TrialMaterial {
 
   const material::Thermo& thermo;
   material::OverallEmulation& emulation;
-  const std::string portName;
+  std::string portName;
   com::Ref<IDispatch> copy;
+  std::size_t count;
 };
 
 }  // namespace morvelan

@@ -1,0 +1,208 @@
+#include "units/reactors/ExtentStarts.h"
+
+#include <Eigen/LU>
+#include <Eigen/QR>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "errors/Failure.h"
+#include "numerics/BracketedRoot.h"
+#include "units/reactors/Stoichiometry.h"
+
+namespace morvelan {
+namespace {
+
+using Eigen::Index;
+using Eigen::MatrixXd;
+using Eigen::VectorXd;
+
+/// Parts of what the feed allows that are tried as a beginning: large ones may take more heat than there is.
+constexpr double kBeginnings[] = {0.5, 1e-2, 1e-4, 1e-6};
+
+// An extent is at the fraction 1 / (1 + exp(-t)) of its range.
+constexpr double kLargestT = 300;
+constexpr double kToleranceOfT = 0.02;
+constexpr double kSmallestStep = 0.01;  // of t
+constexpr int kMostSteps = 30;
+constexpr int kMostTrials = 60;
+constexpr int kMostRounds = 40;
+constexpr double kClosestRounds = 0.1;     // of t
+constexpr double kClosestTemperature = 1;  // [K]
+
+ExtentTrial Balanced(const ExtentEquations& equations, ExtentTrial trial) {
+  if (!equations.temperatureIsUnknown) return trial;
+  try {
+    trial.temperature = equations.balancedTemperature(trial);
+  } catch (const Failure&) {
+    // A start need not be a good one.
+  }
+  return trial;
+}
+
+/// The feed after a part of what can be made of it without using up any compound.
+ExtentTrial Beginning(const ExtentEquations& equations, double part) {
+  const VectorXd direction = FindFeasibility(equations.nu, equations.inletFlows).direction;
+  const double most = RangeOfExtent(equations.nu * direction, equations.inletFlows).highest;
+  return TrialAt(equations, part * most * direction, equations.temperature);
+}
+
+/// A way on which the flows change, to the ends of it where compounds are used up.
+class Way {
+ public:
+  Way(const ExtentTrial& trial, const VectorXd& extentsOfWay, const VectorXd& flowsOfWay)
+      : start(trial),
+        extents(extentsOfWay),
+        flows(flowsOfWay),
+        range(RangeOfExtent(flowsOfWay, trial.flows)) {
+    lowEnd = EndAt(range.lowest);
+    highEnd = EndAt(range.highest);
+  }
+
+  [[nodiscard]] bool LeadsAnywhere() const { return range.highest > range.lowest; }
+  [[nodiscard]] double HereT() const {
+    const double t = std::log(-range.lowest / range.highest);
+    return std::isnan(t) ? 0 : std::clamp(t, -kLargestT, kLargestT);
+  }
+  /// Measured from the nearer end, for what is left there may be too little to be a difference.
+  [[nodiscard]] ExtentTrial At(double t) const {
+    const double length = range.highest - range.lowest;
+    const double fromEnd = length / (1 + std::exp(std::abs(t)));
+    ExtentTrial trial = start;
+    trial.extents += (t < 0 ? range.lowest + fromEnd : range.highest - fromEnd) * extents;
+    trial.flows = t < 0 ? VectorXd(lowEnd + fromEnd * flows) : VectorXd(highEnd - fromEnd * flows);
+    return trial;
+  }
+
+ private:
+  /// The flows at an end; of the compound that ends the way exactly nothing.
+  [[nodiscard]] VectorXd EndAt(double step) const {
+    VectorXd end = start.flows + step * flows;
+    for (Index j = 0; j < end.size(); ++j)
+      if (flows[j] != 0 && std::max(start.flows[j], 0.0) / -flows[j] == step) end[j] = 0;
+    return end;
+  }
+
+  const ExtentTrial& start;
+  const VectorXd& extents;
+  const VectorXd& flows;
+  ExtentRange range;
+  VectorXd lowEnd, highEnd;
+};
+
+/// Where a residual that rises with t changes its sign, as far as it can be evaluated; nothing when it can't
+/// be to begin with.
+template <class Residual>
+std::optional<double> FindRise(double t, Residual&& residual) {
+  std::string why;
+  double value = 0;
+  if (!residual(t, value, why)) return std::nullopt;
+  const double way = value > 0 ? -1 : 1;
+  double step = 1;
+  for (int i = 0; i < kMostSteps && step > kSmallestStep && std::abs(t) < kLargestT; ++i) {
+    const double next = std::clamp(t + way * step, -kLargestT, kLargestT);
+    double nextValue = 0;
+    if (!residual(next, nextValue, why)) {
+      step *= 0.25;
+      continue;
+    }
+    if (way * nextValue > 0) {
+      const auto root = numerics::SolveBracketed(residual, t, next, kToleranceOfT, kMostTrials);
+      return root.success ? root.x : next;
+    }
+    t = next;
+    step *= 2;
+  }
+  return t;
+}
+
+/// Solves for one extent, and returns by how much its t changed.
+double SolveOne(const ExtentEquations& equations, const VectorXd& direction, ExtentTrial& trial) {
+  const VectorXd flows = equations.nu * direction;
+  const Way way(trial, direction, flows);
+  if (!way.LeadsAnywhere()) return 0;
+  VectorXd residuals(equations.nu.cols() + (equations.temperatureIsUnknown ? 1 : 0));
+  const auto residual = [&](double t, double& value, std::string& why) {
+    if (!equations.residual(way.At(t), {residuals.data(), static_cast<std::size_t>(residuals.size())}, why))
+      return false;
+    value = direction.dot(residuals.head(direction.size()));
+    return true;
+  };
+  const double before = way.HereT();
+  const std::optional<double> after = FindRise(before, residual);
+  if (!after) return 0;
+  trial = way.At(*after);
+  return std::abs(*after - before);
+}
+
+/// The directions in which extents are solved for: each reaction's own, or for equilibria those that change
+/// one scarce compound each.
+MatrixXd Directions(const ExtentEquations& equations, const ExtentTrial& trial) {
+  const MatrixXd own = MatrixXd::Identity(equations.nu.cols(), equations.nu.cols());
+  if (!equations.equilibriaOnly) return own;
+  const std::vector<Index> scarce = ScarceCompounds(equations.nu, trial.flows);
+  if (scarce.size() < static_cast<std::size_t>(own.cols())) return own;
+  return equations.nu(scarce, Eigen::all).inverse();
+}
+
+bool CanBeEvaluated(const ExtentEquations& equations, const ExtentTrial& trial) {
+  std::vector<double> residuals(static_cast<std::size_t>(equations.nu.cols()) +
+                                (equations.temperatureIsUnknown ? 1 : 0));
+  std::string why;
+  return equations.residual(trial, residuals, why);
+}
+
+}  // namespace
+
+ExtentTrial TrialAt(const ExtentEquations& equations, const VectorXd& extents, double temperature) {
+  return {
+      .extents = extents, .flows = equations.inletFlows + equations.nu * extents, .temperature = temperature};
+}
+
+std::vector<Index> ScarceCompounds(const MatrixXd& nu, const VectorXd& flows) {
+  std::vector<Index> ascending(static_cast<std::size_t>(flows.size()));
+  std::iota(ascending.begin(), ascending.end(), Index{0});
+  std::ranges::stable_sort(ascending, {}, [&](Index j) { return flows[j]; });
+  std::vector<Index> scarce;
+  MatrixXd rows(0, nu.cols());
+  for (const Index j : ascending) {
+    if (rows.rows() == nu.cols()) break;
+    MatrixXd more(rows.rows() + 1, rows.cols());
+    more << rows, nu.row(j);
+    if (more.colPivHouseholderQr().rank() < more.rows()) continue;
+    rows = std::move(more);
+    scarce.push_back(j);
+  }
+  return scarce;
+}
+
+ExtentTrial HalfWay(const ExtentEquations& equations) {
+  ExtentTrial trial = Beginning(equations, kBeginnings[0]);
+  for (Index r = 0; r < equations.nu.cols(); ++r) {
+    const VectorXd coefficients = equations.nu.col(r);
+    const ExtentRange range = RangeOfExtent(coefficients, trial.flows);
+    const double step = 0.5 * (range.lowest + range.highest);
+    trial.extents[r] += step;
+    trial.flows += step * coefficients;
+  }
+  return Balanced(equations, trial);
+}
+
+ExtentTrial OneAfterTheOther(const ExtentEquations& equations) {
+  ExtentTrial trial = HalfWay(equations);
+  for (const double part : kBeginnings)
+    if (!CanBeEvaluated(equations, trial)) trial = Balanced(equations, Beginning(equations, part));
+  for (int round = 0; round < kMostRounds; ++round) {
+    const double temperatureBefore = trial.temperature;
+    double change = 0;
+    const MatrixXd directions = Directions(equations, trial);
+    for (Index k = 0; k < directions.cols(); ++k)
+      change = std::max(change, SolveOne(equations, directions.col(k), trial));
+    trial = Balanced(equations, trial);
+    if (change < kClosestRounds && std::abs(trial.temperature - temperatureBefore) < kClosestTemperature)
+      break;
+  }
+  return trial;
+}
+
+}  // namespace morvelan

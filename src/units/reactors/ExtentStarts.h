@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include "units/reactors/ExtentSolver.h"
+
+namespace morvelan {
+
+/// A state with given extents [mol/s].
+[[nodiscard]] ExtentTrial TrialAt(const ExtentEquations& equations, const Eigen::VectorXd& extents,
+                                  double temperature);
+
+/// As many compounds as there are reactions, those of which there is least, by whose flows the extents are
+/// known; fewer when reactions depend on one another.
+[[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu,
+                                                        const Eigen::VectorXd& flows);
+
+// Where a solution may be looked for when it isn't found from the feed. A heat balance that is an equation
+// closes where it can.
+
+/// Every reaction half way, so that there is some of every compound.
+[[nodiscard]] ExtentTrial HalfWay(const ExtentEquations& equations);
+
+/// What solving for one extent after the other comes to. Where all equations are those of equilibria they are
+/// combined so that each is about one scarce compound: W. R. Smith and R. W. Missen, Chemical Reaction
+/// Equilibrium Analysis, 1982, chapter 6.
+[[nodiscard]] ExtentTrial OneAfterTheOther(const ExtentEquations& equations);
+
+}  // namespace morvelan
