@@ -46,6 +46,7 @@ class Unknowns {
       scales[k] = std::max(start.flows[scarce[static_cast<std::size_t>(k)]], kSmallestScale * feed);
     }
     toExtents = rows.inverse();
+    without = Remainder(problem.inletFlows, -problem.nu * toExtents * problem.inletFlows(scarce));
   }
 
   [[nodiscard]] ExtentTrial Trial(std::span<const double> x) const {
@@ -53,9 +54,11 @@ class Unknowns {
     const double temperature =
         equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
     if (scarce.empty()) return TrialAt(equations, scaled, temperature);
-    const VectorXd changes = scaled - equations.inletFlows(scarce);
-    ExtentTrial trial = TrialAt(equations, toExtents * changes, temperature);
-    trial.flows(scarce) = scaled;  // exactly: they may be the difference of much greater numbers
+    // Counted from nothing of the scarce ones, which may be differences of much greater numbers.
+    ExtentTrial trial{.extents = toExtents * (scaled - equations.inletFlows(scarce)),
+                      .flows = without + equations.nu * (toExtents * scaled),
+                      .temperature = temperature};
+    trial.flows(scarce) = scaled;
     return trial;
   }
 
@@ -79,6 +82,7 @@ class Unknowns {
   std::vector<Index> scarce;  // empty where the unknowns are extents
   VectorXd scales;            // [mol/s]
   MatrixXd toExtents;
+  VectorXd without;  // [mol/s], the flows without any of the scarce compounds
 };
 
 ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unknowns, const ExtentTrial& start,
@@ -117,7 +121,7 @@ ExtentSolution SolveExtents(const ExtentEquations& equations, double tolerance, 
   ExtentSolution first = SolveFrom(equations, Unknowns(equations), feed, tolerance, maxIterations);
   if (first.success) return reported(std::move(first), "no reaction");
   const std::pair<ExtentTrial (*)(const ExtentEquations&), const char*> others[] = {
-      {HalfWay, "every reaction half way"}, {OneAfterTheOther, "one reaction after the other"}};
+      {HardlyBegun, "every reaction hardly begun"}, {OneAfterTheOther, "one reaction after the other"}};
   for (const auto& [makeStart, name] : others) {
     const ExtentTrial start = makeStart(equations);
     ExtentSolution solution =

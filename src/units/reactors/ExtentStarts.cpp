@@ -4,6 +4,7 @@
 #include <Eigen/QR>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "errors/Failure.h"
@@ -19,6 +20,9 @@ using Eigen::VectorXd;
 
 /// Parts of what the feed allows that are tried as a beginning: large ones may take more heat than there is.
 constexpr double kBeginnings[] = {0.5, 1e-2, 1e-4, 1e-6};
+constexpr double kTrace = 1e-2;
+
+constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
 
 // An extent is at the fraction 1 / (1 + exp(-t)) of its range.
 constexpr double kLargestT = 300;
@@ -55,8 +59,8 @@ class Way {
         extents(extentsOfWay),
         flows(flowsOfWay),
         range(RangeOfExtent(flowsOfWay, trial.flows)) {
-    lowEnd = EndAt(range.lowest);
-    highEnd = EndAt(range.highest);
+    lowEnd = Remainder(start.flows, range.lowest * flows);
+    highEnd = Remainder(start.flows, range.highest * flows);
   }
 
   [[nodiscard]] bool LeadsAnywhere() const { return range.highest > range.lowest; }
@@ -75,14 +79,6 @@ class Way {
   }
 
  private:
-  /// The flows at an end; of the compound that ends the way exactly nothing.
-  [[nodiscard]] VectorXd EndAt(double step) const {
-    VectorXd end = start.flows + step * flows;
-    for (Index j = 0; j < end.size(); ++j)
-      if (flows[j] != 0 && std::max(start.flows[j], 0.0) / -flows[j] == step) end[j] = 0;
-    return end;
-  }
-
   const ExtentTrial& start;
   const VectorXd& extents;
   const VectorXd& flows;
@@ -159,6 +155,13 @@ ExtentTrial TrialAt(const ExtentEquations& equations, const VectorXd& extents, d
       .extents = extents, .flows = equations.inletFlows + equations.nu * extents, .temperature = temperature};
 }
 
+VectorXd Remainder(const VectorXd& flows, const VectorXd& change) {
+  VectorXd left = flows + change;
+  for (Index j = 0; j < left.size(); ++j)
+    if (std::abs(left[j]) <= kRounding * std::abs(flows[j])) left[j] = 0;
+  return left;
+}
+
 std::vector<Index> ScarceCompounds(const MatrixXd& nu, const VectorXd& flows) {
   std::vector<Index> ascending(static_cast<std::size_t>(flows.size()));
   std::iota(ascending.begin(), ascending.end(), Index{0});
@@ -187,6 +190,8 @@ ExtentTrial HalfWay(const ExtentEquations& equations) {
   }
   return Balanced(equations, trial);
 }
+
+ExtentTrial HardlyBegun(const ExtentEquations& equations) { return Beginning(equations, kTrace); }
 
 ExtentTrial OneAfterTheOther(const ExtentEquations& equations) {
   ExtentTrial trial = HalfWay(equations);

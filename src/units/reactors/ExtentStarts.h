@@ -10,6 +10,10 @@ namespace morvelan {
 [[nodiscard]] ExtentTrial TrialAt(const ExtentEquations& equations, const Eigen::VectorXd& extents,
                                   double temperature);
 
+/// What is left of flows [mol/s] after a change of them; exactly nothing where that is no more than rounding.
+/// (Compounds that are used up together then are so in their proportion, however little is left.)
+[[nodiscard]] Eigen::VectorXd Remainder(const Eigen::VectorXd& flows, const Eigen::VectorXd& change);
+
 /// As many compounds as there are reactions, those of which there is least, by whose flows the extents are
 /// known; fewer when reactions depend on one another.
 [[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu,
@@ -20,6 +24,9 @@ namespace morvelan {
 
 /// Every reaction half way, so that there is some of every compound.
 [[nodiscard]] ExtentTrial HalfWay(const ExtentEquations& equations);
+
+/// So little reaction that there is a trace of every compound.
+[[nodiscard]] ExtentTrial HardlyBegun(const ExtentEquations& equations);
 
 /// What solving for one extent after the other comes to. Where all equations are those of equilibria they are
 /// combined so that each is about one scarce compound: W. R. Smith and R. W. Missen, Chemical Reaction
