@@ -42,7 +42,7 @@ struct ExtentSolution {
 /// after the other until one leads to a solution:
 ///
 /// 1. no reaction, at the temperature of the feed;
-/// 2. every reaction half way, so that there is some of every compound;
+/// 2. every reaction hardly begun, so that there is a trace of every compound;
 /// 3. what solving for one reaction after the other comes to.
 ///
 /// The unknowns are the extents divided by the feed at first, then the flows of those compounds of which
