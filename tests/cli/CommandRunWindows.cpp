@@ -49,7 +49,7 @@ CommandOutcome RunCommand(const std::string& arguments) {
   PROCESS_INFORMATION process{};
   std::wstring line = com::ToBstr("\"" MORVELAN_COMMAND "\" " + arguments).Get();
   if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process))
-    throw std::runtime_error("the command can't be started");
+    throw std::runtime_error("the command can't be started: error " + std::to_string(GetLastError()));
   WaitForSingleObject(process.hProcess, INFINITE);
   DWORD status = 0;
   GetExitCodeProcess(process.hProcess, &status);
