@@ -36,54 +36,89 @@ void* FakeMaterial::FindInterface(REFIID iid) {
   return Implements::FindInterface(iid);
 }
 
+FakeConditions FakeMaterial::ConditionsIn(const std::string& phase) const {
+  for (const FakePhase& found : state.phases)
+    if (com::EqualNoCase(found.label, phase))
+      return {.temperature = found.temperature.value_or(state.temperature),
+              .pressure = found.pressure.value_or(state.pressure),
+              .fractions = found.fractions.empty() ? state.fractions : found.fractions};
+  return {.temperature = state.temperature, .pressure = state.pressure, .fractions = state.fractions};
+}
+
 HRESULT FakeMaterial::Read(com::Name property, com::Name phase, com::Name basis, VARIANT* values) {
   const std::string name = Lower(property);
+  const std::string where = com::ToUtf8(phase);
+  const bool byMass = Lower(basis) == "mass";
   const auto give = [&](double value) { return script->Answer(com::MakeDoubles(std::array{value}), values); };
   if (name == "temperature") return give(state.temperature);
   if (name == "pressure") return give(state.pressure);
   if (name == "totalflow") return give(state.flow);
-  if (name == "fraction") return script->Answer(com::MakeDoubles(state.fractions), values);
+  if (name == "fraction") {
+    std::vector<double> fractions = ConditionsIn(where).fractions;
+    const double meanWeight = byMass ? MeanWeight(fractions) : 1;
+    for (std::size_t i = 0; byMass && i < fractions.size(); ++i)
+      fractions[i] *= state.molecularWeights[i] / meanWeight;
+    return script->Answer(com::MakeDoubles(fractions), values);
+  }
   double overall = 0;
-  for (const FakePhase& candidate : state.phases) {
-    const double value = ValueIn(candidate, name);
-    if (Lower(phase) != "overall" && com::EqualNoCase(candidate.label, com::ToUtf8(phase)))
-      return give(value);
-    overall += candidate.fraction * value;
+  for (const std::string& present : PresentPhases()) {
+    const auto candidate = std::ranges::find_if(
+        state.phases, [&](const FakePhase& known) { return com::EqualNoCase(known.label, present); });
+    if (candidate == state.phases.end()) continue;
+    const double value = ValueIn(*candidate, name, byMass);
+    if (Lower(phase) != "overall" && com::EqualNoCase(present, where)) return give(value);
+    overall += candidate->fraction * value;
   }
   if (Lower(phase) != "overall" || Lower(basis) != "mole") return kNotAvailable;
   return give(overall);
 }
 
-double FakeMaterial::ValueIn(const FakePhase& phase, const std::string& property) const {
+double FakeMaterial::ValueIn(const FakePhase& phase, const std::string& property, bool byMass) const {
+  const FakeConditions conditions = ConditionsIn(phase.label);
   if (property == "phasefraction") return phase.fraction;
-  if (property == "enthalpy" && state.heatCapacity != 0) return state.heatCapacity * state.temperature;
+  if (property == "enthalpy" && state.heatCapacity != 0) return state.heatCapacity * conditions.temperature;
   if (property == "enthalpyf" && state.heatCapacity != 0)
-    return state.heatCapacity * state.temperature + FormationEnthalpy();
+    return state.heatCapacity * conditions.temperature + FormationEnthalpy(conditions.fractions);
   const auto found = phase.properties.find(property);
-  return found == phase.properties.end() ? 0 : found->second;
+  const double value = found == phase.properties.end() ? 0 : found->second;
+  constexpr double kGramsPerKilogram = 1000;
+  return property == "density" && byMass ? value * MeanWeight(conditions.fractions) / kGramsPerKilogram
+                                         : value;
 }
 
-double FakeMaterial::FormationEnthalpy() const {
+double FakeMaterial::MeanWeight(const std::vector<double>& fractions) const {
+  return std::inner_product(fractions.begin(), fractions.end(), state.molecularWeights.begin(), 0.0);
+}
+
+double FakeMaterial::FormationEnthalpy(const std::vector<double>& fractions) const {
   const auto& heats = state.formationEnthalpies;
-  if (heats.size() != state.fractions.size()) return 0;
-  return std::inner_product(heats.begin(), heats.end(), state.fractions.begin(), 0.0);
+  if (heats.size() != fractions.size()) return 0;
+  return std::inner_product(heats.begin(), heats.end(), fractions.begin(), 0.0);
 }
 
 void FakeMaterial::Flash(std::string specifications, const char* given) {
   state.flash = std::move(specifications);
+  for (FakePhase& phase : state.phases) phase.temperature = phase.pressure = {}, phase.fractions = {};
   if (!given || state.heatCapacity == 0) return;
-  const double formation = given == std::string("enthalpyF") ? FormationEnthalpy() : 0;
+  const double formation = given == std::string("enthalpyF") ? FormationEnthalpy(state.fractions) : 0;
   state.temperature = (state.written.at(given).at(0) - formation) / state.heatCapacity;
 }
 
-HRESULT FakeMaterial::Write(com::Name property, const VARIANT& values) {
+HRESULT FakeMaterial::Write(com::Name property, com::Name phase, const VARIANT& values) {
   const std::vector<double> numbers = com::ReadDoubles(values);
   const std::string name = Lower(property);
+  if (script->recording) state.written[com::ToUtf8(property)] = numbers;
+  for (FakePhase& own : state.phases) {
+    if (!com::EqualNoCase(own.label, com::ToUtf8(phase))) continue;
+    if (name == "fraction") own.fractions = numbers;
+    if (name == "temperature") own.temperature = numbers.at(0);
+    if (name == "pressure") own.pressure = numbers.at(0);
+    return S_OK;
+  }
   if (name == "fraction") state.fractions = numbers;
   if (name == "temperature") state.temperature = numbers.at(0);
   if (name == "pressure") state.pressure = numbers.at(0);
   if (name == "totalflow") state.flow = numbers.at(0);
-  if (script->recording) state.written[com::ToUtf8(property)] = numbers;
   return S_OK;
 }
 
@@ -100,11 +135,18 @@ HRESULT FakeMaterial::Constant(const char* what, const VARIANT& props, const VAR
   return script->Answer(com::MakeVariants(variants), values);
 }
 
-HRESULT FakeMaterial::Labels(bool withOverall, VARIANT* labels) {
-  std::vector<std::string> texts;
-  if (withOverall) texts.emplace_back("Overall");
-  for (const FakePhase& phase : state.phases) texts.push_back(phase.label);
+HRESULT FakeMaterial::Labels(const std::vector<std::string>& texts, VARIANT* labels) {
   return script->Answer(com::MakeStrings(texts), labels);
+}
+
+std::vector<std::string> FakeMaterial::AllPhases() const {
+  std::vector<std::string> labels;
+  for (const FakePhase& phase : state.phases) labels.push_back(phase.label);
+  return labels;
+}
+
+std::vector<std::string> FakeMaterial::PresentPhases() const {
+  return state.present.empty() ? AllPhases() : state.present;
 }
 
 HRESULT FakeMaterial::get_ComponentIds(VARIANT* ids) {
@@ -114,7 +156,10 @@ HRESULT FakeMaterial::get_ComponentIds(VARIANT* ids) {
 
 HRESULT FakeMaterial::get_PhaseIds(VARIANT* ids) {
   const HRESULT hr = script->Call("PhaseIds");
-  return FAILED(hr) ? hr : Labels(true, ids);
+  if (FAILED(hr)) return hr;
+  std::vector<std::string> labels = AllPhases();
+  labels.insert(labels.begin(), "Overall");
+  return Labels(labels, ids);
 }
 
 HRESULT FakeMaterial::GetComponentConstant(VARIANT props, VARIANT ids, VARIANT* values) {
@@ -137,7 +182,7 @@ HRESULT FakeMaterial::GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcT
 HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
                               VARIANT values) {
   const HRESULT hr = script->Call("SetProp", com::Name(property), {phase, ids, calcType, basis, values});
-  return FAILED(hr) ? hr : Write(com::Name(property), values);
+  return FAILED(hr) ? hr : Write(com::Name(property), com::Name(phase), values);
 }
 
 HRESULT FakeMaterial::CalcEquilibrium(BSTR flashType, VARIANT props) {
@@ -189,10 +234,10 @@ HRESULT FakeMaterial::GetOverallProp(BSTR property, BSTR basis, VARIANT* values)
 HRESULT FakeMaterial::GetPresentPhases(VARIANT* labels, VARIANT* statuses) {
   const HRESULT hr = script->Call("GetPresentPhases");
   if (FAILED(hr)) return hr;
-  const std::vector<std::int32_t> atEquilibrium(state.phases.size(), CAPE_ATEQUILIBRIUM);
+  const std::vector<std::int32_t> atEquilibrium(PresentPhases().size(), CAPE_ATEQUILIBRIUM);
   VariantClear(statuses);
   *statuses = com::MakeIntegers(state.statuses.empty() ? atEquilibrium : state.statuses).Detach();
-  return Labels(false, labels);
+  return Labels(PresentPhases(), labels);
 }
 
 HRESULT FakeMaterial::GetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT* values) {
@@ -202,16 +247,18 @@ HRESULT FakeMaterial::GetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, 
 
 HRESULT FakeMaterial::SetOverallProp(BSTR property, BSTR basis, VARIANT values) {
   const HRESULT hr = script->Call("SetOverallProp", com::Name(property), {basis, values});
-  return FAILED(hr) ? hr : Write(com::Name(property), values);
+  return FAILED(hr) ? hr : Write(com::Name(property), {}, values);
 }
 
 HRESULT FakeMaterial::SetPresentPhases(VARIANT labels, VARIANT statuses) {
-  return script->Call("SetPresentPhases", {}, {labels, statuses});
+  const HRESULT hr = script->Call("SetPresentPhases", {}, {labels, statuses});
+  if (SUCCEEDED(hr) && script->recording) state.present = com::ReadStrings(labels);
+  return hr;
 }
 
 HRESULT FakeMaterial::SetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT values) {
   const HRESULT hr = script->Call("SetSinglePhaseProp", com::Name(property), {phase, basis, values});
-  return FAILED(hr) ? hr : Write(com::Name(property), values);
+  return FAILED(hr) ? hr : Write(com::Name(property), com::Name(phase), values);
 }
 
 HRESULT FakeMaterial::CalcSinglePhaseProp(VARIANT props, BSTR phase) {
@@ -267,7 +314,7 @@ HRESULT FakeMaterial::GetPhaseList(VARIANT* labels, VARIANT* aggregation, VARIAN
   for (const FakePhase& phase : state.phases) states.push_back(phase.aggregation);
   VariantClear(aggregation);
   *aggregation = com::MakeStrings(states).Detach();
-  return Labels(false, labels);
+  return Labels(AllPhases(), labels);
 }
 
 }  // namespace morvelan::test

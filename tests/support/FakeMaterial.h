@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,17 @@ struct FakePhase {
   std::string aggregation;
   double fraction;
   std::map<std::string, double> properties;  // molar values by lower-case name
+  // What a unit has given the phase itself; a flash makes it that of the whole again.
+  std::optional<double> temperature = {};
+  std::optional<double> pressure = {};
+  std::vector<double> fractions = {};
+};
+
+/// At what a phase's properties are evaluated.
+struct FakeConditions {
+  double temperature = 0;              // [K]
+  double pressure = 0;                 // [Pa]
+  std::vector<double> fractions = {};  // mole fractions
 };
 
 /// What a fake material holds and offers.
@@ -39,6 +51,9 @@ struct FakeState {
   std::vector<double> formationEnthalpies = {};
   /// Under thermo 1.1: the status of each phase; empty for all at equilibrium.
   std::vector<std::int32_t> statuses = {};
+  /// Under thermo 1.1: the labels of the phases that a unit says are present; empty for all. Others have no
+  /// properties.
+  std::vector<std::string> present = {};
   /// Says that it made a copy, and gives none.
   bool givesNoCopy = false;
   /// Values written by the unit, by property; the last flash.
@@ -116,6 +131,9 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
   HRESULT GetPhaseInfo(BSTR, BSTR, VARIANT*) override { return E_NOTIMPL; }
   HRESULT GetPhaseList(VARIANT* labels, VARIANT* aggregation, VARIANT* keyCompounds) override;
 
+  /// Those of a phase, or of the whole for another label.
+  [[nodiscard]] FakeConditions ConditionsIn(const std::string& phase) const;
+
   FakeState state;
 
  protected:
@@ -123,13 +141,16 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
 
  private:
   HRESULT Read(com::Name property, com::Name phase, com::Name basis, VARIANT* values);
-  HRESULT Write(com::Name property, const VARIANT& values);
+  HRESULT Write(com::Name property, com::Name phase, const VARIANT& values);
   HRESULT Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values);
-  HRESULT Labels(bool withOverall, VARIANT* labels);
-  [[nodiscard]] double ValueIn(const FakePhase& phase, const std::string& property) const;
+  HRESULT Labels(const std::vector<std::string>& texts, VARIANT* labels);
+  [[nodiscard]] std::vector<std::string> AllPhases() const;
+  [[nodiscard]] std::vector<std::string> PresentPhases() const;
+  [[nodiscard]] double ValueIn(const FakePhase& phase, const std::string& property, bool byMass) const;
+  [[nodiscard]] double MeanWeight(const std::vector<double>& fractions) const;
   /// `given` is the enthalpy by which the flash finds the temperature; null for none.
   void Flash(std::string specifications, const char* given);
-  [[nodiscard]] double FormationEnthalpy() const;
+  [[nodiscard]] double FormationEnthalpy(const std::vector<double>& fractions) const;
 };
 
 }  // namespace morvelan::test

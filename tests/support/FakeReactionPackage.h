@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -12,7 +13,8 @@
 namespace morvelan::test {
 
 /// A reaction of a fake package. Its properties are linear in the temperature of the material that the
-/// package was handed, so that answers follow on paper and show at which state they were asked for.
+/// package was handed, so that answers follow on paper and show at which state they were asked for; or a
+/// formula of the state in the reaction's phase.
 struct FakeReaction {
   struct Line {
     double constant = 0;
@@ -27,6 +29,7 @@ struct FakeReaction {
   std::string phase = "Overall";
   std::string concentrationBasis = "Molarity";
   std::map<std::string, Line> properties = {};
+  std::map<std::string, std::function<double(const FakeConditions&)>> formulas = {};
 };
 
 /// What a fake package holds and offers.
@@ -95,9 +98,9 @@ class FakeReactionPackage final
     std::vector<double> answers;
     for (const std::string& id : com::ReadStrings(ids)) {
       const FakeReaction* reaction = Find(id);
-      const auto line = reaction ? reaction->properties.find(com::ToUtf8(property)) : NoProperty();
-      if (!reaction || line == reaction->properties.end()) return E_INVALIDARG;
-      answers.push_back(line->second.constant + line->second.slope * MaterialTemperature());
+      const auto value = reaction ? ValueOf(*reaction, com::ToUtf8(property)) : std::nullopt;
+      if (!value) return E_INVALIDARG;
+      answers.push_back(*value);
     }
     return script->Answer(com::MakeDoubles(answers), values);
   }
@@ -181,7 +184,16 @@ class FakeReactionPackage final
     const auto found = std::ranges::find(state.reactions, id, &FakeReaction::id);
     return found == state.reactions.end() ? nullptr : &*found;
   }
-  static std::map<std::string, FakeReaction::Line>::const_iterator NoProperty() { return {}; }
+
+  [[nodiscard]] std::optional<double> ValueOf(const FakeReaction& reaction,
+                                              const std::string& property) const {
+    const FakeConditions conditions = MaterialConditions(reaction.phase);
+    if (const auto formula = reaction.formulas.find(property); formula != reaction.formulas.end())
+      return material ? std::optional(formula->second(conditions)) : std::nullopt;
+    const auto line = reaction.properties.find(property);
+    if (line == reaction.properties.end()) return std::nullopt;
+    return line->second.constant + line->second.slope * conditions.temperature;
+  }
 
   template <class Give>
   HRESULT Tell(const char* what, BSTR id, Give&& give) {
@@ -193,11 +205,11 @@ class FakeReactionPackage final
     return S_OK;
   }
 
-  [[nodiscard]] double MaterialTemperature() const {
+  [[nodiscard]] FakeConditions MaterialConditions(const std::string& phase) const {
     // (No call: what a package asks of a material is its own affair.)
     const auto object = material.As<ICapeIdentification>();
     const auto* fake = dynamic_cast<const FakeMaterial*>(object.Get());
-    return fake ? fake->state.temperature : 0;
+    return fake ? fake->ConditionsIn(phase) : FakeConditions{};
   }
 
   std::set<std::string> calculated;

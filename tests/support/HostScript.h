@@ -4,6 +4,7 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,15 +58,17 @@ class HostScript {
     lastLabel = label;
     for (const Argument& argument : further) label += "/" + argument.Text();
     calls.push_back(std::move(label));
-    const bool fails = count == failAt;
-    if (interfere && count == interfereAt) std::exchange(interfere, nullptr)();
+    const bool fails = count == failAt || failing.contains(lastLabel);
+    if (interfere && (count == interfereAt || lastLabel == interferesAt)) std::exchange(interfere, nullptr)();
     return fails ? failure : S_OK;
   }
 
   /// Gives `answer`, or what the test put in its place for the call made last.
   HRESULT Answer(com::Variant answer, VARIANT* result) {
-    if (recording)
-      if (const auto odd = oddAnswers.find(lastLabel); odd != oddAnswers.end()) answer = odd->second();
+    if (recording && count == oddAt)
+      answer = oddAnswer();
+    else if (const auto odd = oddAnswers.find(lastLabel); recording && odd != oddAnswers.end())
+      answer = odd->second();
     VariantClear(result);
     *result = answer.Detach();
     return S_OK;
@@ -74,16 +77,20 @@ class HostScript {
   void Restart() {
     count = 0;
     calls.clear();
-    failAt = 0;
+    failAt = oddAt = 0;
   }
 
   bool recording = true;
   int count = 0;
   std::vector<std::string> calls;  // labels, each with its further arguments
   std::string lastLabel;
-  int failAt = 0;  // the call that fails, from 1; 0 for none
+  int failAt = 0;                      // the call that fails, from 1; 0 for none
+  std::set<std::string> failing = {};  // labels of calls that fail each time
   HRESULT failure = E_FAIL;
+  int oddAt = 0;  // the call that is answered by `oddAnswer`, from 1; 0 for none
+  std::function<com::Variant()> oddAnswer = {};
   int interfereAt = 0;                   // the call in which the host does something else, from 1
+  std::string interferesAt = {};         // or the label of the call
   std::function<void()> interfere = {};  // once
   // What the host's error interfaces say; those that are empty are offered but say nothing.
   bool offersErrors = false;

@@ -103,18 +103,22 @@ Eigen::VectorXd BaseReactorConstrained::InletFlows() const {
 }
 
 void BaseReactorConstrained::LeaveOutIdle(std::vector<ReactionRecord>& reactions) {
-  const Eigen::MatrixXd nu = StoichiometricMatrix(reactions, compounds.size());
-  const Eigen::VectorXd inletFlows = InletFlows();
-  const auto [idle, tied, direction] = FindFeasibility(nu, inletFlows);
-  // (How far a kinetic reaction goes, its rate tells.)
-  if (std::ranges::any_of(tied, [&](std::size_t r) { return reactions[r].type == CAPE_EQUILIBRIUM; }))
-    throw Failure("Infeasible system: " + std::string(kInfeasible), kScope, kInterface);
-  for (const std::size_t r : idle)
-    Note("Reaction \"" + reactions[r].name + "\" is ignored: it can't take place with this feed");
-  std::vector<ReactionRecord> possible;
-  for (std::size_t r = 0; r < reactions.size(); ++r)
-    if (!std::ranges::binary_search(idle, r)) possible.push_back(std::move(reactions[r]));
-  reactions = std::move(possible);
+  for (bool changed = true; changed;) {
+    auto [out, tied, direction] =
+        FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), InletFlows());
+    // A rate through compounds of which there is none is none.
+    const auto stays =
+        std::ranges::partition(tied, [&](std::size_t r) { return reactions[r].type == CAPE_KINETIC; });
+    out.insert(out.end(), tied.begin(), stays.begin());
+    if (out.empty() && !tied.empty())
+      throw Failure("Infeasible system: " + std::string(kInfeasible), kScope, kInterface);
+    std::ranges::sort(out);
+    for (const std::size_t r : out)
+      Note("Reaction \"" + reactions[r].name + "\" is ignored: it can't take place with this feed");
+    for (auto r = out.rbegin(); r != out.rend(); ++r)
+      reactions.erase(reactions.begin() + static_cast<std::ptrdiff_t>(*r));
+    changed = !out.empty();
+  }
   if (reactions.empty()) Note("No reactions are possible");
 }
 

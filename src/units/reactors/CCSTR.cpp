@@ -176,7 +176,10 @@ std::string CCSTR::FindCatalystFault() {
 
 bool CCSTR::ValidateUnit(std::string& message) {
   if (!HasMaterials(message)) return false;
-  if (SelectedReactions().empty()) message = "No reaction specified";
+  if (SelectedReactions().empty())
+    message = "No reaction specified";
+  else if (IsCalculating() && !HasReactionPackage())
+    message = kNoReactionPackage;
   if (!message.empty() || !HasReactions(message)) return false;
   message = FindDependence();
   if (!message.empty() || !HasHeatSpecification(message)) return false;

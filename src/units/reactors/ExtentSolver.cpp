@@ -104,8 +104,9 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
       {.tolerance = tolerance, .maxIterations = maxIterations, .positiveUnknowns = unknowns.Positive()});
   if (!result.success) return {.errorText = result.errorText};
   ExtentTrial solution = unknowns.Trial(x);
-  // The penalty is small where only a little is missing.
-  if (solution.flows.minCoeff() < -kRounding * equations.inletFlows.sum())
+  // The penalty is small where only a little is missing. (Some hosts' feeds lack a trace themselves.)
+  const double missing = std::min(equations.inletFlows.minCoeff(), 0.0);
+  if (solution.flows.minCoeff() < missing - kRounding * equations.inletFlows.sum())
     return {.errorText = "the reactions would need more of a compound than there is"};
   return {.success = true, .trial = std::move(solution), .iterations = result.iterations};
 }

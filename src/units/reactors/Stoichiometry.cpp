@@ -3,6 +3,7 @@
 #include <Eigen/LU>
 #include <Eigen/QR>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
 
@@ -111,7 +112,9 @@ ExtentRange RangeOfExtent(const VectorXd& coefficients, const VectorXd& flows) {
     if (coefficients[j] > 0) range.lowest = std::max(range.lowest, end);
   }
   // Mass comes from nothing in a package's mistake only; then the feed shall be enough.
-  return {std::max(range.lowest, -flows.sum()), std::min(range.highest, flows.sum())};
+  if (std::isinf(range.lowest)) range.lowest = -flows.sum();
+  if (std::isinf(range.highest)) range.highest = flows.sum();
+  return range;
 }
 
 Feasibility FindFeasibility(const MatrixXd& nu, const VectorXd& inletFlows) {

@@ -1,9 +1,6 @@
 // A FixedConversionReactor through the door that hosts use. Its feed is 2 mol/s of A at 300 K unless a case
 // says otherwise; 100 W heat it by 1 K.
 
-#include <cmath>
-#include <numeric>
-
 #include "tests/units/reactors/ReactorBench.h"
 
 namespace morvelan::test {
@@ -78,19 +75,13 @@ const ConversionCase kConversions[] = {
      "Conversion too high"},
 };
 
-void SetFeed(ReactorBench& bench, const std::vector<double>& flows) {
-  FakeState& feed = bench.At("Inlet");
-  feed.flow = std::accumulate(flows.begin(), flows.end(), 0.0);
-  for (std::size_t i = 0; i < flows.size(); ++i) feed.fractions[i] = flows[i] / feed.flow;
-}
-
 TEST(CFixedConversionReactor, Converts) {
   for (const bool thermo11 : {false, true})
     for (const ConversionCase& c : kConversions) {
       SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11);
       ReactorBench bench(thermo11);
       bench.Select(c.names, c.keys, c.conversions, c.serial);
-      SetFeed(bench, c.feed);
+      bench.Feed(c.feed);
       if (c.product.empty()) {
         CheckFailedCalculation(bench.door, c.error, *c.errorName ? c.errorName : c.error);
         EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
@@ -110,7 +101,7 @@ TEST(CFixedConversionReactor, TakesNoMoreThanThereIs) {
   for (int i = 1; i <= 200; ++i) {
     ReactorBench bench;
     bench.Select(R"("3A to B")", R"("A")", "1");
-    SetFeed(bench, {i * 0.0137, 0.1, 0});
+    bench.Feed({i * 0.0137, 0.1, 0});
     bench.Calculate();
     EXPECT_GE(bench.Flows()[0], 0) << i;
     EXPECT_LE(bench.Flows()[0], 1e-15 * i) << i;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <numeric>
+
 #include "tests/support/FakeReactionPackage.h"
 #include "tests/units/UnitBench.h"
 
@@ -35,11 +37,39 @@ inline FakePackageState ReactorPackage() {
           }};
 }
 
+/// A reaction at equilibrium in the vapour of the feed, by mole fractions.
+inline FakeReaction AtEquilibrium(const char* id, std::vector<std::string> compounds,
+                                  std::vector<double> coefficients, double constant,
+                                  double heatOfReaction = -10000) {
+  return {.id = id,
+          .compounds = std::move(compounds),
+          .coefficients = std::move(coefficients),
+          .phase = "Vapor",
+          .concentrationBasis = "MoleFraction",
+          .properties = {{"chemicalEquilibriumConstant", {constant, 0}},
+                         {"enthalpyOfReaction", {heatOfReaction, 0}}}};
+}
+
+/// A kinetic reaction in the vapour of the feed.
+inline FakeReaction AtRate(const char* id, std::vector<std::string> compounds,
+                           std::vector<double> coefficients,
+                           std::function<double(const FakeConditions&)> rate,
+                           std::int32_t basis = CAPE_HOMOGENEOUS) {
+  return {.id = id,
+          .compounds = std::move(compounds),
+          .coefficients = std::move(coefficients),
+          .type = CAPE_KINETIC,
+          .rateBasis = basis,
+          .phase = "Vapor",
+          .properties = {{"enthalpyOfReaction", {-10000, 0}}},
+          .formulas = {{"reactionRate", std::move(rate)}}};
+}
+
 /// A reactor with a reaction package in a fake host.
 struct ReactorBench : UnitBench {
   explicit ReactorBench(bool thermo11 = true, const char* className = "FixedConversionReactor",
-                        FakePackageState packageState = ReactorPackage())
-      : UnitBench(className, thermo11, ReactorFeed()),
+                        FakePackageState packageState = ReactorPackage(), FakeState feedState = ReactorFeed())
+      : UnitBench(className, thermo11, std::move(feedState)),
         package(com::Make<FakeReactionPackage>(script, std::move(packageState))) {
     Rename("R-1");
     EXPECT_EQ(Assign(package.Get()), S_OK);
@@ -60,6 +90,15 @@ struct ReactorBench : UnitBench {
               "], \"reactionConversions\": [" + conversions +
               "], \"serialReactions\": " + (serial ? "true}" : "false}"));
   }
+  /// Selects the reactions of a unit that wants no more than their names, each in quotes.
+  void Select(const std::string& names) { Configure("{\"reactionNames\": [" + names + "]}"); }
+  /// Feeds component flows [mol/s].
+  void Feed(const std::vector<double>& flows) {
+    FakeState& inlet = At("Inlet");
+    inlet.flow = std::accumulate(flows.begin(), flows.end(), 0.0);
+    inlet.fractions.clear();
+    for (const double flow : flows) inlet.fractions.push_back(flow / inlet.flow);
+  }
   [[nodiscard]] std::string Configuration() const {
     com::Bstr json;
     EXPECT_EQ(door.unit.As<IUnitConfiguration>()->GetConfiguration(json.Put()), S_OK);
@@ -78,5 +117,13 @@ struct ReactorBench : UnitBench {
 
   com::Ref<FakeReactionPackage> package;
 };
+
+/// Component flows [mol/s] at the outlet, one per compound.
+inline void ExpectFlows(ReactorBench& bench, const std::vector<double>& expected, double tolerance) {
+  const std::vector<double> flows = bench.Flows();
+  ASSERT_EQ(flows.size(), expected.size());
+  for (std::size_t i = 0; i < flows.size(); ++i)
+    EXPECT_NEAR(flows[i], expected[i], tolerance) << "compound " << i;
+}
 
 }  // namespace morvelan::test
