@@ -190,6 +190,7 @@ const HeatCase kHeatCases[] = {
     {"cold at both", 1000, 300, 305, "between 300 K and 305 K", {kLowBelow, kHighBelow}},
     {"reversed and cold", 1000, 305, 300, "between 300 K and 305 K", {kReversed, kLowBelow, kHighBelow}},
     {"cold, no lower end", 1000, {}, 305, "(no temperature range for heat transfer)", {kHighBelow}},
+    {"cold, no upper end", 1000, 305, {}, "between 305 K and N/A", {kLowBelow}},
     {"cold enough", -1000, 250, 290, "between 250 K and 290 K", {}},
     {"warm at one end", -1000, 250, 295, "between 250 K and 295 K", {kHighAbove}},
     {"warm at both", -1000, 295, 300, "between 295 K and 300 K", {kLowAbove, kHighAbove}},
