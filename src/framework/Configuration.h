@@ -23,7 +23,8 @@ using Json = nlohmann::ordered_json;
                                                std::int32_t lowest, std::int32_t highest,
                                                std::int32_t otherwise);
 
-/// The position among `choices` of a text, or `otherwise` when the key is absent. Throws Failure.
+/// The position among `choices` of a text, ignoring case, or `otherwise` when the key is absent. Throws
+/// Failure.
 [[nodiscard]] std::size_t ReadConfiguredChoice(const Json& configuration, const char* key,
                                                const std::vector<std::string>& choices,
                                                std::size_t otherwise);

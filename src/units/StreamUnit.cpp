@@ -1,6 +1,7 @@
 #include "units/StreamUnit.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "framework/ReportFormat.h"
 #include "material/MissingValue.h"
@@ -23,6 +24,8 @@ double ReadEnthalpy(const CUnitPort& port, const com::Variant& values) {
   const double enthalpy = material::ReadOneDouble(values.Get());
   if (IsMissing(enthalpy))
     throw Failure("the enthalpy of the material on port " + port.ComponentName() + " is not set");
+  if (!std::isfinite(enthalpy))
+    throw Failure("the enthalpy of the material on port " + port.ComponentName() + " is infinite");
   return enthalpy;
 }
 

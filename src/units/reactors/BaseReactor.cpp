@@ -132,6 +132,7 @@ void BaseReactor::TakePackage(IDispatch* object) {
 
 /// A package whose reactions can't be listed is a package all the same; why stays as the last error.
 void BaseReactor::ListReactions(IDispatch* object) try {
+  const auto taken = reactionPackage;
   HRESULT failure = S_OK;
   const auto chemistry = com::Query<ICapeReactionChemistry>(object, &failure);
   if (!chemistry)
@@ -147,8 +148,7 @@ void BaseReactor::ListReactions(IDispatch* object) try {
                          return Failure("format error in array of reaction IDs from reaction object: " + why);
                        });
   // Unless the host has assigned another package meanwhile.
-  if (com::Query<ICapeReactionProperties>(object).Get() == reactionPackage.Get())
-    reactionIds = std::move(listed);
+  if (taken.Get() == reactionPackage.Get()) reactionIds = std::move(listed);
 } catch (Failure& failure) {
   failure.error.scope = kSetScope;
   failure.error.interfaceName = kSetInterface;
@@ -160,16 +160,17 @@ void BaseReactor::Resolve(std::span<const ReactionRequest> requests, const std::
   ReactionResolver resolver = Resolver();
   std::vector<ReactionRecord> resolved;
   for (const ReactionRequest& request : requests) {
-    std::string fault;
-    try {
-      resolved.push_back(Recorded("Validate", "ICapeUnit", [&] { return resolver.Resolve(request); }));
-      fault = findFault(resolved.size() - 1, resolved.back());
-    } catch (const Failure& failure) {
-      fault = failure.error.description;
-    }
-    if (!fault.empty())
+    const auto refuse = [&](const std::string& fault) {
       throw Failure("Error for reaction " + quote + request.name + quote + ": " + fault, "Calculate",
                     "ICapeUnit");
+    };
+    try {
+      resolved.push_back(Recorded("Validate", "ICapeUnit", [&] { return resolver.Resolve(request); }));
+    } catch (const Failure& failure) {
+      refuse(failure.error.description);
+    }
+    if (const std::string fault = findFault(resolved.size() - 1, resolved.back()); !fault.empty())
+      refuse(fault);
   }
   compounds = resolver.InletCompounds();
   records = std::move(resolved);

@@ -153,7 +153,8 @@ ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionR
   ExtentSolution solution = Solve(equations);
   std::vector<double> residuals(reactions.size());
   std::string why;
-  if (evaluated != solution.trial.extents && !equations.residual(solution.trial, residuals, why))
+  const bool isAt = evaluated.size() == solution.trial.extents.size() && evaluated == solution.trial.extents;
+  if (!isAt && !equations.residual(solution.trial, residuals, why))
     throw Failure("Solution failed: " + why, kScope, kInterface);
   for (std::size_t r = 0; r < reactions.size(); ++r) {
     const std::string quoted = "eaction \"" + reactions[r].name + "\":\t";

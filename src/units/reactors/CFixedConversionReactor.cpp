@@ -93,8 +93,8 @@ void CFixedConversionReactor::React() {
   const double heatOfReaction = TotalHeatOfReaction(converted.extents);
   const std::optional<double> duty = CloseHeatBalance(type, source, feedEnthalpyFlow, heatOfReaction);
   WarnOfInfeasibleHeat(source, product.temperature);
-  NotePhases();
   PublishHeat(type, duty);
+  NotePhases();
 }
 
 Converted CFixedConversionReactor::Convert() const {

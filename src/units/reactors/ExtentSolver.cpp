@@ -21,7 +21,7 @@ constexpr double kLargestDeficit = 0.1;
 /// How much of the feed rounding may take too much of a compound.
 constexpr double kRounding = 1e-13;
 /// What a compound's flow may be at least, relative to the feed, to measure others by it.
-constexpr double kSmallestScale = 1e-200;
+constexpr double kSmallestScale = 1e-280;
 
 Index Signed(std::size_t i) { return static_cast<Index>(i); }
 

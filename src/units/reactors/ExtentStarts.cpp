@@ -25,7 +25,7 @@ constexpr double kTrace = 1e-2;
 constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
 
 // An extent is at the fraction 1 / (1 + exp(-t)) of its range.
-constexpr double kLargestT = 300;
+constexpr double kLargestT = 600;
 constexpr double kToleranceOfT = 0.02;
 constexpr double kSmallestStep = 0.01;  // of t
 constexpr int kMostSteps = 30;
@@ -49,6 +49,19 @@ ExtentTrial Beginning(const ExtentEquations& equations, double part) {
   const VectorXd direction = FindFeasibility(equations.nu, equations.inletFlows).direction;
   const double most = RangeOfExtent(equations.nu * direction, equations.inletFlows).highest;
   return TrialAt(equations, part * most * direction, equations.temperature);
+}
+
+/// Every reaction half way, so that there is some of every compound.
+ExtentTrial HalfWay(const ExtentEquations& equations) {
+  ExtentTrial trial = Beginning(equations, kBeginnings[0]);
+  for (Index r = 0; r < equations.nu.cols(); ++r) {
+    const VectorXd coefficients = equations.nu.col(r);
+    const ExtentRange range = RangeOfExtent(coefficients, trial.flows);
+    const double step = 0.5 * (range.lowest + range.highest);
+    trial.extents[r] += step;
+    trial.flows += step * coefficients;
+  }
+  return Balanced(equations, trial);
 }
 
 /// A way on which the flows change, to the ends of it where compounds are used up.
@@ -95,7 +108,7 @@ std::optional<double> FindRise(double t, Residual&& residual) {
   if (!residual(t, value, why)) return std::nullopt;
   const double way = value > 0 ? -1 : 1;
   double step = 1;
-  for (int i = 0; i < kMostSteps && step > kSmallestStep && std::abs(t) < kLargestT; ++i) {
+  for (int i = 0; i < kMostSteps && step > kSmallestStep && way * t < kLargestT; ++i) {
     const double next = std::clamp(t + way * step, -kLargestT, kLargestT);
     double nextValue = 0;
     if (!residual(next, nextValue, why)) {
@@ -114,7 +127,7 @@ std::optional<double> FindRise(double t, Residual&& residual) {
 
 /// Solves for one extent, and returns by how much its t changed.
 double SolveOne(const ExtentEquations& equations, const VectorXd& direction, ExtentTrial& trial) {
-  const VectorXd flows = equations.nu * direction;
+  const VectorXd flows = WithoutRounding(equations.nu * direction);
   const Way way(trial, direction, flows);
   if (!way.LeadsAnywhere()) return 0;
   VectorXd residuals(equations.nu.cols() + (equations.temperatureIsUnknown ? 1 : 0));
@@ -177,18 +190,6 @@ std::vector<Index> ScarceCompounds(const MatrixXd& nu, const VectorXd& flows) {
     scarce.push_back(j);
   }
   return scarce;
-}
-
-ExtentTrial HalfWay(const ExtentEquations& equations) {
-  ExtentTrial trial = Beginning(equations, kBeginnings[0]);
-  for (Index r = 0; r < equations.nu.cols(); ++r) {
-    const VectorXd coefficients = equations.nu.col(r);
-    const ExtentRange range = RangeOfExtent(coefficients, trial.flows);
-    const double step = 0.5 * (range.lowest + range.highest);
-    trial.extents[r] += step;
-    trial.flows += step * coefficients;
-  }
-  return Balanced(equations, trial);
 }
 
 ExtentTrial HardlyBegun(const ExtentEquations& equations) { return Beginning(equations, kTrace); }

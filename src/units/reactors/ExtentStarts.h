@@ -19,13 +19,9 @@ namespace morvelan {
 [[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu,
                                                         const Eigen::VectorXd& flows);
 
-// Where a solution may be looked for when it isn't found from the feed. A heat balance that is an equation
-// closes where it can.
+// Where a solution may be looked for when it isn't found from the feed.
 
-/// Every reaction half way, so that there is some of every compound.
-[[nodiscard]] ExtentTrial HalfWay(const ExtentEquations& equations);
-
-/// So little reaction that there is a trace of every compound.
+/// So little reaction that there is a trace of every compound, at the temperature of the feed.
 [[nodiscard]] ExtentTrial HardlyBegun(const ExtentEquations& equations);
 
 /// What solving for one extent after the other comes to. Where all equations are those of equilibria they are

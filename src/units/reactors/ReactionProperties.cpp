@@ -83,7 +83,8 @@ double ReactionProperties::Read(com::Name property, const std::string& phase, co
                                      values.Put()),
             package.Get(), explain);
   const double value = material::ReadScalar(values.Get(), invalid);
-  if (!std::isfinite(value)) throw invalid("value is infinite");
+  const bool isTooLarge = std::isinf(value) && value > 0 && property == names::kChemicalEquilibriumConstant;
+  if (!std::isfinite(value) && !isTooLarge) throw invalid("value is infinite");
   return value;
 }
 

@@ -34,7 +34,7 @@ class ReactionProperties {
   void HandOver(const std::string& failed);
 
   /// The finite value of a property of one reaction on mole basis, calculated first where the package has a
-  /// routine for that.
+  /// routine for that. A constant that is too large for a number may be infinite.
   [[nodiscard]] double Read(com::Name property, const std::string& phase, const std::string& reaction,
                             const ReactionPropertyTexts& texts);
 

@@ -41,7 +41,8 @@ class StirredTankEquations {
   /// heterogeneous reaction is that of one kg of catalyst.
   [[nodiscard]] const std::vector<double>& Results() const { return results; }
   [[nodiscard]] bool IsAt(const ExtentTrial& trial) const {
-    return evaluated.extents == trial.extents && evaluated.temperature == trial.temperature;
+    return evaluated.extents.size() == trial.extents.size() && evaluated.extents == trial.extents &&
+           evaluated.temperature == trial.temperature;
   }
 
  private:

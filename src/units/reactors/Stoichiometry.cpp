@@ -16,6 +16,7 @@ using Eigen::VectorXd;
 
 /// What a coefficient may deviate from a combination of others, relative to the greatest.
 constexpr double kDependenceTolerance = 1e-9;
+constexpr double kRounding = 1e-12;  // of the greatest coefficient
 
 Index Signed(std::size_t i) { return static_cast<Index>(i); }
 
@@ -60,11 +61,18 @@ VectorXd LeastRemainder(const MatrixXd& columns, const VectorXd& vector) {
 
 }  // namespace
 
+VectorXd WithoutRounding(const VectorXd& coefficients) {
+  const double least = kRounding * coefficients.lpNorm<Eigen::Infinity>();
+  return (coefficients.array().abs() > least).select(coefficients, 0);
+}
+
 MatrixXd StoichiometricMatrix(std::span<const ReactionRecord> reactions, std::size_t compoundCount) {
   MatrixXd nu = MatrixXd::Zero(Signed(compoundCount), Signed(reactions.size()));
-  for (std::size_t r = 0; r < reactions.size(); ++r)
+  for (std::size_t r = 0; r < reactions.size(); ++r) {
     for (std::size_t i = 0; i < reactions[r].coefficients.size(); ++i)
       nu(reactions[r].compoundIndices[i], Signed(r)) += reactions[r].coefficients[i];
+    nu.col(Signed(r)) = WithoutRounding(nu.col(Signed(r)));
+  }
   return nu;
 }
 

@@ -9,6 +9,9 @@
 
 namespace morvelan {
 
+/// Coefficients without what rounding leaves of those that cancel.
+[[nodiscard]] Eigen::VectorXd WithoutRounding(const Eigen::VectorXd& coefficients);
+
 /// Net stoichiometric coefficients: one row per compound of the feed, one column per reaction. (A package may
 /// list a compound twice, as reactant and as product.)
 [[nodiscard]] Eigen::MatrixXd StoichiometricMatrix(std::span<const ReactionRecord> reactions,

@@ -1,8 +1,8 @@
 // A CSTR through the door that hosts use. Its feed is 2 mol/s of A at 300 K unless a case says otherwise, and
 // its tank of 2 m3 is full of vapour; 100 W heat the feed by 1 K.
 
+#include <charconv>
 #include <cmath>
-#include <regex>
 
 #include "tests/support/SystemText.h"
 #include "tests/units/reactors/CstrBench.h"
@@ -263,18 +263,21 @@ TEST(CCSTR, LowersThePressure) {
 
 /// Numbers that a solution finds only nearly are as good as others to nine digits.
 std::string Rounded(const std::string& report) {
-  static const std::regex number(R"(\d+\.\d{9,})");
   std::string rounded;
-  auto from = report.begin();
-  for (auto it = std::sregex_iterator(report.begin(), report.end(), number); it != std::sregex_iterator();
-       ++it) {
-    char buffer[32];
-    const auto end =
-        std::to_chars(buffer, buffer + sizeof buffer, std::stod(it->str()), std::chars_format::general, 9);
-    rounded.append(from, it->operator[](0).first).append(buffer, end.ptr);
-    from = it->operator[](0).second;
+  for (std::size_t from = 0; from < report.size();) {
+    const std::size_t end = std::min(report.find_first_not_of("0123456789.", from), report.size());
+    double number = 0;
+    const auto read = std::from_chars(report.data() + from, report.data() + end, number);
+    char digits[32];
+    if (read.ec == std::errc() && end - from > 10)
+      rounded.append(digits,
+                     std::to_chars(digits, std::end(digits), number, std::chars_format::general, 9).ptr);
+    else
+      rounded.append(report, from, end - from);
+    if (end < report.size()) rounded += report[end];
+    from = end + 1;
   }
-  return rounded.append(from, report.end());
+  return rounded;
 }
 
 // Constant rates: 0.25 mol/(m3 s) in 3 m3 less 1 m3 of catalyst, and 0.025 mol/(kg s) on 10 kg. They release

@@ -56,10 +56,12 @@ TEST(CstrSolution, RefusesReactionsThatTakePlaceOnlyTogether) {
       "may take place with a rank less than the total number of the reactions; an insufficient number of "
       "individual reactions can be eliminated");
   EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
-  // A rate tells how far a reaction goes.
+  // A rate through compounds of which there is none is none, and then nothing is left of the other.
   bench.Select(R"("R1", "K")");
   bench.Put("Reactor volume", 2);
   bench.Calculate();
+  ExpectFlows(bench, {1, 1, 0, 0}, 0);
+  EXPECT_EQ(bench.context->log.back(), "No reactions are possible");
 }
 
 // ---- Evaluations that fail

@@ -91,9 +91,19 @@ TEST(EquilibriumSolution, RefusesReactionsThatTakePlaceOnlyTogether) {
     bench.Select(R"("R1", "R2")");
     CheckFailedCalculation(bench.door, kInfeasible);
     EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
-    // Some of B tells how far they go.
+    // Some of B tells how far they go: with e of each undone, (1 - 2 e) (3 + 2 e) = (1 + e) 2 e.
     bench.Feed({1, 1, 1, 0});
     bench.Calculate();
+    const double e = (std::sqrt(3.0) - 1) / 2;
+    ExpectFlows(bench, {1 + e, 1 + e, 1 - 2 * e, 2 * e}, 1e-6);
+  }
+}
+
+TEST(EquilibriumSolution, KnowsNoDifferenceBetweenConstantsBeyondAllMeasure) {
+  for (const double constant : {1e150, 1e250, std::numeric_limits<double>::infinity()}) {
+    EquilibriumBench bench(true, AtEquilibrium("R1", {"A", "B"}, {-1, 1}, constant));
+    bench.Calculate();
+    ExpectFlows(bench, {0, 2, 0}, 1e-100);
   }
 }
 
@@ -142,7 +152,7 @@ const Fault kFaults[] = {
      "found"},
     {"a constant that is no number", kConstant, [] { return One(kNaN); },
      "Invalid format for chemicalEquilibriumConstant for reaction R1: value is not set"},
-    {"an infinite constant", kConstant, [] { return One(std::numeric_limits<double>::infinity()); },
+    {"an infinite constant", kConstant, [] { return One(-std::numeric_limits<double>::infinity()); },
      "Invalid format for chemicalEquilibriumConstant for reaction R1: value is infinite"},
     {"no fractions", kFractions, nullptr,
      "Failed to get mole fractions for phase Vapor: failed to get property Fraction from material connected "

@@ -109,7 +109,8 @@ TEST(ReactorQuirks, AnEquilibriumReactorPenalizesOncePerReaction) {
     bench.Feed({0.5, 2, -1e-3 * std::sqrt(0.75), 0.5});
     bench.Select(two ? R"("R1", "R5")" : R"("R1")");
     (void)bench.door.unit->Calculate();
-    EXPECT_EQ(Trials(bench).size() == 2, !two) << "the start, and the outlet";
+    const std::size_t trials = Trials(bench).size();
+    EXPECT_TRUE(two ? trials > 2 : trials == 2) << trials << ": the start, and the outlet";
   }
 }
 
