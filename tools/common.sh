@@ -21,18 +21,28 @@ install_missing() {
   DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET [TARGET...]: configures once and builds; the log shows only when it fails.
+# build PRESET [TARGET...]: configures once and builds. It says every few seconds how far it is; the log shows when it
+# fails.
 build() {
-  local preset=$1 log=$root/build/$1.log system=native
+  local preset=$1 log=$root/build/$1.log system=native progress
   shift
   mkdir -p "$root/build"
   [ "$preset" != windows ] || system=windows
   "$root/cmake/prepare-numerics" "$system"
+  echo "Building $preset${*:+ ($*)}" >&2
+  : >"$log"
+  while sleep 10; do tail -n 1 "$log" | cut -c 1-100 | sed 's/^/  /' >&2; done &
+  progress=$!
   (
     cd "$root"
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build --preset "$preset" ${*:+--target "$@"}
-  ) >"$log" 2>&1 || { cat "$log" >&2; echo "The $preset build failed; see $log" >&2; exit 1; }
+  ) >"$log" 2>&1 && kill "$progress" || {
+    kill "$progress"
+    cat "$log" >&2
+    echo "The $preset build failed; see $log" >&2
+    exit 1
+  }
 }
 
 # Cross-compiling for Windows, running the outcome, and its installer.

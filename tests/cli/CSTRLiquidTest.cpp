@@ -6,8 +6,7 @@
 
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::cstr_liquid {
 
 constexpr double kT = 345;       // [K]
 constexpr double kFlow = 1;      // [mol/s]
@@ -105,5 +104,4 @@ TEST(CSTRLiquid, KeepsItsEnthalpyWithoutHeat) {
   EXPECT_FALSE(IsLogged(results, "WARNING")) << results["log"];
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::cstr_liquid

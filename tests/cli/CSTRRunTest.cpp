@@ -6,8 +6,7 @@
 
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::cstr_run {
 
 constexpr double kT = 500;                                 // [K]
 constexpr double kP = 2e5;                                 // [Pa]
@@ -253,5 +252,4 @@ TEST(CSTRRun, MeetsClosedForms) {
     }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::cstr_run

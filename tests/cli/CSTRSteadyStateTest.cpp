@@ -6,8 +6,7 @@
 
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::cstr_steady_state {
 
 constexpr double kFeedT = 300;                  // [K]
 constexpr double kP = 1e5;                      // [Pa]
@@ -106,5 +105,4 @@ TEST(CSTRSteadyState, IsTheOneNextToTheFeed) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::cstr_steady_state

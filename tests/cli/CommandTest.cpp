@@ -6,8 +6,7 @@
 
 #include "tests/cli/CommandRun.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::command {
 
 struct Invocation {
   const char* arguments;
@@ -172,5 +171,4 @@ TEST(Command, PrintsStreamsSideBySideInLinesThatFit) {
   EXPECT_TRUE(outcome.output.starts_with("Größe\n")) << outcome.output;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::command

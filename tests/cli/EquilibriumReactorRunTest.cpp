@@ -9,8 +9,7 @@
 #include "tests/cli/GasEquilibrium.h"
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::equilibrium_reactor_run {
 
 constexpr double kTolerance = 1e-9;          // that the reactor is given, of ln Q - ln K
 constexpr double kFractionTolerance = 1e-6;  // relative, with room for what the solution is sensitive to
@@ -210,5 +209,4 @@ TEST(EquilibriumReactorRun, TurnsFourFifthsWhereTheConstantIsFour) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::equilibrium_reactor_run

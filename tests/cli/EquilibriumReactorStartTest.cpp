@@ -11,8 +11,7 @@
 #include "tests/cli/GasEquilibrium.h"
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::equilibrium_reactor_start {
 
 constexpr double kFlows[] = {1e-8, 1, 1e4};  // [mol/s]
 constexpr double kUnknownDigits = 1e-10;  // of ln K and of fractions, as this test and the reactor have them
@@ -286,5 +285,4 @@ TEST(EquilibriumReactorStart, PassesAFeedWithoutPossibleReactions) {
   EXPECT_TRUE(IsLogged(results, "No reactions are possible")) << results["log"];
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::equilibrium_reactor_start

@@ -4,8 +4,7 @@
 
 #include "tests/cli/BadFiles.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::flowsheet_file {
 
 constexpr const char* kValid = R"({
   "title": "Valid",
@@ -256,5 +255,4 @@ TEST(FlowsheetFile, MayBringCompounds) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::flowsheet_file

@@ -4,8 +4,7 @@
 
 #include "tests/cli/CommandRun.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::no_operation_run {
 
 // The unit copies the state and the host flashes it anew from the same numbers.
 constexpr double kUnchanged = 1e-9;
@@ -174,5 +173,4 @@ TEST(NoOperationRun, WritesWhatDidSolve) {
   EXPECT_NE(outcome.output.find("Not calculated: d e"), std::string::npos) << outcome.output;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::no_operation_run

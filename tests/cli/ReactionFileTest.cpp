@@ -5,8 +5,7 @@
 
 #include "tests/cli/BadFiles.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reaction_file {
 
 constexpr const char* kValid = R"({
   "thermo": {
@@ -121,5 +120,4 @@ TEST(ReactionFile, IsRefusedWithThePlaceWhenItIsWrong) {
     ExpectRefused(RunFlowsheet(Changed(kValid, bad)), bad.place, bad.words, std::string(bad.pointer) + ": ");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reaction_file

@@ -7,8 +7,7 @@
 
 #include "tests/cli/CommandRun.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reaction_handover {
 
 constexpr const char* kManifest = R"({"classes": [
     {"clsid": "{5C1BD7C0-5B9A-4D43-8F4D-7B1A3C0E9D55}", "progId": "Test.ReactionTaker",
@@ -74,5 +73,4 @@ TEST_F(ReactionHandover, NamesAUnitThatRefusesThem) {
       << outcome.errors;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reaction_handover

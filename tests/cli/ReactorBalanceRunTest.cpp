@@ -6,8 +6,7 @@
 
 #include "tests/cli/ReactorFlowsheet.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reactor_balance_run {
 
 constexpr double kElementTolerance = 1e-10;
 constexpr double kEnergyTolerance = 1e-8;
@@ -228,5 +227,4 @@ TEST(ReactorBalanceRun, IsTheSameToTheBitForRestoredReactors) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reactor_balance_run

@@ -4,8 +4,7 @@
 
 #include "tests/cli/CommandRun.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::recycle {
 
 constexpr double kTolerance = 1e-6;
 
@@ -89,5 +88,4 @@ TEST(Recycle, LogsItsLastRoundOnly) {
                                                  "Split warning: limiting outlet pressure to 1 Pa"}));
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::recycle

@@ -7,8 +7,7 @@
 
 #include "tests/cli/CommandRun.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::stream_unit_run {
 
 constexpr double kMassTolerance = 1e-12;
 constexpr double kEnergyTolerance = 1e-9;
@@ -329,5 +328,4 @@ TEST(StreamUnitRun, ShowsItsFace) {
     EXPECT_EQ(RunCommand(std::string("describe ") + face.unit).output, face.text) << face.unit;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::stream_unit_run

@@ -9,8 +9,7 @@
 #include "com/Ref.h"
 #include "com/Values.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::automation {
 
 VARIANT Plain(VARTYPE type) {
   VARIANT variant;
@@ -253,5 +252,4 @@ TEST(Streams, GrowInMemory) {
   EXPECT_NE(clone->Seek(move, STREAM_SEEK_END, nullptr), S_OK);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::automation

@@ -10,8 +10,7 @@
 #include "cape_open.h"
 #include "com/Text.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::interfaces {
 
 constexpr int kFirstOwnSlot = 8;  // after the seven of IDispatch, counted from 1
 
@@ -166,5 +165,4 @@ TEST(Interfaces, PassValuesInTheWidthsOfTheWire) {
   EXPECT_EQ(CAPE_KINETIC, 1);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::interfaces

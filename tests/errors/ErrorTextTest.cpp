@@ -6,8 +6,7 @@
 #include "errors/ErrorText.h"
 #include "tests/support/SystemText.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::error_text {
 
 struct CodeText {
   std::uint32_t code;
@@ -50,5 +49,4 @@ TEST(ErrorText, ExplainsCodesWithoutAnObject) {
     EXPECT_EQ(ErrorText(nullptr, static_cast<HRESULT>(c.code)), InThisSystemsWords(c.text));
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::error_text

@@ -11,8 +11,7 @@
 #include "tests/support/MessageBoxes.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::base_unit {
 
 constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 
@@ -676,5 +675,4 @@ TEST(BaseUnit, SelectsReportsByName) {
             "Last run");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::base_unit

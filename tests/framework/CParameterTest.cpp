@@ -10,8 +10,7 @@
 #include "tests/support/Door.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::parameter {
 
 constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 constexpr double kUnset = -1.7976931348623157e308;
@@ -541,5 +540,4 @@ TEST(ReportFormat, PrintsOneLinePerParameter) {
   EXPECT_EQ(FormatColumn(1.0 / 3), "    0.333333");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::parameter

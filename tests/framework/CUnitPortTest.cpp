@@ -8,8 +8,7 @@
 #include "tests/support/Faults.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::unit_port {
 
 constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 
@@ -441,5 +440,4 @@ TEST(CUnitInfoPort, ExplainsEveryFailingHostCallAndRecovers) {
       }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::unit_port

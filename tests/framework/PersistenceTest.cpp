@@ -11,8 +11,7 @@
 #include "tests/support/StreamEncoder.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::persistence {
 
 constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 constexpr double kMost = 1.7976931348623157e308;
@@ -556,5 +555,4 @@ TEST(Persistence, StaysConnectedAndRefusesToLoadWhileCalculated) {
   EXPECT_EQ(material->References(), 1u);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::persistence

@@ -4,8 +4,7 @@
 
 #include "tests/host/ThermoTestSupport.h"
 
-namespace morvelan::host {
-namespace {
+namespace morvelan::host::test::compound_data {
 
 using nlohmann::json;
 
@@ -164,5 +163,4 @@ TEST(PackageFactory, UsesInteractionsAsAsked) {
   EXPECT_LT(lnPhi(), builtIn - 1e-3);  // less kij is more attraction, hence a lower fugacity
 }
 
-}  // namespace
-}  // namespace morvelan::host
+}  // namespace morvelan::host::test::compound_data

@@ -2,8 +2,7 @@
 
 #include "tests/host/ThermoTestSupport.h"
 
-namespace morvelan::host {
-namespace {
+namespace morvelan::host::test::energy_flash {
 
 struct Grid {
   const char* name;
@@ -191,5 +190,4 @@ TEST(EnergyFlash, SaysWhichRangeItSearched) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::host
+}  // namespace morvelan::host::test::energy_flash

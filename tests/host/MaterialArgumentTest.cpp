@@ -6,8 +6,7 @@
 
 #include "tests/host/HostMaterials.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::material_argument {
 
 using host::ThermoOffer;
 
@@ -215,5 +214,4 @@ TEST(HostMaterial, ListsWhatItCalculatesAndNothingElse) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::material_argument

@@ -6,8 +6,7 @@
 
 #include "tests/host/HostMaterials.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::material_property {
 
 using host::MolarProperties;
 using host::PhaseKind;
@@ -343,5 +342,4 @@ TEST(HostMaterial, FlashesComeBackToTheStateThatGaveTheirConditions) {
     }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::material_property

@@ -8,8 +8,7 @@
 
 #include "tests/host/HostMaterials.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::material_refusal {
 
 struct Refusal {
   const char* what;
@@ -207,5 +206,4 @@ TEST(HostMaterial, ReportsNullPointersWithoutAnError) {
   EXPECT_EQ(material.thermo11->GetPresentPhases(nullptr, nullptr), E_POINTER);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::material_refusal

@@ -9,8 +9,7 @@
 #include "host/unit/DimensionSymbol.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::parameter_setting {
 
 using host::Json;
 using host::JsonNode;
@@ -140,5 +139,4 @@ TEST(ParameterSetting, NamesUnits) {
   for (const auto& c : cases) EXPECT_EQ(host::UnitSymbol(c.exponents), c.symbol);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::parameter_setting

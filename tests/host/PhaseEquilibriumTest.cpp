@@ -5,8 +5,7 @@
 
 #include "tests/host/ThermoTestSupport.h"
 
-namespace morvelan::host {
-namespace {
+namespace morvelan::host::test::phase_equilibrium {
 
 /// Molar Gibbs energy over RT less that of the unmixed ideal gases.
 double MixingGibbs(const PropertyPackage& package, const Phase& phase, double T, double P) {
@@ -287,5 +286,4 @@ TEST(SaturationFlash, RefusesStatesBeyondTheCriticalPoint) {
   EXPECT_THROW((void)MakePackage({"propane"}, "ideal-gas")->FlashPVF(1e5, 0.5, z), std::runtime_error);
 }
 
-}  // namespace
-}  // namespace morvelan::host
+}  // namespace morvelan::host::test::phase_equilibrium

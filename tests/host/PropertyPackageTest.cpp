@@ -6,8 +6,7 @@
 
 #include "tests/host/ThermoTestSupport.h"
 
-namespace morvelan::host {
-namespace {
+namespace morvelan::host::test::property_package {
 
 /// A phase away from phase boundaries and critical points, so that numerical derivatives are clean.
 struct PhaseCase {
@@ -271,5 +270,4 @@ TEST(Inputs, OutOfRangeAreRefusedWithAText) {
   EXPECT_THROW((void)package->FlashPVF(1e5, 1.1, std::vector{0.5, 0.5}), std::invalid_argument);
 }
 
-}  // namespace
-}  // namespace morvelan::host
+}  // namespace morvelan::host::test::property_package

@@ -7,8 +7,7 @@
 
 #include "tests/host/HostReactions.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reaction_package {
 
 using host::PhaseKind;
 using host::ThermoOffer;
@@ -389,5 +388,4 @@ TEST(ReactionPackage, TellsItsChemistry) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reaction_package

@@ -6,8 +6,7 @@
 
 #include "tests/host/HostReactions.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reaction_refusal {
 
 using host::ThermoOffer;
 using Ids = std::vector<std::string>;
@@ -253,5 +252,4 @@ TEST(ReactionPackage, ReturnsItsReferences) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reaction_refusal

@@ -9,8 +9,7 @@
 #include "tests/support/Door.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::stream_objects {
 
 using host::StreamParameter;
 using host::ValueStream;
@@ -145,5 +144,4 @@ TEST(SimulationContextObject, AnswersNamedValuesAndKeepsTheLog) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::stream_objects

@@ -18,8 +18,7 @@
 #include "tests/support/Faults.h"
 #include "tests/support/TestUnit.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::material_access {
 
 /// A unit with a fake material on its inlet.
 struct Bench {
@@ -886,5 +885,4 @@ TEST(MaterialAccess, NamesSetPropertyWhenTheMaterialHasNoInterface) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::material_access

@@ -5,11 +5,10 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "tests/numerics/AllocationCount.h"
 #include "tests/numerics/BracketedTrials.h"
+#include "tests/support/Allocations.h"
 
-namespace morvelan::numerics::test {
-namespace {
+namespace morvelan::numerics::test::bracketed_root {
 
 /// A residual that notes where it is called, and that says where it has no value unless it is not to.
 struct Recorder {
@@ -34,10 +33,10 @@ TEST(BracketedRoot, EvaluatesWhereTheStepsSay) {
   for (const BracketedTrial& trial : kBracketedTrials) {
     SCOPED_TRACE(trial.name);
     Recorder recorder(trial);
-    const std::size_t allocations = AllocationCount();
+    const std::size_t allocations = morvelan::test::AllocationCount();
     const BracketedRoot root =
         SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
-    if (root.success) EXPECT_EQ(AllocationCount(), allocations);
+    if (root.success) EXPECT_EQ(morvelan::test::AllocationCount(), allocations);
 
     EXPECT_EQ(root.success, std::string(trial.message).empty());
     EXPECT_EQ(root.message, trial.message);
@@ -147,5 +146,4 @@ TEST(BracketedRoot, LetsExceptionsThrough) {
   EXPECT_THROW((void)SolveBracketed(residual, 0.0, 1.0, 1e-6, 10), std::runtime_error);
 }
 
-}  // namespace
-}  // namespace morvelan::numerics::test
+}  // namespace morvelan::numerics::test::bracketed_root

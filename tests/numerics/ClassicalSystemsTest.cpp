@@ -7,8 +7,7 @@
 
 #include "tests/numerics/ClassicalSystems.h"
 
-namespace morvelan::numerics::test {
-namespace {
+namespace morvelan::numerics::test::classical_systems {
 
 enum class Derivatives { kSolvers, kPerturbed, kGiven };
 
@@ -93,5 +92,4 @@ TEST(ClassicalSystems, AreSolvedInSeveralThreadsAtOnce) {
   EXPECT_EQ(solved, std::vector<int>(4, 4));
 }
 
-}  // namespace
-}  // namespace morvelan::numerics::test
+}  // namespace morvelan::numerics::test::classical_systems

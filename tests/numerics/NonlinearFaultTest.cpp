@@ -15,8 +15,7 @@ extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() {
   return "allocator_may_return_null=1";
 }
 
-namespace morvelan::numerics::test {
-namespace {
+namespace morvelan::numerics::test::nonlinear_fault {
 
 using Vector = std::span<const double>;
 
@@ -290,5 +289,4 @@ TEST(NonlinearFaults, HaveTextsForEachFailureOfTheSetup) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::numerics::test
+}  // namespace morvelan::numerics::test::nonlinear_fault

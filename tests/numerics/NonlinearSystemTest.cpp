@@ -5,8 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace morvelan::numerics::test {
-namespace {
+namespace morvelan::numerics::test::nonlinear_system {
 
 using Vector = std::span<const double>;
 
@@ -250,5 +249,4 @@ TEST(NonlinearSystem, ThrowsWhatAFunctionThrew) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::numerics::test
+}  // namespace morvelan::numerics::test::nonlinear_system

@@ -4,8 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::host_detection {
 
 struct HostCase {
   const char* commandLine;
@@ -61,5 +60,4 @@ TEST(HostDetection, KnowsHostsByTheNameOfTheirExecutable) {
   for (const HostCase& c : kHostCases) EXPECT_EQ(server::HostCodeOf(c.commandLine), c.code) << c.commandLine;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::host_detection

@@ -12,8 +12,7 @@
 #include "server/ClassTable.h"
 #include "server/Registration.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::registration_manifest {
 
 namespace fs = std::filesystem;
 
@@ -66,5 +65,4 @@ TEST_F(RegistrationManifest, NamesAManifestThatCannotBeRead) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::registration_manifest

@@ -10,8 +10,7 @@
 #include "tests/support/Door.h"
 #include "tests/support/MessageBoxes.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::class_server {
 
 using server::UnitClass;
 
@@ -94,5 +93,4 @@ TEST(Server, PublishesItsClassesToHosts) {
   EXPECT_THROW((void)com::CreateObject(__uuidof(ICapeUnit)), std::runtime_error);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::class_server

@@ -5,8 +5,7 @@
 #include "tests/ui/WatchedBox.h"
 #include "ui/MessageBox.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::message_box_window {
 
 constexpr int kTextCapacity = 2047;
 
@@ -85,5 +84,4 @@ TEST(MessageBoxes, CutATextThatDoesNotFit) {
     EXPECT_EQ(Show(longest + more, "title", ui::Icon::kStop).text, longest) << more;
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::message_box_window

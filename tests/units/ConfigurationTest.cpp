@@ -8,8 +8,7 @@
 #include "tests/support/Published.h"
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::configuration {
 
 struct Configured {
   explicit Configured(const char* unitClass) : object(CreateUnit(unitClass)), door(object) {
@@ -168,5 +167,4 @@ TEST(Configuration, IsOfferedByUnitsThatHaveOneOnly) {
   EXPECT_EQ(mixer->GetConfiguration(nullptr), E_POINTER);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::configuration

@@ -15,8 +15,7 @@
 #include "tests/support/Persistence.h"
 #include "tests/support/Published.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::published_persistence {
 
 /// A published unit as a host makes and keeps it.
 struct KeptUnit {
@@ -268,5 +267,4 @@ TEST(PublishedPersistence, ReadsTheStreamsOfAllTimesAndPlatforms) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::published_persistence

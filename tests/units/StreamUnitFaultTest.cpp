@@ -8,8 +8,7 @@
 #include "tests/support/Persistence.h"
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::stream_unit_fault {
 
 struct Calculation {
   const char* title;
@@ -187,5 +186,4 @@ TEST(StreamUnitFaults, EveryFailingHostCallIsExplainedOrDoneWithout) {
     }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::stream_unit_fault

@@ -15,8 +15,7 @@
 #include "tests/support/TestUnit.h"
 #include "tests/windows/LateBound.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::dispatch {
 
 using com::MakeBoolean;
 using com::MakeDouble;
@@ -282,5 +281,4 @@ TEST(Dispatch, AnswersByTheStandardsIdentifiersOnAnInterface) {
   EXPECT_EQ(FindName(unit.Get(), "ComponentName", id), DISP_E_UNKNOWNNAME) << "of another interface";
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::dispatch

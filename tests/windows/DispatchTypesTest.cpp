@@ -13,8 +13,7 @@
 #include "tests/windows/LateBound.h"
 #include "tests/windows/StandardInterfaces.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::dispatch_types {
 
 using com::Ref;
 using Identifiers = std::map<std::string, DISPID>;
@@ -150,5 +149,4 @@ TEST(DispatchTypes, AreThoseOfEveryKindOfObject) {
   EXPECT_EQ(seen.size() + 2, kFaces.size()) << "all but DConfigurableUnit and DReactor of published units";
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::dispatch_types

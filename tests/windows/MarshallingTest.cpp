@@ -13,8 +13,7 @@
 #include "tests/windows/LateBound.h"
 #include "tests/windows/LoadedLibrary.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::marshalling {
 
 using com::Ref;
 
@@ -160,5 +159,4 @@ TEST(Marshalling, ReachesAUnitByTheStandardsInterfacesWhereTheyAreRegistered) {
   VisitUnit(false);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::marshalling

@@ -9,8 +9,7 @@
 #include "com/Text.h"
 #include "tests/windows/LoadedLibrary.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::module_image {
 
 /// The image of a module in memory.
 class Image {
@@ -63,5 +62,4 @@ TEST(ModuleImage, OffersItsEntryPointsAndNothingElse) {
   EXPECT_EQ(Image(library.Handle()).Exports(), wanted);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::module_image

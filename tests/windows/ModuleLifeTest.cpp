@@ -21,8 +21,7 @@
 // After <windows.h>.
 #include <tlhelp32.h>
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::module_life {
 
 using com::Ref;
 
@@ -243,5 +242,4 @@ TEST(ModuleLife, LeavesTheHostsProcessAsItIs) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::module_life

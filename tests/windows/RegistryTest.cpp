@@ -20,8 +20,7 @@
 #include <comcat.h>
 #include <winver.h>
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::registry {
 
 struct ExpectedClass {
   const char* clsid;
@@ -300,5 +299,4 @@ TEST_F(RegistryTest, LetsHostsFindItsClassesByCategory) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::registry

@@ -15,8 +15,7 @@
 #include "server/ClassTable.h"
 #include "tests/windows/StandardInterfaces.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::type_library {
 
 using com::Ref;
 
@@ -231,5 +230,4 @@ TEST(TypeLibrary, HasEveryClassAndWhatUnitsMakeForTheirHosts) {
   EXPECT_EQ(TextsOf(TKIND_COCLASS, ClassText), wanted);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::type_library

@@ -10,8 +10,7 @@
 #include "numerics/formula/Power.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::calculator_formula {
 
 using namespace numerics;
 
@@ -196,5 +195,4 @@ TEST(CalculatorFormula, PowersAreRoundedOnce) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::calculator_formula

@@ -9,8 +9,7 @@
 #include "numerics/formula/TreeEvaluation.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::expression_tree {
 
 using namespace numerics;
 
@@ -156,5 +155,4 @@ TEST(ExpressionTree, CheckedEvaluationHasRulesForOperators) {
   ExpectChecked({}, 0, "internal error: unknown expression type");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::expression_tree

@@ -1,6 +1,6 @@
 // When memory runs out, wherever that is, there is a failure with words, and nothing stays behind.
 
-#include "tests/numerics/formula/FailingAllocation.h"
+#include "tests/support/Allocations.h"
 
 #include <new>
 #include <thread>
@@ -10,8 +10,7 @@
 #include "tests/numerics/formula/ExpectEvaluation.h"
 #include "tests/numerics/formula/OpenHandles.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::failing_allocation {
 
 using namespace numerics;
 using Lasts = FailingAllocation::Lasts;
@@ -122,5 +121,4 @@ TEST(FailingAllocation, ReleasesTheMutexBeforeItIsClosed) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::failing_allocation

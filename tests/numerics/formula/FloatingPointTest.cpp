@@ -9,8 +9,7 @@
 #include "numerics/formula/NumericEntry.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::floating_point {
 
 using namespace numerics;
 
@@ -133,5 +132,4 @@ TEST(FloatingPoint, UnprotectedCalculationsWouldShow) {
   EXPECT_EQ(UnitState::Read().mxcsr, kMaskedSse | kInexact);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::floating_point

@@ -8,8 +8,7 @@
 #include "numerics/formula/NumericEntry.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::mu_parser {
 
 using namespace numerics;
 
@@ -160,5 +159,4 @@ TEST(MuParser, AgreesOnWhatBothLanguagesShare) {
   EXPECT_LE(differences, 10);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::mu_parser

@@ -7,8 +7,7 @@
 #include "numerics/formula/NumericEntry.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::nesting {
 
 using namespace numerics;
 
@@ -93,5 +92,4 @@ TEST(Nesting, TenMegabytesHaveAValue) {
   EXPECT_EQ(sum.formula->Evaluate(std::vector<double>{2}).value, 500'001);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::nesting

@@ -7,8 +7,7 @@
 
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::numeric_entry {
 
 constexpr double kPi = 3.141592653589793;
 
@@ -315,5 +314,4 @@ TEST(NumericEntry, TakesATextWithZerosInside) {
   EXPECT_EQ(numerics::EvaluateNumericEntry("1\0+1"sv).failure, "invalid character: '\0' at position 2"sv);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::numeric_entry

@@ -12,8 +12,7 @@
 #include "numerics/formula/NumericEntry.h"
 #include "tests/numerics/formula/OpenHandles.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::parse_mutex_linux {
 
 /// Another folder for temporary files while it lives.
 class TemporaryFolder {
@@ -128,5 +127,4 @@ TEST(ParseMutexFile, LeavesTheHostsEnvironmentAsItWas) {
   std::filesystem::remove_all(folder);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::parse_mutex_linux

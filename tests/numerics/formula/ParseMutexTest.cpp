@@ -13,8 +13,7 @@
 #include "tests/numerics/formula/EntryWork.h"
 #include "tests/numerics/formula/ExpectEvaluation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::parse_mutex {
 
 using namespace numerics;
 using namespace std::chrono_literals;
@@ -119,5 +118,4 @@ TEST(ParseMutex, ThreadsParseFormulasAtOnce) {
   for (std::thread& thread : threads) thread.join();
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::parse_mutex

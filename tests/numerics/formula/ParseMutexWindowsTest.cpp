@@ -3,8 +3,7 @@
 
 #include "numerics/formula/NumericEntry.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::parse_mutex_windows {
 
 TEST(ParseMutexName, IsTheOneThatOthersKnow) {
   const HANDLE mutex = CreateMutexW(nullptr, TRUE, L"VELTParseMutex");
@@ -23,5 +22,4 @@ TEST(ParseMutexName, TakenBySomethingElseFails) {
   EXPECT_EQ(numerics::EvaluateNumericEntry("1").value, 1);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::parse_mutex_windows

@@ -9,8 +9,7 @@
 #include "tests/numerics/formula/ExpectEvaluation.h"
 #include "tests/numerics/formula/TreeText.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::round_trip {
 
 using namespace numerics;
 
@@ -95,5 +94,4 @@ TEST(RoundTrip, NumbersAreReadExactlyFromExactTexts) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::round_trip

@@ -4,8 +4,7 @@
 
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::heater_cooler {
 
 TEST(CHeaterCooler, TakesAsInputWhatItsTypeSpecifies) {
   UnitBench bench("HeaterCooler", false);
@@ -317,5 +316,4 @@ TEST(CHeaterCooler, GivesItsHeatToAnOutletPort) {
 
 TEST(CHeaterCooler, LowersThePressure) { CheckPressureAfterDrop("HeaterCooler", "Pressure drop"); }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::heater_cooler

@@ -9,8 +9,7 @@
 #include "tests/support/StreamEncoder.h"
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::information_calculator {
 
 using Json = nlohmann::json;
 
@@ -511,5 +510,4 @@ TEST(CInformationCalculator, ExplainsEveryFailingHostCall) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::information_calculator

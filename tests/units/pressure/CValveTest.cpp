@@ -2,8 +2,7 @@
 
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::valve {
 
 TEST(CValve, TakesAsInputThePressureThatIsSpecified) {
   UnitBench bench("Valve", false);
@@ -118,5 +117,4 @@ TEST(CValve, NeedsOneEnthalpy) {
 
 TEST(CValve, LowersThePressure) { CheckPressureAfterDrop("Valve", "Pressure difference"); }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::valve

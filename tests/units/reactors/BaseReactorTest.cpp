@@ -5,8 +5,7 @@
 #include "tests/support/Persistence.h"
 #include "tests/units/reactors/ReactorBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::base_reactor {
 
 // ---- The reaction package
 
@@ -231,5 +230,4 @@ TEST(BaseReactor, NeedsTheEnergyStreamThatItIsTold) {
   EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::base_reactor

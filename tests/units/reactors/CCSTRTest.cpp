@@ -7,8 +7,7 @@
 #include "tests/support/SystemText.h"
 #include "tests/units/reactors/CstrBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::cstr {
 
 // ---- Validation
 
@@ -325,5 +324,4 @@ TEST(CCSTR, Reports) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::cstr

@@ -3,8 +3,7 @@
 
 #include "tests/units/reactors/EquilibriumBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::equilibrium_reactor {
 
 // ---- Validation
 
@@ -279,5 +278,4 @@ TEST(CEquilibriumReactor, Reports) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::equilibrium_reactor

@@ -3,8 +3,7 @@
 
 #include "tests/units/reactors/ReactorBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::fixed_conversion_reactor {
 
 // ---- Conversions
 
@@ -421,5 +420,4 @@ TEST(CFixedConversionReactor, Reports) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::fixed_conversion_reactor

@@ -3,8 +3,7 @@
 #include "tests/units/reactors/CstrBench.h"
 #include "units/reactors/CatalystSpecification.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::catalyst_specification {
 
 constexpr const char* kVolumeMissing =
     "Error: reactor volume is not specified, and at least 1 homogeneous kinetic reaction is present.";
@@ -107,5 +106,4 @@ TEST(CatalystSpecification, KeepsWhatFollowsToItself) {
   EXPECT_EQ(bench.Fault(), "valid");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::catalyst_specification

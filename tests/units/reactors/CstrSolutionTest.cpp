@@ -4,8 +4,7 @@
 #include "tests/support/SystemText.h"
 #include "tests/units/reactors/CstrBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::cstr_solution {
 
 // ---- Reactions that are left out
 
@@ -230,5 +229,4 @@ TEST(CstrSolution, GoesOnWithoutADutyThatCannotBeFound) {
                                "enthalpyF; phase Vapor is reported not to be in equilibrium"});
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::cstr_solution

@@ -6,8 +6,7 @@
 #include "tests/support/SystemText.h"
 #include "tests/units/reactors/EquilibriumBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::equilibrium_solution {
 
 // ---- Reactions that are left out
 
@@ -229,5 +228,4 @@ TEST(EquilibriumSolution, CountsItsIterations) {
   EXPECT_NEAR(bench.At("Outlet").fractions[0], 0.1 + 0.5 / std::sqrt(std::log(1e10)), 0.01);
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::equilibrium_solution

@@ -3,8 +3,7 @@
 #include "tests/support/Persistence.h"
 #include "tests/units/reactors/ReactorBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::fixed_conversion_selection {
 
 constexpr const char* kBoth = R"("A to B", "B to C")";
 
@@ -165,5 +164,4 @@ TEST(FixedConversionSelection, CalculatesTheSameOnceItIsLoaded) {
   EXPECT_EQ(target.door.Report("Last run"), source.door.Report("Last run"));
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::fixed_conversion_selection

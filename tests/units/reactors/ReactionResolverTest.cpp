@@ -5,8 +5,7 @@
 #include "tests/units/reactors/ReactorBench.h"
 #include "units/reactors/ReactionResolver.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reaction_resolver {
 
 /// A resolver with a package and a unit whose inlet has the feed.
 struct ResolverBench {
@@ -207,5 +206,4 @@ TEST(ReactionResolver, ExplainsEveryFailingCall) {
     }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reaction_resolver

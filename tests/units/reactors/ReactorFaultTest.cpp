@@ -8,8 +8,7 @@
 #include "tests/support/Faults.h"
 #include "tests/units/reactors/ReactorBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reactor_fault {
 
 struct Calculation {
   const char* title;
@@ -361,5 +360,4 @@ TEST(ReactorFaults, OutlivesAHostThatInterferes) {
     }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reactor_fault

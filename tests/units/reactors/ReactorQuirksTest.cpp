@@ -7,8 +7,7 @@
 #include "tests/units/reactors/EquilibriumBench.h"
 #include "units/reactors/StirredTankEquations.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::reactor_quirks {
 
 // ---- The penalty for negative flows: 1000 times their squares, on the first residual, once per reaction
 
@@ -152,5 +151,4 @@ TEST(ReactorQuirks, AnyTrialMustBeFinite) {
   EXPECT_EQ(why, "Iteration parameters are not finite");
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::reactor_quirks

@@ -4,8 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::stoichiometry {
 
 using Sets = std::vector<std::vector<std::size_t>>;
 
@@ -132,5 +131,4 @@ TEST(Stoichiometry, KnowsTheRangeOfAnExtent) {
   }
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::stoichiometry

@@ -2,8 +2,7 @@
 
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::mixer {
 
 struct Stream {
   double pressure;
@@ -102,5 +101,4 @@ TEST(CMixer, FailsWhenAStreamIsTakenAwayWhileItAsks) {
 
 TEST(CMixer, LowersThePressure) { CheckPressureAfterDrop("Mixer", "Pressure drop"); }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::mixer

@@ -11,8 +11,7 @@
 #include "tests/units/UnitBench.h"
 #include "units/streams/CNoOperation.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::no_operation {
 
 /// A NoOperation in a fake host, connected and in the host's simulation context.
 struct Flowsheet : UnitBench {
@@ -430,5 +429,4 @@ TEST(CNoOperation, KeepsNoHostObjectAfterTerminate) {
   EXPECT_EQ(sheet.door.unit->Calculate(), S_OK) << ErrorOf(sheet.door.unit.Get());
 }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::no_operation

@@ -2,8 +2,7 @@
 
 #include "tests/units/UnitBench.h"
 
-namespace morvelan::test {
-namespace {
+namespace morvelan::test::splitter {
 
 com::Variant Factors(const std::vector<double>& factors) {
   std::vector<com::Variant> elements;
@@ -193,5 +192,4 @@ TEST(CSplitter, ReportsTheOutletsThatItHas) {
 
 TEST(CSplitter, LowersThePressure) { CheckPressureAfterDrop("Splitter", "Pressure drop"); }
 
-}  // namespace
-}  // namespace morvelan::test
+}  // namespace morvelan::test::splitter

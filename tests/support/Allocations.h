@@ -4,6 +4,9 @@
 
 namespace morvelan::test {
 
+/// How often this thread has allocated memory with new, over-aligned types aside.
+[[nodiscard]] std::size_t AllocationCount();
+
 /// While it lives, one of this thread's allocations with new fails, or that one and all after it.
 class FailingAllocation {
  public:

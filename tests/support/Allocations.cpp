@@ -1,4 +1,4 @@
-#include "tests/numerics/formula/FailingAllocation.h"
+#include "tests/support/Allocations.h"
 
 #include <cstdlib>
 #include <new>
@@ -18,19 +18,26 @@ struct Plan {
 };
 
 thread_local Plan plan;
+thread_local std::size_t allocations = 0;
 
 }  // namespace
 
-// All other forms of new and delete come down to these, but for those of over-aligned types.
+// All other forms of new and delete come down to these, but for those of arrays and of over-aligned types
+// under the address sanitizer, which has its own.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  ++allocations;
+  return plan.Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+}
 void* operator new(std::size_t size) {
-  if (plan.Fails()) throw std::bad_alloc();
-  if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
+  if (void* memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace morvelan::test {
+
+std::size_t AllocationCount() { return allocations; }
 
 FailingAllocation::FailingAllocation(std::size_t after, Lasts howLong) {
   plan = {true, howLong == Lasts::kForGood, false, after};
