@@ -16,18 +16,15 @@ com::Ref<Interface> Ask(const MaterialRef& material) {
 com::Variant Copied(const com::Variant& numbers) { return com::MakeDoubles(com::ReadDoubles(numbers.Get())); }
 
 /// The numbers that a thermo 1.0 material gives for a property of the overall phase.
-com::Variant Get10(ICapeThermoMaterialObject& material, com::Name property, com::Name basis,
-                   com::Name calcType = {}) {
+com::Variant Get10(ICapeThermoMaterialObject& material, com::Name property, com::Name basis, com::Name calcType = {}) {
   com::Variant values;
-  material.GetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text,
-                   values.Put());
+  material.GetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text, values.Put());
   return values;
 }
 
-void Set10(ICapeThermoMaterialObject& material, com::Name property, com::Name basis,
-           const com::Variant& values, com::Name calcType = {}) {
-  material.SetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text,
-                   Copied(values).Get());
+void Set10(ICapeThermoMaterialObject& material, com::Name property, com::Name basis, const com::Variant& values,
+           com::Name calcType = {}) {
+  material.SetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text, Copied(values).Get());
 }
 
 com::Variant OneNumber() { return com::MakeDoubles(std::array{15000.0}); }
@@ -51,8 +48,8 @@ class DirectCalls10 final : public DirectCalls {
     Set10(*asked, names::kFraction, names::kMole, overall.fractions);
   }
   void Flash(const MaterialRef& material, bool givenTemperature) const override {
-    Ask<ICapeThermoMaterialObject>(material)->CalcEquilibrium(
-        (givenTemperature ? names::kTP : names::kPH).text, com::kNoValue);
+    Ask<ICapeThermoMaterialObject>(material)->CalcEquilibrium((givenTemperature ? names::kTP : names::kPH).text,
+                                                              com::kNoValue);
   }
   void Enthalpy(const MaterialRef& material, bool ofCopy) const override {
     com::Ref<ICapeThermoMaterialObject> asked = Ask<ICapeThermoMaterialObject>(material);
@@ -66,8 +63,7 @@ class DirectCalls10 final : public DirectCalls {
     (void)Get10(*asked, names::kEnthalpy, {}, names::kMixture);
   }
   void SetEnthalpy(const MaterialRef& material) const override {
-    Set10(*Ask<ICapeThermoMaterialObject>(material), names::kEnthalpy, names::kMole, OneNumber(),
-          names::kMixture);
+    Set10(*Ask<ICapeThermoMaterialObject>(material), names::kEnthalpy, names::kMole, OneNumber(), names::kMixture);
   }
   void Temperature(const MaterialRef& material) const override {
     (void)Get10(*Ask<ICapeThermoMaterialObject>(material), names::kTemperature, {});
@@ -92,8 +88,8 @@ class DirectCalls11 final : public DirectCalls {
  public:
   void CountCompounds(const MaterialRef& material) const override {
     com::Variant ids, formulae, compoundNames, boiling, weights, cas;
-    Ask<ICapeThermoCompounds>(material)->GetCompoundList(ids.Put(), formulae.Put(), compoundNames.Put(),
-                                                         boiling.Put(), weights.Put(), cas.Put());
+    Ask<ICapeThermoCompounds>(material)->GetCompoundList(ids.Put(), formulae.Put(), compoundNames.Put(), boiling.Put(),
+                                                         weights.Put(), cas.Put());
   }
   Overall Read(const MaterialRef& material) const override {
     const auto asked = Ask<ICapeThermoMaterial>(material);
@@ -114,8 +110,7 @@ class DirectCalls11 final : public DirectCalls {
     asked->SetPresentPhases(labels.Get(), com::MakeArray(com::CountStrings(labels.Get()), VT_I4).Get());
     asked.As<ICapeThermoEquilibriumRoutine>()->CalcEquilibrium(
         Specification(givenTemperature ? names::kTemperature : names::kPressure).Get(),
-        Specification(givenTemperature ? names::kPressure : names::kEnthalpy).Get(),
-        names::kUnspecified.text);
+        Specification(givenTemperature ? names::kPressure : names::kEnthalpy).Get(), names::kUnspecified.text);
   }
   void Enthalpy(const MaterialRef& material, bool ofCopy) const override {
     auto asked = Ask<ICapeThermoMaterial>(material);

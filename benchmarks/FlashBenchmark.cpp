@@ -56,8 +56,7 @@ void FlashPH(benchmark::State& state) {
   std::vector<double> enthalpies;
   for (int k = 0; k < 16; ++k)
     enthalpies.push_back(
-        states.package->Overall(states.package->FlashTP(states.Temperature(k), States::kPressure, states.z))
-            .enthalpy);
+        states.package->Overall(states.package->FlashTP(states.Temperature(k), States::kPressure, states.z)).enthalpy);
   std::size_t i = 0;
   for (auto _ : state)
     benchmark::DoNotOptimize(states.package->FlashPH(States::kPressure, enthalpies[i++ % 16], states.z).T);

@@ -33,8 +33,7 @@ FakeReaction Equilibrium(const char* id, std::vector<std::string> compounds, std
           .properties = {{"chemicalEquilibriumConstant", {constant, 0}}}};
 }
 
-FakeReaction FirstOrder(const char* id, std::vector<std::string> compounds, std::size_t reactant,
-                        double constant) {
+FakeReaction FirstOrder(const char* id, std::vector<std::string> compounds, std::size_t reactant, double constant) {
   return {.id = id,
           .compounds = std::move(compounds),
           .coefficients = {-1, 1},
@@ -67,8 +66,7 @@ const MeasuredReactor kReactors[] = {
      {0.25, 0.75, 0, 0, 0},
      {"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen"},
      {Equilibrium("reforming", {"methane", "water", "carbon monoxide", "hydrogen"}, {-1, -1, 1, 3}, 0.498263),
-      Equilibrium("shift", {"carbon monoxide", "water", "carbon dioxide", "hydrogen"}, {-1, -1, 1, 1},
-                  0.986657)},
+      Equilibrium("shift", {"carbon monoxide", "water", "carbon dioxide", "hydrogen"}, {-1, -1, 1, 1}, 0.986657)},
      {},
      true},
     {"TankOfThreeRates",
@@ -77,8 +75,7 @@ const MeasuredReactor kReactors[] = {
      {"A", "B", "C", "D"},
      {FirstOrder("A to B", {"A", "B"}, 0, 2), FirstOrder("B to C", {"B", "C"}, 1, 3),
       FirstOrder("A to D", {"A", "D"}, 0, 0.5)},
-     {{"Phase", [] { return com::MakeString("Vapor"); }},
-      {"Reactor volume", [] { return com::MakeDouble(1.5); }}},
+     {{"Phase", [] { return com::MakeString("Vapor"); }}, {"Reactor volume", [] { return com::MakeDouble(1.5); }}},
      false},
 };
 
@@ -102,16 +99,13 @@ struct Sheet {
     unit->put_simulationContext(Dispatch(context));
     unit->Initialize();
     for (const auto& port : unit->AllPorts())
-      if (port->Type() == CAPE_MATERIAL)
-        port->Connect(Dispatch(com::Make<FakeMaterial>(script, StateOf(reactor))));
+      if (port->Type() == CAPE_MATERIAL) port->Connect(Dispatch(com::Make<FakeMaterial>(script, StateOf(reactor))));
     IDispatch* object = static_cast<ICapeReactionProperties*>(package.Get());
-    com::Query<ICapeKineticReactionContext>(static_cast<ICapeIdentification*>(unit.Get()))
-        ->SetReactionObject(&object);
+    com::Query<ICapeKineticReactionContext>(static_cast<ICapeIdentification*>(unit.Get()))->SetReactionObject(&object);
     Put("Heat duty type", com::MakeString("Isothermal"));
     for (const auto& [name, value] : reactor.parameters) Put(name, value());
     std::string names;
-    for (const FakeReaction& reaction : reactor.reactions)
-      names += (names.empty() ? "\"" : ",\"") + reaction.id + '"';
+    for (const FakeReaction& reaction : reactor.reactions) names += (names.empty() ? "\"" : ",\"") + reaction.id + '"';
     com::Query<IUnitConfiguration>(static_cast<ICapeIdentification*>(unit.Get()))
         ->SetConfiguration(com::ToBstr("{\"reactionNames\": [" + names + "]}").Get());
     if (FAILED(unit->Calculate())) throw Failure("the unit does not calculate");
@@ -167,14 +161,12 @@ class Evaluation {
     com::Variant values;
     if (sheet.reactor.flashes)
       asked->GetSinglePhaseProp(names::kFraction.text, names::kVapor.text, names::kMole.text, values.Put());
-    const com::Name property =
-        sheet.reactor.flashes ? names::kChemicalEquilibriumConstant : names::kReactionRate;
+    const com::Name property = sheet.reactor.flashes ? names::kChemicalEquilibriumConstant : names::kReactionRate;
     const com::Variant properties = com::MakeStrings(std::span(&property, 1));
     for (const FakeReaction& reaction : sheet.reactor.reactions) {
       const com::Variant ids = com::MakeStrings(std::span(&reaction.id, 1));
       sheet.package->CalcReactionProp(properties.Get(), names::kVapor.text, ids.Get(), names::kMole.text);
-      sheet.package->GetReactionProp(property.text, names::kVapor.text, ids.Get(), names::kMole.text,
-                                     values.Put());
+      sheet.package->GetReactionProp(property.text, names::kVapor.text, ids.Get(), names::kMole.text, values.Put());
     }
   }
 
@@ -211,8 +203,7 @@ void SolutionCalls(benchmark::State& state, const MeasuredReactor& measured) {
 [[maybe_unused]] const bool kRegistered = [] {
   for (const MeasuredReactor& reactor : kReactors) {
     benchmark::RegisterBenchmark(reactor.name, Solve, reactor)->UseManualTime();
-    benchmark::RegisterBenchmark((reactor.name + std::string("Calls")).c_str(), SolutionCalls, reactor)
-        ->Iterations(1);
+    benchmark::RegisterBenchmark((reactor.name + std::string("Calls")).c_str(), SolutionCalls, reactor)->Iterations(1);
   }
   return true;
 }();

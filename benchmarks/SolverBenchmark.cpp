@@ -60,8 +60,7 @@ int Toms748(const Function& function) {
   };
   const auto isNarrow = [](double a, double b) { return std::abs(b - a) <= kWidth; };
   std::uintmax_t steps = 1000;
-  benchmark::DoNotOptimize(
-      boost::math::tools::toms748_solve(f, function.low, function.high, isNarrow, steps));
+  benchmark::DoNotOptimize(boost::math::tools::toms748_solve(f, function.low, function.high, isNarrow, steps));
   return calls;
 }
 
@@ -107,8 +106,7 @@ struct Tridiagonal {
   static constexpr double kGuess = -1.0;
   static void Residual(std::span<const double> x, std::span<double> F) {
     for (std::size_t i = 0; i < x.size(); ++i)
-      F[i] = (3.0 - 2.0 * x[i]) * x[i] - (i > 0 ? x[i - 1] : 0.0) -
-             2.0 * (i + 1 < x.size() ? x[i + 1] : 0.0) + 1.0;
+      F[i] = (3.0 - 2.0 * x[i]) * x[i] - (i > 0 ? x[i - 1] : 0.0) - 2.0 * (i + 1 < x.size() ? x[i + 1] : 0.0) + 1.0;
   }
   static void Jacobian(std::span<const double> x, SquareMatrix J) {
     for (std::size_t i = 0; i < x.size(); ++i) {
@@ -129,8 +127,7 @@ struct Slab {
   }
   static void Residual(std::span<const double> x, std::span<double> F) {
     for (std::size_t i = 0; i < x.size(); ++i)
-      F[i] =
-          (i > 0 ? x[i - 1] : 0.0) - 2.0 * x[i] + (i + 1 < x.size() ? x[i + 1] : 0.0) + Rate(x.size(), x[i]);
+      F[i] = (i > 0 ? x[i - 1] : 0.0) - 2.0 * x[i] + (i + 1 < x.size() ? x[i + 1] : 0.0) + Rate(x.size(), x[i]);
   }
   static void Jacobian(std::span<const double> x, SquareMatrix J) {
     for (std::size_t i = 0; i < x.size(); ++i) {

@@ -117,8 +117,7 @@ void Calculate(benchmark::State& state, const MeasuredUnit& measured, bool therm
   const Sheet sheet(measured.make(), static_cast<std::size_t>(state.range(0)), thermo11);
   sheet.script->recording = false;
   InTurns(
-      state, [&] { benchmark::DoNotOptimize(sheet.unit->Calculate()); },
-      [&] { measured.callDirectly(sheet); });
+      state, [&] { benchmark::DoNotOptimize(sheet.unit->Calculate()); }, [&] { measured.callDirectly(sheet); });
 }
 
 /// The host calls of one Calculate of a validated unit by name, as counters, and of the direct sequence,

@@ -19,8 +19,7 @@ void Print(const char* heading, const Lines& lines) {
   std::vector<std::size_t> widths;
   for (const auto& line : lines) {
     widths.resize(std::max(widths.size(), line.size()));
-    for (std::size_t i = 0; i < line.size(); ++i)
-      widths[i] = std::max(widths[i], host::CharacterCount(line[i]));
+    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], host::CharacterCount(line[i]));
   }
   if (*heading) std::cout << '\n' << heading << '\n';
   for (const auto& line : lines) {
@@ -58,9 +57,8 @@ com::PublishedClass RequireClass(const std::string& className) {
   std::vector<std::string> names;
   for (const com::PublishedClass& known : classes) names.push_back(known.name);
   throw std::runtime_error("class \"" + className + "\" is unknown" +
-                           (names.empty()
-                                ? "; no unit classes are registered"
-                                : host::Suggestion(className, names) + "; known are " + host::Listed(names)));
+                           (names.empty() ? "; no unit classes are registered"
+                                          : host::Suggestion(className, names) + "; known are " + host::Listed(names)));
 }
 
 Lines PortLines(const host::HostedUnit& unit) {

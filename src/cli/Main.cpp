@@ -59,8 +59,7 @@ class Command {
   void AddRun() {
     auto* command = app.add_subcommand("run", "Calculate a flowsheet");
     command->add_option("FILE", file, "The flowsheet, a JSON file")->required();
-    command->add_option("--json", run.json,
-                        "Write the results to this file, or to standard output for \"-\"");
+    command->add_option("--json", run.json, "Write the results to this file, or to standard output for \"-\"");
     command->add_option("--thermo", thermo, "Interfaces that materials offer, instead of the file's choice")
         ->check(CLI::IsMember({"1.0", "1.1", "both"}));
     command->add_flag("--simplified", run.options.simplified, "Ask the units for simplified models");

@@ -26,8 +26,8 @@ void TellFailures(const host::Results& results) {
 
 /// A line that is written over and over while a recycle is solved.
 void ShowProgress(int round, double change) {
-  std::cerr << "\rRecycle, round " << round << ": largest change " << std::setprecision(2) << std::scientific
-            << change << "  " << std::flush;
+  std::cerr << "\rRecycle, round " << round << ": largest change " << std::setprecision(2) << std::scientific << change
+            << "  " << std::flush;
 }
 
 constexpr const char* kClearLine = "\r\x1b[K";

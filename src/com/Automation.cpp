@@ -8,9 +8,7 @@ constexpr DISPID kMemberMask = 0xffff;
 
 }  // namespace
 
-HRESULT Automation::QueryInterface(REFIID iid, void** object) {
-  return owner.Identity()->QueryInterface(iid, object);
-}
+HRESULT Automation::QueryInterface(REFIID iid, void** object) { return owner.Identity()->QueryInterface(iid, object); }
 ULONG Automation::AddRef() { return owner.Identity()->AddRef(); }
 ULONG Automation::Release() { return owner.Identity()->Release(); }
 

@@ -15,9 +15,7 @@ class AutomationOwner {
   [[nodiscard]] virtual GUID AutomationType() const = 0;
   /// A value that a script puts into a property, in the form that the property takes; nothing to leave it as
   /// it is.
-  [[nodiscard]] virtual std::optional<Variant> AdaptPut(REFIID, DISPID, const VARIANT&) const {
-    return std::nullopt;
-  }
+  [[nodiscard]] virtual std::optional<Variant> AdaptPut(REFIID, DISPID, const VARIANT&) const { return std::nullopt; }
   [[nodiscard]] virtual std::vector<Face> Faces() = 0;
   [[nodiscard]] virtual IUnknown* Identity() = 0;
 

@@ -12,15 +12,14 @@ namespace morvelan::com {
 [[nodiscard]] HRESULT TypeInfoOf(REFIID iid, ITypeInfo** info);
 [[nodiscard]] HRESULT GetIdsOfNames(REFIID iid, LPOLESTR* names, UINT count, DISPID* ids);
 /// Calls a member of the interface `iid`, to which `target` points.
-[[nodiscard]] HRESULT Invoke(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params,
-                             VARIANT* result, EXCEPINFO* exception, UINT* argumentError);
+[[nodiscard]] HRESULT Invoke(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params, VARIANT* result,
+                             EXCEPINFO* exception, UINT* argumentError);
 
 /// The same for a script, which can't pass a text by reference as the standard's methods want it: such an
 /// argument may be a variable of any content, which takes the text afterwards, or missing. A method without
 /// another result gives its text as result. An array is given as one of variants.
-[[nodiscard]] HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags,
-                                       DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
-                                       UINT* argumentError);
+[[nodiscard]] HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params,
+                                       VARIANT* result, EXCEPINFO* exception, UINT* argumentError);
 
 /// Leaves a description for callers who ask for it after a failure, as scripts and managed hosts do.
 void PublishError(const std::string& description, const std::string& source) noexcept;
@@ -48,10 +47,10 @@ class Dispatched : public Interface {
   HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
     return GetIdsOfNames(__uuidof(Interface), names, count, ids);
   }
-  HRESULT Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
-                 EXCEPINFO* exception, UINT* argumentError) override {
-    return com::Invoke(static_cast<Interface*>(this), __uuidof(Interface), member, flags, params, result,
-                       exception, argumentError);
+  HRESULT Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
+                 UINT* argumentError) override {
+    return com::Invoke(static_cast<Interface*>(this), __uuidof(Interface), member, flags, params, result, exception,
+                       argumentError);
   }
 };
 

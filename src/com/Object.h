@@ -71,8 +71,7 @@ class Implements : public Parent, public AsBase<Interfaces>... {
     if (!found) found = Parent::FindInterface(iid);
     if constexpr (std::is_same_v<Parent, ObjectCore>) {
       using First = std::tuple_element_t<0, std::tuple<Interfaces...>>;
-      if (!found && (iid == __uuidof(IUnknown) || iid == __uuidof(IDispatch)))
-        found = static_cast<First*>(this);
+      if (!found && (iid == __uuidof(IUnknown) || iid == __uuidof(IDispatch))) found = static_cast<First*>(this);
     }
     return found;
   }

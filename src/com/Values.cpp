@@ -260,8 +260,7 @@ bool ReadBoolean(const VARIANT& variant) {
 std::int32_t ReadInteger(const VARIANT& variant) {
   const VARIANT v = Borrow(variant);
   // Systems differ on what integer a number that is none becomes.
-  if ((v.vt == VT_R8 && std::isnan(v.dblVal)) || (v.vt == VT_R4 && std::isnan(v.fltVal)))
-    Mismatch("an integer", v);
+  if ((v.vt == VT_R8 && std::isnan(v.dblVal)) || (v.vt == VT_R4 && std::isnan(v.fltVal))) Mismatch("an integer", v);
   Variant converted;
   if (FAILED(VariantChangeTypeEx(converted.Put(), const_cast<VARIANT*>(&v), LOCALE_INVARIANT, 0, VT_I4)))
     Mismatch("an integer", v);

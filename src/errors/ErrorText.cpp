@@ -48,8 +48,7 @@ std::string SystemText(HRESULT code) try {
   if (auto text = com::SystemMessage(code)) return *text;
   constexpr char kHex[] = "0123456789ABCDEF";
   std::string text = "error code 0x";
-  for (int shift = 28; shift >= 0; shift -= 4)
-    text.push_back(kHex[(static_cast<std::uint32_t>(code) >> shift) & 15]);
+  for (int shift = 28; shift >= 0; shift -= 4) text.push_back(kHex[(static_cast<std::uint32_t>(code) >> shift) & 15]);
   return text;
 } catch (const std::bad_alloc&) {
   return "<unknown error>";

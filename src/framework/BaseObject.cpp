@@ -30,8 +30,7 @@ HRESULT BaseObject::get_ComponentName(BSTR* value) {
 HRESULT BaseObject::get_ComponentDescription(BSTR* value) {
   if (!value) return E_POINTER;
   *value = nullptr;
-  return Guard("get_ComponentDescription", "ICapeIdentification",
-               [&] { *value = com::ToBstr(description).Detach(); });
+  return Guard("get_ComponentDescription", "ICapeIdentification", [&] { *value = com::ToBstr(description).Detach(); });
 }
 
 HRESULT BaseObject::put_ComponentName(BSTR text) {

@@ -14,8 +14,8 @@ namespace morvelan {
 /// Root of every object that the host sees: its identification and its last failure.
 /// `type` is the object's dispatch interface in the type library, which lists the members of all its
 /// interfaces.
-class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser,
-                                          ECapeUnknown, ISupportErrorInfo>,
+class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser, ECapeUnknown,
+                                          ISupportErrorInfo>,
                    private com::AutomationOwner {
  public:
   BaseObject(std::string objectName, std::string objectDescription, const GUID& type);
@@ -103,8 +103,7 @@ auto ForwardError(std::string_view scope, std::string_view interfaceName, Body&&
     return std::forward<Body>(body)();
   } catch (Failure& failure) {
     UnitError& error = failure.error;
-    throw Failure(std::move(error.description.empty() ? error.name : error.description), scope,
-                  interfaceName);
+    throw Failure(std::move(error.description.empty() ? error.name : error.description), scope, interfaceName);
   }
 }
 

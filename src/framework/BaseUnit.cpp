@@ -59,12 +59,11 @@ HRESULT BaseUnit::get_parameters(IDispatch** collection) {
   if (!collection) return E_POINTER;
   *collection = nullptr;
   return Enter("get_parameters", [&] {
-    *collection =
-        DispatchOf(parameterCollection,
-                   {"interface failed",
-                    "failed to obtain IDispatch interface from parameter collection of unit operation",
-                    {},
-                    {}});
+    *collection = DispatchOf(parameterCollection,
+                             {"interface failed",
+                              "failed to obtain IDispatch interface from parameter collection of unit operation",
+                              {},
+                              {}});
   });
 }
 
@@ -146,15 +145,13 @@ HRESULT BaseUnit::get_reports(VARIANT* names) {
 HRESULT BaseUnit::get_selectedReport(BSTR* name) {
   if (!name) return E_POINTER;
   *name = nullptr;
-  return Enter("get_selectedReport",
-               [&] { *name = com::ToBstr(reports.Names()[reports.Selected()]).Detach(); });
+  return Enter("get_selectedReport", [&] { *name = com::ToBstr(reports.Names()[reports.Selected()]).Detach(); });
 }
 
 HRESULT BaseUnit::put_selectedReport(BSTR name) {
   return Enter("put_selectedReport", [&] {
     if (!reports.Select(com::ToUtf8(name)))
-      throw Failure(
-          UnitError{"unknown report", "unknown report name in put_selectedReport", {}, kReportInterface});
+      throw Failure(UnitError{"unknown report", "unknown report name in put_selectedReport", {}, kReportInterface});
   });
 }
 
@@ -262,8 +259,7 @@ void BaseUnit::ReadDefaultThermoVersion() {
 void BaseUnit::LogToHost(const std::string& text) const { context.LogMessage(text); }
 
 void BaseUnit::ShowError(const std::string& text) const {
-  if (!context.PopUpMessage(text))
-    ui::ShowMessageBox(text.c_str(), "Unit Operation error:", ui::Icon::kExclamation);
+  if (!context.PopUpMessage(text)) ui::ShowMessageBox(text.c_str(), "Unit Operation error:", ui::Icon::kExclamation);
 }
 
 void BaseUnit::Warn(const std::string& text) const {
@@ -299,8 +295,7 @@ CUnitPort& BaseUnit::AddPort(const PortDeclaration& port) {
   return *ports.back();
 }
 
-BaseUnit::PortList BaseUnit::ResizedPorts(const PortList& ports, std::size_t count,
-                                          const PortDeclaration& added,
+BaseUnit::PortList BaseUnit::ResizedPorts(const PortList& ports, std::size_t count, const PortDeclaration& added,
                                           const std::function<std::string(std::size_t)>& nameOf) {
   PortList resized(ports.begin(), ports.begin() + static_cast<std::ptrdiff_t>(std::min(count, ports.size())));
   const PortList others = AllPorts();

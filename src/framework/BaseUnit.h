@@ -20,8 +20,8 @@ namespace morvelan {
 
 /// Base of all units: what the host sees of a unit, and everything that runs around a unit's own validation
 /// and calculation. A concrete unit declares its ports and parameters and overrides the operations below.
-class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport,
-                                        IProvideClassInfo, IPersistStream, IPersistStreamInit> {
+class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport, IProvideClassInfo,
+                                        IPersistStream, IPersistStreamInit> {
  public:
   explicit BaseUnit(const UnitDeclaration& unitDeclaration);
   ~BaseUnit() override;
@@ -72,8 +72,7 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// Properties that the unit will ask of its feed.
   [[nodiscard]] virtual std::vector<std::string> RequiredProperties() const { return {}; }
   /// The unit's own check of a value for one of its parameters; false with a message to refuse it.
-  [[nodiscard]] virtual bool ValidateParameterValue(const CParameter&, std::string&,
-                                                    const ParameterValue&) const {
+  [[nodiscard]] virtual bool ValidateParameterValue(const CParameter&, std::string&, const ParameterValue&) const {
     return true;
   }
   /// Called at the end of each calculation, after the status text is set. The count is 0 when it was not yet
@@ -86,8 +85,7 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// records of the unit's parameters, of which there may be fewer than the unit has. Nothing of the unit
   /// changes: what is returned makes the change once the parameters are loaded, and may not fail. Throws
   /// Failure.
-  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int,
-                                                       const std::vector<ParameterRecord>&) {
+  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>&) {
     return {};
   }
 

@@ -22,8 +22,7 @@ CParamCollection::CParamCollection(BaseUnit* owner)
     : Implements("Parameter Collection", "Parameters of the unit", __uuidof(DCollection)), unit(owner) {}
 
 BaseUnit& CParamCollection::Unit() const {
-  if (!unit)
-    throw Failure(UnitError{"internal error", "internal error: unit not set for param collection", {}, {}});
+  if (!unit) throw Failure(UnitError{"internal error", "internal error: unit not set for param collection", {}, {}});
   unit->RequireInitialized();
   return *unit;
 }

@@ -54,8 +54,7 @@ template <class Body>
 HRESULT CParameter::Enter(std::string_view scope, Body&& body) {
   return Guard(scope, "ICapeParameter", [&] {
     if (isArrayMember)
-      throw Failure(UnitError{"not a parameter",
-                              "Interface is not a parameter, but member of a parameter array", scope,
+      throw Failure(UnitError{"not a parameter", "Interface is not a parameter, but member of a parameter array", scope,
                               "ICapeParameter"});
     body();
   });
@@ -198,10 +197,9 @@ void CParameter::AppendFaces(std::vector<com::Face>& faces) {
   // The specifications of the other kinds bear the same names.
   const GUID own = SpecificationOf(Kind());
   for (const com::Face& face : all) {
-    const bool foreign =
-        std::ranges::any_of(std::array{CAPE_REAL, CAPE_INT, CAPE_OPTION, CAPE_BOOLEAN, CAPE_ARRAY},
-                            [&](CapeParamType kind) { return face.iid == SpecificationOf(kind); }) &&
-        !(face.iid == own);
+    const bool foreign = std::ranges::any_of(std::array{CAPE_REAL, CAPE_INT, CAPE_OPTION, CAPE_BOOLEAN, CAPE_ARRAY},
+                                             [&](CapeParamType kind) { return face.iid == SpecificationOf(kind); }) &&
+                         !(face.iid == own);
     if (!foreign) faces.push_back(face);
   }
 }
@@ -241,8 +239,7 @@ std::string CParameter::AskUnit(const ParameterValue& candidate) const {
   const auto owner = com::Ref<BaseUnit>::Share(unit);
   if (!owner) return {};
   std::string fault;
-  const bool accepted =
-      ForwardError({}, {}, [&] { return owner->ValidateParameterValue(*this, fault, candidate); });
+  const bool accepted = ForwardError({}, {}, [&] { return owner->ValidateParameterValue(*this, fault, candidate); });
   if (accepted) return {};
   return fault.empty() ? "value refused by the unit" : fault;
 }

@@ -19,10 +19,9 @@ class BaseUnit;
 ///
 /// An element of an array parameter is such an object too (`isArrayMember`): it has a specification but is no
 /// parameter.
-class CParameter final
-    : public com::Implements<BaseObject, ICapeParameter, ICapeParameterSpec, ICapeRealParameterSpec,
-                             ICapeIntegerParameterSpec, ICapeOptionParameterSpec, ICapeBooleanParameterSpec,
-                             ICapeArrayParameterSpec> {
+class CParameter final : public com::Implements<BaseObject, ICapeParameter, ICapeParameterSpec, ICapeRealParameterSpec,
+                                                ICapeIntegerParameterSpec, ICapeOptionParameterSpec,
+                                                ICapeBooleanParameterSpec, ICapeArrayParameterSpec> {
  public:
   CParameter(const ParameterDeclaration& declaration, BaseUnit* owner);
   /// A parameter that a record describes.
@@ -100,16 +99,14 @@ class CParameter final
 
  private:
   /// Scripts know numbers, not the forms that a parameter's value must have exactly.
-  [[nodiscard]] std::optional<com::Variant> AdaptPut(REFIID iid, DISPID member,
-                                                     const VARIANT& given) const override;
+  [[nodiscard]] std::optional<com::Variant> AdaptPut(REFIID iid, DISPID member, const VARIANT& given) const override;
 
   template <class Body>
   HRESULT Enter(std::string_view scope, Body&& body);
   template <class Body>
   HRESULT EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName, Body&& body);
   HRESULT ValidateCandidate(CapeParamType kind, std::string_view interfaceName,
-                            const std::function<ParameterValue()>& candidate, BSTR* message,
-                            VARIANT_BOOL* isValid);
+                            const std::function<ParameterValue()>& candidate, BSTR* message, VARIANT_BOOL* isValid);
   [[nodiscard]] com::Ref<CParameter> MakeArrayMember(std::size_t position) const;
   [[nodiscard]] ValueLimits Limits() const;
   [[nodiscard]] std::string Check(const ParameterValue& candidate) const;

@@ -33,8 +33,7 @@ com::Variant MakeVerdicts(const std::vector<std::string>& messages) {
 }  // namespace
 
 template <class Body>
-HRESULT CParameter::EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName,
-                              Body&& body) {
+HRESULT CParameter::EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName, Body&& body) {
   return Guard(scope, interfaceName, [&] {
     if (Kind() != kind)
       throw Failure(UnitError{"invalid call", "wrong interface for parameter type", scope, interfaceName});
@@ -93,8 +92,7 @@ HRESULT CParameter::Validate(double candidate, BSTR* message, VARIANT_BOOL* isVa
 HRESULT CParameter::get_DefaultValue(LONG* result) {
   if (!result) return E_POINTER;
   *result = {};
-  return EnterSpec(CAPE_INT, "get_DefaultValue", kInteger,
-                   [&] { *result = std::get<std::int32_t>(defaultValue); });
+  return EnterSpec(CAPE_INT, "get_DefaultValue", kInteger, [&] { *result = std::get<std::int32_t>(defaultValue); });
 }
 
 HRESULT CParameter::get_LowerBound(LONG* bound) {
@@ -124,8 +122,7 @@ HRESULT CParameter::get_DefaultValue(BSTR* result) {
 HRESULT CParameter::get_OptionList(VARIANT* list) {
   if (!list) return E_POINTER;
   VariantInit(list);
-  return EnterSpec(CAPE_OPTION, "get_OptionList", kOption,
-                   [&] { *list = com::MakeStrings(options).Detach(); });
+  return EnterSpec(CAPE_OPTION, "get_OptionList", kOption, [&] { *list = com::MakeStrings(options).Detach(); });
 }
 
 HRESULT CParameter::get_RestrictedToList(VARIANT_BOOL* restricted) {
@@ -162,8 +159,7 @@ HRESULT CParameter::get_Size(VARIANT* sizes) {
   if (!sizes) return E_POINTER;
   VariantInit(sizes);
   return EnterSpec(CAPE_ARRAY, "get_Size", kArray, [&] {
-    const std::array<std::int32_t, 1> size = {
-        static_cast<std::int32_t>(std::get<std::vector<double>>(value).size())};
+    const std::array<std::int32_t, 1> size = {static_cast<std::int32_t>(std::get<std::vector<double>>(value).size())};
     *sizes = MakeForHost([&] { return com::MakeIntegers(size); }).Detach();
   });
 }
@@ -172,14 +168,13 @@ HRESULT CParameter::get_ItemsSpecifications(VARIANT* specifications) {
   if (!specifications) return E_POINTER;
   VariantInit(specifications);
   return EnterSpec(CAPE_ARRAY, "get_ItemsSpecifications", kArray, [&] {
-    *specifications =
-        MakeForHost([&] {
-          std::vector<com::Variant> members(std::get<std::vector<double>>(value).size());
-          for (std::size_t i = 0; i < members.size(); ++i)
-            members[i] = com::MakeObject(
-                com::Query<IDispatch>(static_cast<ICapeParameter*>(MakeArrayMember(i).Get())).Get());
-          return com::MakeVariants(members);
-        }).Detach();
+    *specifications = MakeForHost([&] {
+                        std::vector<com::Variant> members(std::get<std::vector<double>>(value).size());
+                        for (std::size_t i = 0; i < members.size(); ++i)
+                          members[i] = com::MakeObject(
+                              com::Query<IDispatch>(static_cast<ICapeParameter*>(MakeArrayMember(i).Get())).Get());
+                        return com::MakeVariants(members);
+                      }).Detach();
   });
 }
 

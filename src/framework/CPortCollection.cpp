@@ -22,8 +22,7 @@ CPortCollection::CPortCollection(BaseUnit* owner)
     : Implements("Port Collection", "Ports of the unit", __uuidof(DCollection)), unit(owner) {}
 
 BaseUnit& CPortCollection::Unit() const {
-  if (!unit)
-    throw Failure(UnitError{"internal error", "internal error: unit not set for port collection", {}, {}});
+  if (!unit) throw Failure(UnitError{"internal error", "internal error: unit not set for port collection", {}, {}});
   unit->RequireInitialized();
   return *unit;
 }

@@ -22,16 +22,13 @@ constexpr CollectionTexts kTexts = {
 
 constexpr const char* kNotExported = "internal error, information item is not exported by port";
 
-Failure ConnectFailure(std::string why) {
-  return Failure(UnitError{"failed to connect", std::move(why), {}, {}});
-}
+Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
 
 bool IsMatch(const com::Variant& id) { return id.Get().vt != VT_EMPTY; }
 
 }  // namespace
 
-CUnitInfoPort::CUnitInfoPort(const PortDeclaration& declaration, BaseUnit& owner)
-    : Implements(declaration, owner) {
+CUnitInfoPort::CUnitInfoPort(const PortDeclaration& declaration, BaseUnit& owner) : Implements(declaration, owner) {
   for (const InformationItem& item : declaration.items) items.push_back(com::Make<CInfoParamDesc>(item));
   matched.resize(items.size());
 }
@@ -66,11 +63,9 @@ void CUnitInfoPort::Accept(IDispatch* object) {
   HRESULT failure = S_OK;
   const auto dispatch = com::Query<IDispatch>(object, &failure);
   if (!dispatch)
-    throw ConnectFailure("failed to obtain IDispatch interface to " + kind +
-                         " object: " + ErrorText(object, failure));
+    throw ConnectFailure("failed to obtain IDispatch interface to " + kind + " object: " + ErrorText(object, failure));
   const auto collection = dispatch.As<ICapeCollection>();
-  if (!collection)
-    throw ConnectFailure("The object that requested connection does not implement ICapeCollection");
+  if (!collection) throw ConnectFailure("The object that requested connection does not implement ICapeCollection");
   matched = Match(*collection);
   Keep(dispatch);
 }
@@ -91,8 +86,7 @@ CUnitInfoPort::Matches CUnitInfoPort::Match(ICapeCollection& collection) {
 void CUnitInfoPort::MatchOnly(Matches& matches, ConnectedParameter parameter) {
   if (MatchesDimensionality(parameter.dimensionality, items.front()->Dimensions()))
     return MatchItem(matches, 0, std::move(parameter));
-  Log("Warning: Parameter " + parameter.name +
-      " on object matches does not match dimensionality with port parameter");
+  Log("Warning: Parameter " + parameter.name + " on object matches does not match dimensionality with port parameter");
   Log("Port \"" + ComponentName() + "\" does not predict values for \"" + parameter.name +
       "\"; no suitable information item is present");
 }
@@ -125,8 +119,7 @@ void CUnitInfoPort::MatchItem(Matches& matches, std::size_t item, ConnectedParam
 }
 
 void CUnitInfoPort::JudgeUnmatched(std::size_t item) {
-  const std::string text = "nformation item \"" + items[item]->ComponentName() + "\" of port \"" +
-                           ComponentName() +
+  const std::string text = "nformation item \"" + items[item]->ComponentName() + "\" of port \"" + ComponentName() +
                            "\" could not be matched to any parameter available on the object to connect to";
   if (!items[item]->IsOptional()) throw ConnectFailure("I" + text);
   Log("Warning: Optional i" + text);
@@ -134,9 +127,7 @@ void CUnitInfoPort::JudgeUnmatched(std::size_t item) {
 
 void CUnitInfoPort::Log(const std::string& line) { Unit().LogToHost(line); }
 
-bool CUnitInfoPort::IsMatched(std::size_t item) const {
-  return item < matched.size() && IsMatch(matched[item]);
-}
+bool CUnitInfoPort::IsMatched(std::size_t item) const { return item < matched.size() && IsMatch(matched[item]); }
 
 com::Ref<ICapeParameter> CUnitInfoPort::MatchedParameter(std::size_t item) {
   if (item >= items.size()) throw Failure(kNotExported);
@@ -147,8 +138,7 @@ com::Ref<ICapeParameter> CUnitInfoPort::MatchedParameter(std::size_t item) {
   HRESULT failure = S_OK;
   const auto collection = object.As<ICapeCollection>(&failure);
   if (!collection)
-    throw Failure("failed to get ICapeCollection from object connected to port, " +
-                  ErrorText(object.Get(), failure));
+    throw Failure("failed to get ICapeCollection from object connected to port, " + ErrorText(object.Get(), failure));
   com::Ref<IDispatch> found;
   CheckHost(collection->Item(id.Get(), found.Put()), collection.Get(), [&](const std::string& why) {
     const std::string shown =
@@ -157,8 +147,7 @@ com::Ref<ICapeParameter> CUnitInfoPort::MatchedParameter(std::size_t item) {
                    " from connected object's parameter collection: " + why);
   });
   auto parameter = found.As<ICapeParameter>(&failure);
-  if (!parameter)
-    throw Failure("Failed to get ICapeParameter from parameter: " + ErrorText(found.Get(), failure));
+  if (!parameter) throw Failure("Failed to get ICapeParameter from parameter: " + ErrorText(found.Get(), failure));
   return parameter;
 }
 

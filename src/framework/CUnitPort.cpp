@@ -9,9 +9,7 @@ namespace {
 
 constexpr std::string_view kInterface = "ICapeUnitPort";
 
-Failure ConnectFailure(std::string why) {
-  return Failure(UnitError{"failed to connect", std::move(why), {}, {}});
-}
+Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
 
 }  // namespace
 

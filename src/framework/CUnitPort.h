@@ -48,19 +48,17 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
   /// Reads temperature [K], pressure [Pa], total flow [mol/s] and `count` mole fractions from the material.
   void ReadState(std::size_t count);
 
-  void SetProp(com::Name property, com::Name phase, const VARIANT& compoundIds, com::Name calcType,
-               com::Name basis, const VARIANT& values);
+  void SetProp(com::Name property, com::Name phase, const VARIANT& compoundIds, com::Name calcType, com::Name basis,
+               const VARIANT& values);
   /// Reads stored values.
   [[nodiscard]] com::Variant GetProp(com::Name property, com::Name phase, const VARIANT& compoundIds,
                                      com::Name calcType, com::Name basis);
   /// Calculates on a copy of the material. An empty basis asks for a total [.../s], others for a molar value.
   /// (Under thermo 1.0 a "Mass" basis of an emulated overall property is answered with the molar value: ask
   /// for "Mole".)
-  [[nodiscard]] com::Variant GetProperty(com::Name property, com::Name phase, com::Name calcType,
-                                         com::Name basis);
+  [[nodiscard]] com::Variant GetProperty(com::Name property, com::Name phase, com::Name calcType, com::Name basis);
   /// Calculates on the connected material itself.
-  [[nodiscard]] com::Variant GetPropertyNoDup(com::Name property, com::Name phase, com::Name calcType,
-                                              com::Name basis);
+  [[nodiscard]] com::Variant GetPropertyNoDup(com::Name property, com::Name phase, com::Name calcType, com::Name basis);
   [[nodiscard]] com::Bstr GetVaporName();
   [[nodiscard]] com::Ref<IDispatch> DuplicateMaterial();
   /// The compound list as the host gives it, whatever its form.

@@ -42,8 +42,8 @@ void CUnitPort::ReadState(std::size_t count) {
   OnMaterial("GetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto explain = [&](Name property) {
       return [&port, property](const std::string& why) {
-        return Failure("failed to get property " + material::Shown(property) +
-                       " from material connected to port " + port.portName + ": " + why);
+        return Failure("failed to get property " + material::Shown(property) + " from material connected to port " +
+                       port.portName + ": " + why);
       };
     };
     const auto read = [&](Name property, Name basis) {
@@ -51,8 +51,7 @@ void CUnitPort::ReadState(std::size_t count) {
     };
     const auto scalar = [&](Name property, Name basis) {
       const auto fail = explain(property);
-      return material::ReadScalar(read(property, basis).Get(), fail,
-                                  [&] { return fail("1 values expected"); });
+      return material::ReadScalar(read(property, basis).Get(), fail, [&] { return fail("1 values expected"); });
     };
     state.temperature = scalar(names::kTemperature, {});
     state.pressure = scalar(names::kPressure, {});
@@ -76,8 +75,7 @@ void CUnitPort::SetProp(Name property, Name phase, const VARIANT& compoundIds, N
   });
 }
 
-com::Variant CUnitPort::GetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType,
-                                Name basis) {
+com::Variant CUnitPort::GetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType, Name basis) {
   return OnMaterial("GetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetProp(port, {property, phase, calcType, basis}, compoundIds);
   });
@@ -97,22 +95,20 @@ com::Variant CUnitPort::GetPropertyNoDup(Name property, Name phase, Name calcTyp
 
 com::Bstr CUnitPort::GetVaporName() {
   return OnMaterial(
-      "GetVaporName",
-      [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetVaporName(port); }, "CPort");
+      "GetVaporName", [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetVaporName(port); },
+      "CPort");
 }
 
 com::Ref<IDispatch> CUnitPort::DuplicateMaterial() {
-  return OnMaterial("DuplicateMaterial", [](const Thermo& thermo, const PortMaterial& port) {
-    return thermo.DuplicateMaterial(port);
-  });
+  return OnMaterial("DuplicateMaterial",
+                    [](const Thermo& thermo, const PortMaterial& port) { return thermo.DuplicateMaterial(port); });
 }
 
 com::Variant CUnitPort::GetCompoundList() {
   return Recorded("GetCompoundIds", "UnitPort", [&] {
     if (!IsConnected()) throw Failure(ComponentName() + ": port is not connected");
-    return OnMaterial("GetCompoundIds", [](const Thermo& thermo, const PortMaterial& port) {
-      return thermo.GetCompoundList(port);
-    });
+    return OnMaterial("GetCompoundIds",
+                      [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetCompoundList(port); });
   });
 }
 
@@ -150,12 +146,12 @@ material::CompoundIdentities CUnitPort::GetCompoundIdentities() {
                                 {},
                                 {}});
     if (identities.casNumbers.size() != identities.names.size())
-      throw Failure(UnitError{
-          title,
-          "Invalid compound names from material object: " + std::to_string(identities.names.size()) +
-              " names but " + std::to_string(identities.casNumbers.size()) + " CAS numbers",
-          {},
-          {}});
+      throw Failure(
+          UnitError{title,
+                    "Invalid compound names from material object: " + std::to_string(identities.names.size()) +
+                        " names but " + std::to_string(identities.casNumbers.size()) + " CAS numbers",
+                    {},
+                    {}});
     return identities;
   });
 }
@@ -164,8 +160,8 @@ std::vector<double> CUnitPort::GetCompoundConstant(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const std::string name = material::Shown(constant);
     const auto invalid = [&](const std::string&) {
-      return Failure(UnitError{
-          "Could not get " + name + " from port " + port.portName, "Invalid values for " + name, {}, {}});
+      return Failure(
+          UnitError{"Could not get " + name + " from port " + port.portName, "Invalid values for " + name, {}, {}});
     };
     const com::Variant raw = thermo.GetCompoundConstant(port, constant);
     const std::vector<double> values = material::ReadOr([&] { return ReadConstants(raw); }, invalid);
@@ -179,13 +175,12 @@ std::vector<double> CUnitPort::GetCompoundConstant(Name constant) {
 std::vector<std::string> CUnitPort::GetCompoundText(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto fail = [&](const std::string& why) {
-      return Failure(UnitError{
-          "Could not get " + material::Shown(constant) + " from port " + port.portName, why, {}, {}});
+      return Failure(
+          UnitError{"Could not get " + material::Shown(constant) + " from port " + port.portName, why, {}, {}});
     };
     const com::Variant raw = thermo.GetCompoundConstant(port, constant);
-    const auto elements =
-        material::ReadOr([&] { return com::ReadVariants(raw.Get()); },
-                         [&](const std::string& why) { return fail("Invalid data: " + why); });
+    const auto elements = material::ReadOr([&] { return com::ReadVariants(raw.Get()); },
+                                           [&](const std::string& why) { return fail("Invalid data: " + why); });
     if (elements.empty()) throw fail("No data");
     std::vector<std::string> texts;
     for (const com::Variant& element : elements)
@@ -199,31 +194,26 @@ std::vector<std::string> CUnitPort::GetCompoundText(Name constant) {
 std::vector<material::PhaseFraction> CUnitPort::GetPhaseFractions() {
   return OnMaterial(
       "Calculate",
-      [](const Thermo& thermo, const PortMaterial& port) {
-        return thermo.GetPhaseFractions(port.object.Get());
-      },
+      [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPhaseFractions(port.object.Get()); },
       "ICapeUnit");
 }
 
 std::vector<std::string> CUnitPort::GetPhaseLabels() {
-  return OnMaterial("GetPhaseLabels", [](const Thermo& thermo, const PortMaterial& port) {
-    return thermo.GetPhaseLabels(port);
-  });
+  return OnMaterial("GetPhaseLabels",
+                    [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPhaseLabels(port); });
 }
 
 std::vector<std::string> CUnitPort::GetPropertyList() {
-  return OnMaterial("GetPropertyList", [](const Thermo& thermo, const PortMaterial& port) {
-    return thermo.GetPropertyList(port);
-  });
+  return OnMaterial("GetPropertyList",
+                    [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPropertyList(port); });
 }
 
 void CUnitPort::CalcEquilibrium(Name flashType) {
   Recorded("CalcEquilibrium", "UnitPort", [&] {
     if (!IsConnected())
       throw Failure(UnitError{"not connected", "port " + ComponentName() + " is not connected", {}, {}});
-    OnMaterial("CalcEquilibrium", [&](const Thermo& thermo, const PortMaterial& port) {
-      thermo.CalcEquilibrium(port, state, flashType);
-    });
+    OnMaterial("CalcEquilibrium",
+               [&](const Thermo& thermo, const PortMaterial& port) { thermo.CalcEquilibrium(port, state, flashType); });
   });
 }
 
@@ -247,15 +237,14 @@ void CUnitPort::CheckCompoundLists(std::span<const std::string> list, const CUni
     } catch (const Failure& failure) {
       throw invalid(failure.error.description);
     }
-    const std::vector<std::string> ids =
-        material::ReadOr([&] { return com::ReadStrings(raw.Get()); }, invalid);
+    const std::vector<std::string> ids = material::ReadOr([&] { return com::ReadStrings(raw.Get()); }, invalid);
     if (ids.empty()) throw Failure("No compounds present on port " + own);
     if (ids.size() != list.size())
       throw Failure("Compounds count present on port " + both + "number of compounds on port " +
                     referencePort.ComponentName() + advice);
     if (!std::ranges::equal(ids, list, com::EqualNoCase))
-      throw Failure("Compounds list on port " + both + "compound list on port " +
-                    referencePort.ComponentName() + advice);
+      throw Failure("Compounds list on port " + both + "compound list on port " + referencePort.ComponentName() +
+                    advice);
   });
 }
 

@@ -40,8 +40,8 @@ Json ParseConfiguration(const std::string& text, const Json& known) try {
   throw Failure(std::string("the configuration can't be read: ") + error.what());
 }
 
-std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std::int32_t lowest,
-                                 std::int32_t highest, std::int32_t otherwise) {
+std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std::int32_t lowest, std::int32_t highest,
+                                 std::int32_t otherwise) {
   const auto found = configuration.find(key);
   if (found == configuration.end()) return otherwise;
   // (Not as an integer at once: that would wrap around what is too large.)
@@ -52,8 +52,8 @@ std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std
   return static_cast<std::int32_t>(number);
 }
 
-std::size_t ReadConfiguredChoice(const Json& configuration, const char* key,
-                                 const std::vector<std::string>& choices, std::size_t otherwise) {
+std::size_t ReadConfiguredChoice(const Json& configuration, const char* key, const std::vector<std::string>& choices,
+                                 std::size_t otherwise) {
   const auto found = configuration.find(key);
   if (found == configuration.end()) return otherwise;
   const auto choice = std::ranges::find_if(choices, [&](const std::string& candidate) {

@@ -19,15 +19,13 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json ParseConfiguration(const std::string& text, const Json& known);
 
 /// A whole number between two bounds, or `otherwise` when the key is absent. Throws Failure.
-[[nodiscard]] std::int32_t ReadConfiguredCount(const Json& configuration, const char* key,
-                                               std::int32_t lowest, std::int32_t highest,
-                                               std::int32_t otherwise);
+[[nodiscard]] std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std::int32_t lowest,
+                                               std::int32_t highest, std::int32_t otherwise);
 
 /// The position among `choices` of a text, ignoring case, or `otherwise` when the key is absent. Throws
 /// Failure.
 [[nodiscard]] std::size_t ReadConfiguredChoice(const Json& configuration, const char* key,
-                                               const std::vector<std::string>& choices,
-                                               std::size_t otherwise);
+                                               const std::vector<std::string>& choices, std::size_t otherwise);
 
 /// A unit with more to tell it than its parameters: `class X : public Configurable<StreamUnit>`.
 template <class Base>

@@ -8,23 +8,19 @@
 namespace morvelan {
 namespace {
 
-Failure ConnectFailure(std::string why) {
-  return Failure(UnitError{"failed to connect", std::move(why), {}, {}});
-}
+Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
 
 std::string NameOf(IDispatch* object) {
   const auto identification = com::Query<ICapeIdentification>(object);
   com::Bstr name;
-  if (!identification || FAILED(identification->get_ComponentName(name.Put())) ||
-      SysStringLen(name.Get()) == 0)
+  if (!identification || FAILED(identification->get_ComponentName(name.Put())) || SysStringLen(name.Get()) == 0)
     return "<unknown>";
   return com::ToUtf8(name.Get());
 }
 
 std::vector<double> DimensionalityOf(ICapeParameterSpec& specification, const std::string& name) {
   const auto fail = [&](const std::string&) {
-    return ConnectFailure("Unable to interpret dimensionality on parameter " + name +
-                          " in the object to connect to");
+    return ConnectFailure("Unable to interpret dimensionality on parameter " + name + " in the object to connect to");
   };
   com::Variant exponents;
   CheckHost(specification.get_Dimensionality(exponents.Put()), &specification, fail);
@@ -41,8 +37,7 @@ ConnectedParameter Read(IDispatch* object, com::Variant id) {
   const std::string where = "parameter " + name + " in the object to connect to";
   const auto parameter = com::Query<ICapeParameter>(object);
   if (!parameter)
-    throw ConnectFailure("Parameter " + name +
-                         " of the object to connect to does not return ICapeParameter interface");
+    throw ConnectFailure("Parameter " + name + " of the object to connect to does not return ICapeParameter interface");
   com::Ref<IDispatch> dispatch;
   CheckHost(parameter->get_Specification(dispatch.Put()), parameter.Get(), [&](const std::string& why) {
     return ConnectFailure("get_Specification failed on " + where + ": " + why);
@@ -69,8 +64,7 @@ std::vector<ConnectedParameter> ReadConnectedParameters(ICapeCollection& collect
         "to: " +
         why);
   });
-  if (count < 1)
-    throw ConnectFailure("The parameter collection implemented by the object to connect to is empty");
+  if (count < 1) throw ConnectFailure("The parameter collection implemented by the object to connect to is empty");
   std::vector<ConnectedParameter> parameters;
   for (LONG i = 1; i <= count; ++i) {
     com::Variant index = com::MakeInteger(i);
@@ -83,15 +77,13 @@ std::vector<ConnectedParameter> ReadConnectedParameters(ICapeCollection& collect
     ConnectedParameter parameter = Read(item.Get(), std::move(index));
     if (std::ranges::any_of(parameters,
                             [&](const auto& other) { return com::EqualNoCase(other.name, parameter.name); }))
-      throw ConnectFailure("The object to connect two exposes two parameters that go by the name " +
-                           parameter.name);
+      throw ConnectFailure("The object to connect two exposes two parameters that go by the name " + parameter.name);
     parameters.push_back(std::move(parameter));
   }
   return parameters;
 }
 
-std::optional<ConnectedParameter> FindConnectedParameter(ICapeCollection& collection,
-                                                         const std::string& name) {
+std::optional<ConnectedParameter> FindConnectedParameter(ICapeCollection& collection, const std::string& name) {
   com::Variant id = com::MakeString(name);
   com::Ref<IDispatch> item;
   if (FAILED(collection.Item(id.Get(), item.Put())) || !item) return std::nullopt;

@@ -28,7 +28,6 @@ struct ConnectedParameter {
                                                                        const std::string& name);
 
 /// True when the exponents agree within 1e-6 and those that are missing are 0 in `expected`.
-[[nodiscard]] bool MatchesDimensionality(const std::vector<double>& exponents,
-                                         const Dimensionality& expected);
+[[nodiscard]] bool MatchesDimensionality(const std::vector<double>& exponents, const Dimensionality& expected);
 
 }  // namespace morvelan

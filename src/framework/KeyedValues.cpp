@@ -91,8 +91,7 @@ std::vector<std::string> ReadConfiguredTexts(const Json& configuration, const ch
   return found->get<std::vector<std::string>>();
 }
 
-std::vector<double> ReadConfiguredNumbers(const Json& configuration, const char* key,
-                                          std::vector<double> otherwise) {
+std::vector<double> ReadConfiguredNumbers(const Json& configuration, const char* key, std::vector<double> otherwise) {
   const auto found = configuration.find(key);
   if (found == configuration.end()) return otherwise;
   const auto isNumber = [](const Json& e) { return e.is_number() || e.is_null(); };

@@ -7,11 +7,9 @@
 namespace morvelan {
 namespace {
 
-constexpr const char* kElementOutOfBounds =
-    "value out of bounds an array element for setting array parameter value";
+constexpr const char* kElementOutOfBounds = "value out of bounds an array element for setting array parameter value";
 
-constexpr const char* kNoDouble =
-    "invalid type for an array element for setting array parameter value: VT_R8 expected";
+constexpr const char* kNoDouble = "invalid type for an array element for setting array parameter value: VT_R8 expected";
 
 template <class... Visitors>
 struct Overloaded : Visitors... {
@@ -73,16 +71,15 @@ std::string CheckLimits(const ParameterValue& value, const ValueLimits& limits) 
                         },
                         [&](const std::string& option) -> std::string {
                           if (!limits.allowed) return "";
-                          const bool listed = std::ranges::any_of(
-                              *limits.allowed,
-                              [&](const std::string& choice) { return com::EqualNoCase(choice, option); });
+                          const bool listed = std::ranges::any_of(*limits.allowed, [&](const std::string& choice) {
+                            return com::EqualNoCase(choice, option);
+                          });
                           return listed ? "" : "invalid choice";
                         },
                         [](bool) -> std::string { return ""; },
                         [&](const std::vector<double>& elements) -> std::string {
                           for (const double element : elements)
-                            if (std::string fault = CheckElement(element, limits); !fault.empty())
-                              return fault;
+                            if (std::string fault = CheckElement(element, limits); !fault.empty()) return fault;
                           return "";
                         },
                     },

@@ -38,8 +38,7 @@ struct ReadValue {
 
 /// Reads a host's variant, which must have exactly the form of the kind and lie within the limits; references
 /// to such a form are followed.
-[[nodiscard]] ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant,
-                                           const ValueLimits& limits);
+[[nodiscard]] ReadValue ReadParameterValue(CapeParamType kind, const VARIANT& variant, const ValueLimits& limits);
 
 /// The outcome of reading a host's value as an array parameter: its elements, with what is wrong with each
 /// (empty for nothing), or why it is no array.

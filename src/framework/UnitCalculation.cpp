@@ -73,8 +73,7 @@ int BaseUnit::PreparePorts() {
   if (checkCompounds && !FirstConnectedMaterialInlet()) {
     for (const auto& outlet : outlets)
       if (outlet->IsConnectedMaterial())
-        throw Failure(
-            UnitError{"internal error", "unit has material outlets but no material inlets", {}, {}});
+        throw Failure(UnitError{"internal error", "unit has material outlets but no material inlets", {}, {}});
     return 0;
   }
   return ForwardError(kScope, kInterface, [&] {
@@ -124,11 +123,9 @@ double BaseUnit::HFromPSFlash(double pressure, double entropy) {
   const std::string_view scope = calculating ? kScope : "HFromPSFlash";
   const std::string_view interfaceName = calculating ? kInterface : "BaseUnit";
   try {
-    const auto first =
-        std::ranges::find_if(inlets, [](const auto& port) { return port->Type() == CAPE_MATERIAL; });
+    const auto first = std::ranges::find_if(inlets, [](const auto& port) { return port->Type() == CAPE_MATERIAL; });
     if (first == inlets.end() || !(*first)->IsConnected())
-      throw Failure(
-          UnitError{"Failed to get material", "Failed to get material connected to inlet port", {}, {}});
+      throw Failure(UnitError{"Failed to get material", "Failed to get material connected to inlet port", {}, {}});
     const com::Ref<CUnitPort> inlet = *first;
     return material::ThermoInForce(useThermo11)
         .HFromPSFlash({inlet->ConnectedObject(), inlet->ComponentName(), emulation}, pressure, entropy);

@@ -45,8 +45,8 @@ BaseUnit::Verdict BaseUnit::ValidateAll() {
   RefreshThermoVersion();
   Verdict verdict;
   try {
-    verdict.fault = ForwardError(kScope, kInterface,
-                                 [&] { return Recorded(kScope, kInterface, [&] { return FindFault(); }); });
+    verdict.fault =
+        ForwardError(kScope, kInterface, [&] { return Recorded(kScope, kInterface, [&] { return FindFault(); }); });
     // A host that calls back while it answers may change what has been checked already.
     if (verdict.fault.empty() && valStatus != CAPE_INVALID)
       verdict.fault = "the unit was changed while it was validated";
@@ -74,8 +74,7 @@ std::string BaseUnit::FindUnconnectedPort() const {
   for (const auto& inlet : inlets)
     if (!inlet->IsConnected()) return UnconnectedInlet(inlet->Type());
   for (const auto& outlet : outlets)
-    if (outlet->Type() == CAPE_MATERIAL && !outlet->IsConnected())
-      return "not all material ports are connected";
+    if (outlet->Type() == CAPE_MATERIAL && !outlet->IsConnected()) return "not all material ports are connected";
   return {};
 }
 
@@ -85,11 +84,11 @@ std::string BaseUnit::FindCompoundMismatch() try {
   if (ports.empty()) return {};
   CUnitPort& reference = *ports.front();
   const com::Variant raw = reference.GetCompoundList();
-  const std::vector<std::string> list = material::ReadOr(
-      [&] { return com::ReadStrings(raw.Get()); },
-      [&](const std::string& why) {
-        return Failure("Invalid list of compounds from " + reference.ComponentName() + ": " + why);
-      });
+  const std::vector<std::string> list =
+      material::ReadOr([&] { return com::ReadStrings(raw.Get()); },
+                       [&](const std::string& why) {
+                         return Failure("Invalid list of compounds from " + reference.ComponentName() + ": " + why);
+                       });
   if (list.empty()) return "No chemical compounds on port " + reference.ComponentName();
   for (std::size_t i = 1; i < ports.size(); ++i) ports[i]->CheckCompoundLists(list, reference);
   if (&reference == FirstConnectedMaterialInlet()) validatedCompoundCount = list.size();
@@ -114,8 +113,8 @@ std::string BaseUnit::FindMissingProperty() try {
   if (required.empty() || !feed) return {};
   const std::vector<std::string> supported = feed->GetPropertyList();
   for (const std::string& property : required) {
-    const bool found = std::ranges::any_of(
-        supported, [&](const std::string& name) { return com::EqualNoCase(name, property); });
+    const bool found =
+        std::ranges::any_of(supported, [&](const std::string& name) { return com::EqualNoCase(name, property); });
     if (!found)
       return "Unit " + ComponentName() + " needs property " + property + ", which the material on port " +
              feed->ComponentName() + " does not calculate";

@@ -13,8 +13,7 @@ using Material = com::Ref<ICapeThermoMaterialObject>;
 
 HRESULT SetOverall(const Material& material, Name property, Name basis, const com::Variant& values,
                    Name calcType = {}) {
-  return material->SetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text,
-                           values.Get());
+  return material->SetProp(property.text, names::kOverall.text, com::kNoValue, calcType.text, basis.text, values.Get());
 }
 
 }  // namespace
@@ -24,11 +23,11 @@ void Thermo10::CalcEquilibrium(const PortMaterial& port, const StreamState& stat
   HRESULT failure = S_OK;
   const Material material = port.object.As<ICapeThermoMaterialObject>(&failure);
   if (!material)
-    throw Failure(UnitError{
-        "Failed to get material interface",
-        "Failed to get ICapeThermoMaterialObject from material: " + ErrorText(port.object.Get(), failure),
-        {},
-        {}});
+    throw Failure(
+        UnitError{"Failed to get material interface",
+                  "Failed to get ICapeThermoMaterialObject from material: " + ErrorText(port.object.Get(), failure),
+                  {},
+                  {}});
   const auto set = [&](Name property, Name basis, const com::Variant& value) {
     CheckHost(SetOverall(material, property, basis, value), material.Get(),
               [&](const std::string& why) { return SettingFailure("SetProp failed", property, why); });
@@ -43,10 +42,8 @@ void Thermo10::CalcEquilibrium(const PortMaterial& port, const StreamState& stat
 double Thermo10::HFromPSFlash(const PortMaterial& inlet, double pressure, double entropy) const {
   const Material material = inlet.object.As<ICapeThermoMaterialObject>();
   if (!material)
-    throw Failure(UnitError{"Failed to get material interface",
-                            "Failed to get interface to material connected to inlet port",
-                            {},
-                            {}});
+    throw Failure(UnitError{
+        "Failed to get material interface", "Failed to get interface to material connected to inlet port", {}, {}});
   com::Ref<IDispatch> copy;
   CheckHost(material->Duplicate(copy.Put()), material.Get(),
             [](const std::string& why) { return Failure("Failed to duplicate material: " + why); });
@@ -54,8 +51,7 @@ double Thermo10::HFromPSFlash(const PortMaterial& inlet, double pressure, double
   const Material scratch = copy.As<ICapeThermoMaterialObject>(&failure);
   if (!scratch) throw Failure("Failed to obtain material interface: " + ErrorText(copy.Get(), failure));
   const auto set = [&](Name property, Name calcType, Name basis, double value) {
-    CheckHost(SetOverall(scratch, property, basis, com::MakeDoubles(std::array{value}), calcType),
-              scratch.Get(),
+    CheckHost(SetOverall(scratch, property, basis, com::MakeDoubles(std::array{value}), calcType), scratch.Get(),
               [&](const std::string& why) { return SettingFailure("SetProp failed", property, why); });
   };
   set(names::kPressure, {}, {}, pressure);
@@ -77,11 +73,9 @@ double Thermo10::CalcNormalEnthalpy(const PortMaterial& port, std::span<const do
   set("pressure", names::kPressure, {}, std::array{kNormalPressure});
   set("temperature", names::kTemperature, {}, std::array{kNormalTemperature});
   set("composition", names::kFraction, names::kMole, composition);
-  CheckHost(
-      scratch->CalcEquilibrium(names::kTP.text, com::kNoValue), scratch.Get(), [](const std::string& why) {
-        return Failure("Failed to calculate TP flash on duplicate material object at normal conditions: " +
-                       why);
-      });
+  CheckHost(scratch->CalcEquilibrium(names::kTP.text, com::kNoValue), scratch.Get(), [](const std::string& why) {
+    return Failure("Failed to calculate TP flash on duplicate material object at normal conditions: " + why);
+  });
   return ReadEnthalpy(Evaluate10(*scratch, kOverallEnthalpy, port.emulation));
 }
 

@@ -42,10 +42,8 @@ const FlashSpecifications kFlashes[] = {
 const FlashSpecifications& SpecificationsOf(Name flashType) {
   for (const FlashSpecifications& flash : kFlashes)
     if (flash.flashType == flashType) return flash;
-  throw Failure(UnitError{"Internal Error",
-                          "Internal error; unimplemented flash type specification " + Shown(flashType),
-                          {},
-                          {}});
+  throw Failure(UnitError{
+      "Internal Error", "Internal error; unimplemented flash type specification " + Shown(flashType), {}, {}});
 }
 
 constexpr const char* kNoPresentPhases = "Failed to set present phases on MO before equilibrium calculation";
@@ -53,8 +51,7 @@ constexpr const char* kNoPresentPhases = "Failed to set present phases on MO bef
 std::string MaterialName(ICapeThermoMaterial& material) {
   const auto identification = com::Query<ICapeIdentification>(&material);
   com::Bstr name;
-  if (!identification || FAILED(identification->get_ComponentName(name.Put())) ||
-      SysStringLen(name.Get()) == 0)
+  if (!identification || FAILED(identification->get_ComponentName(name.Put())) || SysStringLen(name.Get()) == 0)
     return "<unknown>";
   return com::ToUtf8(name.Get());
 }
@@ -63,19 +60,16 @@ std::string MaterialName(ICapeThermoMaterial& material) {
 /// remain.
 void SetPresentPhases(ICapeThermoMaterial& material) {
   const auto fail = [&](const char* opening, const std::string& why) {
-    return Failure(UnitError{kNoPresentPhases,
-                             opening + ('"' + MaterialName(material)) + "\" before CalcEquilibrium: " + why,
-                             {},
-                             {}});
+    return Failure(UnitError{
+        kNoPresentPhases, opening + ('"' + MaterialName(material)) + "\" before CalcEquilibrium: " + why, {}, {}});
   };
   HRESULT failure = S_OK;
   const auto phases = com::Query<ICapeThermoPhases>(&material, &failure);
   if (!phases) throw fail("Failed to obtain ICapeThermoPhases from material ", ErrorText(&material, failure));
   com::Variant labels, states, keyCompounds;
-  CheckHost(phases->GetPhaseList(labels.Put(), states.Put(), keyCompounds.Put()), phases.Get(),
-            [&](const std::string& why) {
-              return fail("Failed to obtain list of supported phases from material ", why);
-            });
+  CheckHost(
+      phases->GetPhaseList(labels.Put(), states.Put(), keyCompounds.Put()), phases.Get(),
+      [&](const std::string& why) { return fail("Failed to obtain list of supported phases from material ", why); });
   const std::size_t count =
       ReadOr([&] { return com::CountStrings(labels.Get()); },
              [&](const std::string& why) { return fail("Invalid list of phases from material ", why); });
@@ -108,11 +102,11 @@ void Flash(const Material& material, const com::Variant& first, const com::Varia
   HRESULT failure = S_OK;
   const auto routine = material.As<ICapeThermoEquilibriumRoutine>(&failure);
   if (!routine)
-    throw Failure(UnitError{
-        "Failed to get equilibrium server routine",
-        "Failed to get ICapeThermoEquilibriumRoutine from material: " + ErrorText(material.Get(), failure),
-        {},
-        {}});
+    throw Failure(
+        UnitError{"Failed to get equilibrium server routine",
+                  "Failed to get ICapeThermoEquilibriumRoutine from material: " + ErrorText(material.Get(), failure),
+                  {},
+                  {}});
   CheckHost(CalcEquilibriumOn(*routine, first, second), routine.Get(), EquilibriumFailure);
 }
 
@@ -123,11 +117,10 @@ void Thermo11::CalcEquilibrium(const PortMaterial& port, const StreamState& stat
   HRESULT failure = S_OK;
   const Material material = port.object.As<ICapeThermoMaterial>(&failure);
   if (!material)
-    throw Failure(
-        UnitError{"Failed to get material interface",
-                  "Failed to get ICapeThermoMaterial from material: " + ErrorText(port.object.Get(), failure),
-                  {},
-                  {}});
+    throw Failure(UnitError{"Failed to get material interface",
+                            "Failed to get ICapeThermoMaterial from material: " + ErrorText(port.object.Get(), failure),
+                            {},
+                            {}});
   // An unknown flash type is refused only after these writes, as its caller has come to see.
   if (WritesPressure(flashType)) SetOverall(material, names::kPressure, {}, values.pressure);
   if (WritesTemperature(flashType)) SetOverall(material, names::kTemperature, {}, values.temperature);
@@ -150,10 +143,10 @@ double Thermo11::HFromPSFlash(const PortMaterial& inlet, double pressure, double
                             "Failed to get ICapeThermoMaterial interface to material connected to inlet port",
                             {},
                             {}});
-  const Material scratch = Duplicate11(*material, inlet.object,
-                                       {"Failed to create material from inlet material: ",
-                                        "Failed to get ICapeThermoMaterial from duplicate material: ",
-                                        "Failed to copy material from inlet: "});
+  const Material scratch = Duplicate11(
+      *material, inlet.object,
+      {"Failed to create material from inlet material: ", "Failed to get ICapeThermoMaterial from duplicate material: ",
+       "Failed to copy material from inlet: "});
   SetOverall(scratch, names::kPressure, {}, com::MakeDoubles(std::array{pressure}));
   SetOverall(scratch, names::kEntropy, names::kMole, com::MakeDoubles(std::array{entropy}));
   Flash(scratch, kEntropySpec, kPressureSpec);
@@ -163,8 +156,8 @@ double Thermo11::HFromPSFlash(const PortMaterial& inlet, double pressure, double
 double Thermo11::CalcNormalEnthalpy(const PortMaterial& port, std::span<const double> composition) const {
   const Material scratch = DuplicateForUnit11(port);
   const auto set = [&](const char* what, Name property, Name basis, std::span<const double> values) {
-    CheckHost(scratch->SetOverallProp(property.text, basis.text, com::MakeDoubles(values).Get()),
-              scratch.Get(), [&](const std::string& why) { return NormalStateFailure(what, why); });
+    CheckHost(scratch->SetOverallProp(property.text, basis.text, com::MakeDoubles(values).Get()), scratch.Get(),
+              [&](const std::string& why) { return NormalStateFailure(what, why); });
   };
   set("pressure", names::kPressure, {}, std::array{kNormalPressure});
   set("temperature", names::kTemperature, {}, std::array{kNormalTemperature});
@@ -172,10 +165,9 @@ double Thermo11::CalcNormalEnthalpy(const PortMaterial& port, std::span<const do
   SetPresentPhases(*scratch);
   const auto routine = scratch.As<ICapeThermoEquilibriumRoutine>();
   if (!routine) throw Failure("Failed to get ICapeThermoEquilibriumRoutine from duplicate material");
-  CheckHost(CalcEquilibriumOn(*routine, kTemperatureSpec, kPressureSpec), routine.Get(),
-            [](const std::string& why) {
-              return Failure("Failed to calculate phase equilibrium on duplicate material: " + why);
-            });
+  CheckHost(CalcEquilibriumOn(*routine, kTemperatureSpec, kPressureSpec), routine.Get(), [](const std::string& why) {
+    return Failure("Failed to calculate phase equilibrium on duplicate material: " + why);
+  });
   return ReadEnthalpy(Evaluate11(*scratch, kOverallEnthalpy));
 }
 

@@ -13,8 +13,7 @@ namespace morvelan::material {
 /// the host call for one phase: it takes the label and a VARIANT* and returns the HRESULT; `host` is the
 /// object it calls.
 template <class ReadFraction>
-std::vector<PhaseFraction> ReadPhaseFractions(IUnknown* host, const VARIANT& labels,
-                                              ReadFraction&& readFraction) {
+std::vector<PhaseFraction> ReadPhaseFractions(IUnknown* host, const VARIANT& labels, ReadFraction&& readFraction) {
   const auto invalidList = [](const std::string& why) {
     return Failure("Invalid list of phases from material: " + why);
   };

@@ -23,18 +23,16 @@ com::Ref<Interface> InterfaceOf(const PortMaterial& port, const std::string& ope
 
 /// The labels of single phases in a host's list.
 std::vector<std::string> SinglePhases(const com::Variant& labels) {
-  std::vector<std::string> phases =
-      ReadOr([&] { return com::ReadStrings(labels.Get()); },
-             [](const std::string& why) { return Failure(kNoPhaseList + why); });
+  std::vector<std::string> phases = ReadOr([&] { return com::ReadStrings(labels.Get()); },
+                                           [](const std::string& why) { return Failure(kNoPhaseList + why); });
   std::erase_if(phases, [](const std::string& phase) { return com::EqualNoCase(phase, "Overall"); });
   return phases;
 }
 
 /// What sets `what`; the host's answer is checked.
 void Check(HRESULT set, IUnknown* material, const std::string& what) {
-  CheckHost(set, material, [&](const std::string& why) {
-    return Failure("Failed to set " + what + " on outlet material: " + why);
-  });
+  CheckHost(set, material,
+            [&](const std::string& why) { return Failure("Failed to set " + what + " on outlet material: " + why); });
 }
 
 struct PhaseValues {
@@ -71,10 +69,9 @@ std::vector<std::string> Thermo11::GetPhaseLabels(const PortMaterial& port) cons
 void Thermo10::SetSinglePhase(const PortMaterial& port, const StreamState& state, Name phase) const {
   const auto material = InterfaceOf<ICapeThermoMaterialObject>(port, "Failed to get material interface: ");
   const PhaseValues values = ValuesOf(state);
-  const auto set = [&](Name property, Name where, Name basis, const com::Variant& value,
-                       const std::string& what) {
-    Check(material->SetProp(property.text, where.text, com::kNoValue, nullptr, basis.text, value.Get()),
-          material.Get(), what);
+  const auto set = [&](Name property, Name where, Name basis, const com::Variant& value, const std::string& what) {
+    Check(material->SetProp(property.text, where.text, com::kNoValue, nullptr, basis.text, value.Get()), material.Get(),
+          what);
   };
   set(names::kTemperature, names::kOverall, {}, values.temperature, "temperature");
   set(names::kPressure, names::kOverall, {}, values.pressure, "pressure");

@@ -8,12 +8,11 @@
 namespace morvelan::material {
 namespace {
 
-com::Variant GetProp(ICapeThermoMaterialObject& material, Name property, Name phase, Name calcType,
-                     Name basis, const std::string& title) {
+com::Variant GetProp(ICapeThermoMaterialObject& material, Name property, Name phase, Name calcType, Name basis,
+                     const std::string& title) {
   com::Variant values;
-  CheckHost(
-      material.GetProp(property.text, phase.text, com::kNoValue, calcType.text, basis.text, values.Put()),
-      &material, [&](const std::string& why) { return EvaluationFailure(title + " failed: " + why); });
+  CheckHost(material.GetProp(property.text, phase.text, com::kNoValue, calcType.text, basis.text, values.Put()),
+            &material, [&](const std::string& why) { return EvaluationFailure(title + " failed: " + why); });
   return values;
 }
 
@@ -30,16 +29,14 @@ std::optional<double> PhaseContribution(ICapeThermoMaterialObject& material, Nam
   const std::string property = Shown(request.property);
   const std::string phase = Shown(label);
   const std::string fractionTitle = "GetProp (phaseFraction/" + phase + ")";
-  const com::Variant fractions =
-      GetProp(material, names::kPhaseFraction, label, {}, names::kMole, fractionTitle);
+  const com::Variant fractions = GetProp(material, names::kPhaseFraction, label, {}, names::kMole, fractionTitle);
   const double fraction = ReadScalar(fractions.Get(), [&](const std::string&) {
     return EvaluationFailure("Unexpected value for phase fraction for " + phase);
   });
   if (fraction == 0) return std::nullopt;
-  CheckHost(CalcProp(material, request.property, label, request.calcType), &material,
-            [&](const std::string& why) {
-              return EvaluationFailure("CalcProp (" + property + "/" + phase + "/mixture) failed: " + why);
-            });
+  CheckHost(CalcProp(material, request.property, label, request.calcType), &material, [&](const std::string& why) {
+    return EvaluationFailure("CalcProp (" + property + "/" + phase + "/mixture) failed: " + why);
+  });
   const com::Variant values = GetProp(material, request.property, label, request.calcType, names::kMole,
                                       "GetProp (" + property + "/" + phase + "/mixture/mole)");
   return fraction * ReadScalar(values.Get(), [&](const std::string& why) {
@@ -79,14 +76,13 @@ double SumOverPhases(ICapeThermoMaterialObject& material, const PropertyRequest&
     }
   }
   if (request.basis.IsEmpty()) {
-    const com::Variant flow = GetProp(material, names::kTotalFlow, names::kOverall, {}, names::kMole,
-                                      "GetProp (totalFlow/overall)");
+    const com::Variant flow =
+        GetProp(material, names::kTotalFlow, names::kOverall, {}, names::kMole, "GetProp (totalFlow/overall)");
     sum *= ReadScalar(flow.Get(), [](const std::string& why) {
       return EvaluationFailure("Unexpected value for total flow for overall phase: " + why);
     });
   }
-  if (!contributed)
-    throw EvaluationFailure("Failed to get overall " + property + ": no valid phases are present");
+  if (!contributed) throw EvaluationFailure("Failed to get overall " + property + ": no valid phases are present");
   return sum;
 }
 
@@ -100,13 +96,10 @@ double TotalOf(ICapeThermoMaterialObject& material, const PropertyRequest& reque
         [&](const std::string& why) {
           return EvaluationFailure("Failed to convert " + what + " from GetProp: " + why);
         },
-        [&] {
-          return EvaluationFailure("Unexpected number of values for " + shortName + ": scalar expected");
-        });
+        [&] { return EvaluationFailure("Unexpected number of values for " + shortName + ": scalar expected"); });
   };
-  const com::Variant molar =
-      GetProp(material, request.property, request.phase, request.calcType, names::kMole,
-              "GetProp (" + property + "/" + phase + "/" + Shown(request.calcType) + "/Mole)");
+  const com::Variant molar = GetProp(material, request.property, request.phase, request.calcType, names::kMole,
+                                     "GetProp (" + property + "/" + phase + "/" + Shown(request.calcType) + "/Mole)");
   const com::Variant flow = GetProp(material, names::kTotalFlow, request.phase, {}, names::kMole,
                                     "GetProp (totalFlow/" + phase + "/base mole)");
   const double molarValue = scalar(molar, property + " values", property);
@@ -128,11 +121,9 @@ com::Variant Evaluate10(ICapeThermoMaterialObject& material, const PropertyReque
     emulation.needed[*index] = true;
     return result;
   }
-  const std::string title =
-      "(" + Shown(request.property) + "/" + Shown(request.phase) + "/" + Shown(request.calcType);
-  CheckHost(calculated, &material, [&](const std::string& why) {
-    return EvaluationFailure("CalcProp " + title + ") failed: " + why);
-  });
+  const std::string title = "(" + Shown(request.property) + "/" + Shown(request.phase) + "/" + Shown(request.calcType);
+  CheckHost(calculated, &material,
+            [&](const std::string& why) { return EvaluationFailure("CalcProp " + title + ") failed: " + why); });
   if (canBeSummed && request.basis.IsEmpty()) return com::MakeDoubles(std::array{TotalOf(material, request)});
   const std::string basis = request.basis.IsEmpty() ? "" : "/" + Shown(request.basis);
   return com::Settle(GetProp(material, request.property, request.phase, request.calcType, request.basis,

@@ -30,8 +30,7 @@ com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest&
   CheckHost(CalcProp(*routine, request.property, request.phase), routine.Get(),
             [&](const std::string& why) { return EvaluationFailure("Calc" + title + ") failed: " + why); });
   com::Variant values;
-  CheckHost(material.GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text,
-                                        values.Put()),
+  CheckHost(material.GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values.Put()),
             &material, [&](const std::string& why) {
               return EvaluationFailure("Get" + title + "/" + Shown(request.basis) + ") failed: " + why);
             });
@@ -47,9 +46,8 @@ struct PresentPhases {
 /// `opening` begins the messages.
 PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string& opening) {
   com::Variant labels, statuses;
-  CheckHost(material.GetPresentPhases(labels.Put(), statuses.Put()), &material, [&](const std::string& why) {
-    return EvaluationFailure(opening + "; GetPresentPhases failed: " + why);
-  });
+  CheckHost(material.GetPresentPhases(labels.Put(), statuses.Put()), &material,
+            [&](const std::string& why) { return EvaluationFailure(opening + "; GetPresentPhases failed: " + why); });
   const auto explain = [&](const char* what) {
     return [&opening, what](const std::string& why) {
       return EvaluationFailure(opening + "; invalid " + what + " from GetPresentPhases: " + why);
@@ -64,8 +62,8 @@ PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string&
       explain("list of phases"));
   phases.statuses = ReadOr([&] { return com::ReadIntegers(statuses.Get()); }, explain("phase status list"));
   if (phases.labels.size() != phases.statuses.size())
-    throw EvaluationFailure(
-        opening + "; GetPresentPhases returned different sizes for phase name list and phase status list");
+    throw EvaluationFailure(opening +
+                            "; GetPresentPhases returned different sizes for phase name list and phase status list");
   return phases;
 }
 
@@ -73,26 +71,20 @@ PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string&
 double PhaseScalar(ICapeThermoMaterial& material, Name property, Name phase, const std::string& what) {
   const std::string where = what + " for phase " + Shown(phase) + ", basis \"mole\": ";
   com::Variant values;
-  CheckHost(material.GetSinglePhaseProp(property.text, phase.text, names::kMole.text, values.Put()),
-            &material,
+  CheckHost(material.GetSinglePhaseProp(property.text, phase.text, names::kMole.text, values.Put()), &material,
             [&](const std::string& why) { return EvaluationFailure("Failed to get " + where + why); });
-  return ReadScalar(values.Get(), [&](const std::string& why) {
-    return EvaluationFailure("Invalid values for " + where + why);
-  });
+  return ReadScalar(values.Get(),
+                    [&](const std::string& why) { return EvaluationFailure("Invalid values for " + where + why); });
 }
 
 double TotalFlow(ICapeThermoMaterial& material) {
   constexpr const char* kWhere = "total flow for overall phase, basis \"mole\": ";
   com::Variant values;
   CheckHost(material.GetOverallProp(names::kTotalFlow.text, names::kMole.text, values.Put()), &material,
-            [&](const std::string& why) {
-              return EvaluationFailure(std::string("Failed to get ") + kWhere + why);
-            });
+            [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kWhere + why); });
   return ReadScalar(
       values.Get(),
-      [&](const std::string& why) {
-        return EvaluationFailure(std::string("Invalid values for ") + kWhere + why);
-      },
+      [&](const std::string& why) { return EvaluationFailure(std::string("Invalid values for ") + kWhere + why); },
       // The total flow is meant; hosts' users know the message in these words.
       [] {
         return EvaluationFailure(
@@ -104,24 +96,20 @@ double TotalFlow(ICapeThermoMaterial& material) {
 double SumOverPhases(ICapeThermoMaterial& material, Name property, Name basis) {
   const std::string name = Shown(property);
   if (!OverallEmulation::IndexOf(property))
-    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " +
-                            name);
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " + name);
   if (!basis.IsEmpty() && basis != names::kMole)
-    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " +
-                            Shown(basis));
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " + Shown(basis));
   const std::string opening = "Failed to calculate overall " + name;
   const PresentPhases phases = GetPresentPhases(material, opening);
   const auto routine = RoutineOf(material);
   // Without a phase there is no value, and 0 would be taken for one.
-  if (phases.labels.empty())
-    throw EvaluationFailure("Failed to get overall " + name + ": no valid phases are present");
+  if (phases.labels.empty()) throw EvaluationFailure("Failed to get overall " + name + ": no valid phases are present");
   double sum = 0;
   for (std::size_t i = 0; i < phases.labels.size(); ++i) {
     const Name phase(phases.labels[i].Get().bstrVal);
     if (phases.statuses[i] != CAPE_ATEQUILIBRIUM)
       throw EvaluationFailure(opening + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
-    if (phase == names::kOverall)
-      throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
+    if (phase == names::kOverall) throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
     CheckHost(CalcProp(*routine, property, phase), routine.Get(), [&](const std::string& why) {
       return EvaluationFailure("Failed to calculate " + name + " for phase " + Shown(phase) + ": " + why);
     });
@@ -140,13 +128,11 @@ std::vector<double> MolecularWeights(ICapeThermoMaterial& material) {
                             ErrorText(&material, failure));
   com::Variant weights;
   const com::Variant properties = com::MakeStrings(std::span(&names::kMolecularWeight, 1));
-  CheckHost(
-      compounds->GetCompoundConstant(properties.Get(), com::kNoValue, weights.Put()), compounds.Get(),
-      [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
-  const auto elements = ReadOr([&] { return com::ReadVariants(weights.Get()); },
-                               [&](const std::string& why) {
-                                 return EvaluationFailure(std::string("Invalid values for ") + kFor + why);
-                               });
+  CheckHost(compounds->GetCompoundConstant(properties.Get(), com::kNoValue, weights.Put()), compounds.Get(),
+            [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
+  const auto elements = ReadOr(
+      [&] { return com::ReadVariants(weights.Get()); },
+      [&](const std::string& why) { return EvaluationFailure(std::string("Invalid values for ") + kFor + why); });
   std::vector<double> result;
   for (const com::Variant& element : elements) {
     if (element.Get().vt != VT_R8 || IsMissing(element.Get().dblVal))
@@ -163,13 +149,11 @@ double MeanMolecularWeight(ICapeThermoMaterial& material) {
   constexpr const char* kFor = "overall composition for mass/mole conversion: ";
   const std::vector<double> weights = MolecularWeights(material);
   com::Variant values;
-  CheckHost(
-      material.GetOverallProp(names::kFraction.text, names::kMole.text, values.Put()), &material,
-      [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
-  const auto fractions = ReadOr([&] { return com::ReadDoubles(values.Get()); },
-                                [&](const std::string& why) {
-                                  return EvaluationFailure(std::string("Invalid values for ") + kFor + why);
-                                });
+  CheckHost(material.GetOverallProp(names::kFraction.text, names::kMole.text, values.Put()), &material,
+            [&](const std::string& why) { return EvaluationFailure(std::string("Failed to get ") + kFor + why); });
+  const auto fractions = ReadOr(
+      [&] { return com::ReadDoubles(values.Get()); },
+      [&](const std::string& why) { return EvaluationFailure(std::string("Invalid values for ") + kFor + why); });
   if (std::ranges::any_of(fractions, IsMissing))
     throw EvaluationFailure(std::string("Invalid values for ") + kFor + "value is not set");
   if (fractions.size() != weights.size())

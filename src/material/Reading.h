@@ -14,9 +14,7 @@ namespace morvelan::material {
 [[nodiscard]] inline std::string Shown(com::Name name) { return name.text ? com::ToUtf8(name) : "<NULL>"; }
 
 /// A failure of a property evaluation: one text, the operation of the caller, the port's class as interface.
-[[nodiscard]] inline Failure EvaluationFailure(std::string text) {
-  return Failure(std::move(text), {}, "CUnitPort");
-}
+[[nodiscard]] inline Failure EvaluationFailure(std::string text) { return Failure(std::move(text), {}, "CUnitPort"); }
 
 /// A message that takes the host's text when it ends in ": ", and stands alone otherwise.
 [[nodiscard]] inline std::string Explained(std::string message, const std::string& why) {
@@ -53,11 +51,9 @@ double ReadScalar(const VARIANT& array, Explain&& explain) {
 /// The only value of an array of numbers, which may be unset.
 [[nodiscard]] inline double ReadOneDouble(const VARIANT& array) {
   const VARIANT held = com::Borrow(array);
-  if (held.vt & VT_ARRAY && held.parray && SafeArrayGetDim(held.parray) != 1)
-    throw Failure("unexpected array bounds");
-  const std::vector<double> values =
-      ReadOr([&] { return com::ReadDoubles(array); },
-             [](const std::string&) { return Failure("expected a double array"); });
+  if (held.vt & VT_ARRAY && held.parray && SafeArrayGetDim(held.parray) != 1) throw Failure("unexpected array bounds");
+  const std::vector<double> values = ReadOr([&] { return com::ReadDoubles(array); },
+                                            [](const std::string&) { return Failure("expected a double array"); });
   if (values.size() != 1) throw Failure("expected a double array with dimension of 1");
   return values.front();
 }

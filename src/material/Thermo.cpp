@@ -7,8 +7,7 @@
 namespace morvelan::material {
 
 std::optional<std::size_t> OverallEmulation::IndexOf(Name property) {
-  const Name properties[] = {names::kEnthalpy, names::kEnthalpyF, names::kEntropy, names::kEntropyF,
-                             names::kVolume};
+  const Name properties[] = {names::kEnthalpy, names::kEnthalpyF, names::kEntropy, names::kEntropyF, names::kVolume};
   for (std::size_t i = 0; i < std::size(properties); ++i)
     if (property == properties[i]) return i;
   return std::nullopt;

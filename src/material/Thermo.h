@@ -75,8 +75,7 @@ class Thermo {
   [[nodiscard]] virtual com::Variant GetProp(const PortMaterial& port, const PropertyRequest& request,
                                              const VARIANT& compoundIds) const = 0;
   /// Calculates on a copy, so that the connected material is left untouched.
-  [[nodiscard]] virtual com::Variant GetProperty(const PortMaterial& port,
-                                                 const PropertyRequest& request) const = 0;
+  [[nodiscard]] virtual com::Variant GetProperty(const PortMaterial& port, const PropertyRequest& request) const = 0;
   /// Calculates on the connected material itself.
   [[nodiscard]] virtual com::Variant GetPropertyNoDup(const PortMaterial& port,
                                                       const PropertyRequest& request) const = 0;
@@ -101,8 +100,7 @@ class Thermo {
   /// the phase can be calculated.
   virtual void SetSinglePhase(const PortMaterial& port, const StreamState& state, Name phase) const = 0;
   /// Molar enthalpy [J/mol] of a copy of the material at a pressure [Pa] and a molar entropy [J/(mol K)].
-  [[nodiscard]] virtual double HFromPSFlash(const PortMaterial& inlet, double pressure,
-                                            double entropy) const = 0;
+  [[nodiscard]] virtual double HFromPSFlash(const PortMaterial& inlet, double pressure, double entropy) const = 0;
   /// Molar enthalpy [J/mol] of a composition (mole fractions) at 101325 Pa and 298.15 K, on a copy of the
   /// material.
   [[nodiscard]] virtual double CalcNormalEnthalpy(const PortMaterial& port,

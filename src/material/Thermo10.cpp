@@ -44,8 +44,7 @@ com::Ref<IDispatch> Duplicate(const Material& material, const std::string& title
   return copy;
 }
 
-com::Variant ComponentConstant(const Material& material, Name constant, const VARIANT& ids,
-                               const std::string& title) {
+com::Variant ComponentConstant(const Material& material, Name constant, const VARIANT& ids, const std::string& title) {
   com::Variant values;
   const com::Variant properties = com::MakeStrings(std::span(&constant, 1));
   CheckHost(material->GetComponentConstant(properties.Get(), ids, values.Put()), material.Get(),
@@ -73,17 +72,16 @@ com::Variant Thermo10::GetProp(const PortMaterial& port, const PropertyRequest& 
   CheckHost(material->GetProp(request.property.text, request.phase.text, compoundIds, request.calcType.text,
                               request.basis.text, values.Put()),
             material.Get(), [&](const std::string& why) {
-              return Failure("failed to get property " + Shown(request.property) +
-                             " from material connected to port " + port.portName + ": " + why);
+              return Failure("failed to get property " + Shown(request.property) + " from material connected to port " +
+                             port.portName + ": " + why);
             });
   return values;
 }
 
 com::Variant Thermo10::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
   const Material material = MaterialOf(port);
-  const com::Ref<IDispatch> duplicate =
-      Duplicate(material, "Failed to duplicate material for calculating " + Shown(request.property) +
-                              " in CPort::GetProperty(): ");
+  const com::Ref<IDispatch> duplicate = Duplicate(material, "Failed to duplicate material for calculating " +
+                                                                Shown(request.property) + " in CPort::GetProperty(): ");
   const Material scratch = MaterialOf(duplicate.Get(), [](const std::string&) {
     return Failure("Failed to get ICapeThermoMaterialObject from duplicate material");
   });
@@ -145,12 +143,11 @@ std::vector<PhaseFraction> Thermo10::GetPhaseFractions(IDispatch* object) const 
     return Failure("Failed to get ICapeThermoMaterialObject interface from material: " + why);
   });
   com::Variant labels;
-  CheckHost(material->get_PhaseIds(labels.Put()), material.Get(), [](const std::string& why) {
-    return Failure("Failed to get present phase IDs in material: " + why);
-  });
+  CheckHost(material->get_PhaseIds(labels.Put()), material.Get(),
+            [](const std::string& why) { return Failure("Failed to get present phase IDs in material: " + why); });
   return ReadPhaseFractions(material.Get(), labels.Get(), [&](Name phase, VARIANT* fraction) {
-    return material->GetProp(names::kPhaseFraction.text, phase.text, com::kNoValue, nullptr,
-                             names::kMole.text, fraction);
+    return material->GetProp(names::kPhaseFraction.text, phase.text, com::kNoValue, nullptr, names::kMole.text,
+                             fraction);
   });
 }
 

@@ -38,10 +38,10 @@ CompoundList ListCompounds(const PortMaterial& port, const std::string& title) {
   const auto compounds = InterfaceOf<ICapeThermoCompounds>(
       port.object.Get(), explain("Failed to obtain material's ICapeThermoCompounds interface: "));
   CompoundList list;
-  CheckHost(compounds->GetCompoundList(list.ids.Put(), list.formulae.Put(), list.names.Put(),
-                                       list.boilingTemperatures.Put(), list.molecularWeights.Put(),
-                                       list.casNumbers.Put()),
-            compounds.Get(), explain("Failed to obtain compounds IDs: "));
+  CheckHost(
+      compounds->GetCompoundList(list.ids.Put(), list.formulae.Put(), list.names.Put(), list.boilingTemperatures.Put(),
+                                 list.molecularWeights.Put(), list.casNumbers.Put()),
+      compounds.Get(), explain("Failed to obtain compounds IDs: "));
   return list;
 }
 
@@ -51,21 +51,20 @@ void Thermo11::SetProp(const PortMaterial& port, const PropertyRequest& request,
                        const VARIANT& values) const {
   // Failing to get at the material names another operation than failing to set the property.
   const Material material = MaterialOf(port, "SetProperty");
-  const HRESULT set = request.phase == names::kOverall
-                          ? material->SetOverallProp(request.property.text, request.basis.text, values)
-                          : material->SetSinglePhaseProp(request.property.text, request.phase.text,
-                                                         request.basis.text, values);
+  const HRESULT set =
+      request.phase == names::kOverall
+          ? material->SetOverallProp(request.property.text, request.basis.text, values)
+          : material->SetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values);
   CheckHost(set, material.Get(), [](const std::string& why) { return Failure(why); });
 }
 
-com::Variant Thermo11::GetProp(const PortMaterial& port, const PropertyRequest& request,
-                               const VARIANT&) const {
+com::Variant Thermo11::GetProp(const PortMaterial& port, const PropertyRequest& request, const VARIANT&) const {
   const Material material = MaterialOf(port);
   com::Variant values;
-  const HRESULT got = request.phase == names::kOverall
-                          ? material->GetOverallProp(request.property.text, request.basis.text, values.Put())
-                          : material->GetSinglePhaseProp(request.property.text, request.phase.text,
-                                                         request.basis.text, values.Put());
+  const HRESULT got =
+      request.phase == names::kOverall
+          ? material->GetOverallProp(request.property.text, request.basis.text, values.Put())
+          : material->GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values.Put());
   CheckHost(got, material.Get(), [&](const std::string& why) {
     return Failure("failed to get property " + Shown(request.property) + " from material connected to port " +
                    port.portName + ": " + why);
@@ -74,11 +73,10 @@ com::Variant Thermo11::GetProp(const PortMaterial& port, const PropertyRequest& 
 }
 
 com::Variant Thermo11::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
-  const Material duplicate =
-      Duplicate11(*MaterialOf(port), port.object,
-                  {"Failed to duplicate material for calculating " + Shown(request.property) +
-                       " in CPort::GetProperty(): ",
-                   "Failed to get ICapeThermoMaterial from duplicate material", "Failed to copy material: "});
+  const Material duplicate = Duplicate11(
+      *MaterialOf(port), port.object,
+      {"Failed to duplicate material for calculating " + Shown(request.property) + " in CPort::GetProperty(): ",
+       "Failed to get ICapeThermoMaterial from duplicate material", "Failed to copy material: "});
   return Evaluate11(*duplicate, request);
 }
 
@@ -105,15 +103,12 @@ com::Ref<ICapeThermoMaterial> Duplicate11(ICapeThermoMaterial& material, const c
 }
 
 com::Ref<ICapeThermoMaterial> DuplicateForUnit11(const PortMaterial& port) {
-  return Duplicate11(
-      *MaterialOf(port), port.object,
-      {"Failed to duplicate material: ", "Failed to get ICapeThermoMaterial from duplicate material object",
-       "Failed to copy material: "});
+  return Duplicate11(*MaterialOf(port), port.object,
+                     {"Failed to duplicate material: ",
+                      "Failed to get ICapeThermoMaterial from duplicate material object", "Failed to copy material: "});
 }
 
-com::Ref<IDispatch> Thermo11::DuplicateMaterial(const PortMaterial& port) const {
-  return DuplicateForUnit11(port);
-}
+com::Ref<IDispatch> Thermo11::DuplicateMaterial(const PortMaterial& port) const { return DuplicateForUnit11(port); }
 
 com::Variant Thermo11::GetCompoundList(const PortMaterial& port) const {
   return std::move(ListCompounds(port, "could not get compound IDs from port " + port.portName).ids);
@@ -124,8 +119,7 @@ CompoundIdentities Thermo11::GetCompoundIdentities(const PortMaterial& port) con
   const CompoundList list = ListCompounds(port, title);
   return ReadOr(
       [&] {
-        return CompoundIdentities{com::ReadStrings(list.names.Get()),
-                                  com::ReadStrings(list.casNumbers.Get())};
+        return CompoundIdentities{com::ReadStrings(list.names.Get()), com::ReadStrings(list.casNumbers.Get())};
       },
       [&](const std::string& why) {
         return Failure(UnitError{title, "Invalid compound names from material object: " + why, {}, {}});
@@ -152,9 +146,8 @@ std::vector<PhaseFraction> Thermo11::GetPhaseFractions(IDispatch* object) const 
   });
   com::Variant labels;
   com::Variant statuses;
-  CheckHost(
-      material->GetPresentPhases(labels.Put(), statuses.Put()), material.Get(),
-      [](const std::string& why) { return Failure("Failed to get present phase IDs in material: " + why); });
+  CheckHost(material->GetPresentPhases(labels.Put(), statuses.Put()), material.Get(),
+            [](const std::string& why) { return Failure("Failed to get present phase IDs in material: " + why); });
   return ReadPhaseFractions(material.Get(), labels.Get(), [&](Name phase, VARIANT* fraction) {
     return material->GetSinglePhaseProp(names::kPhaseFraction.text, phase.text, names::kMole.text, fraction);
   });
@@ -176,9 +169,8 @@ com::Bstr VaporLabel11(ICapeThermoMaterial& material) {
   const auto phases = com::Query<ICapeThermoPhases>(&material, &failure);
   if (!phases) throw fail("Failed to get ICapeThermoPhases from material: " + ErrorText(&material, failure));
   com::Variant labels, states, keyCompounds;
-  CheckHost(
-      phases->GetPhaseList(labels.Put(), states.Put(), keyCompounds.Put()), phases.Get(),
-      [&](const std::string& why) { return fail("Failed to get list of phases from material: " + why); });
+  CheckHost(phases->GetPhaseList(labels.Put(), states.Put(), keyCompounds.Put()), phases.Get(),
+            [&](const std::string& why) { return fail("Failed to get list of phases from material: " + why); });
   const auto read = [&](const com::Variant& array, const char* what) {
     return ReadOr([&] { return com::ReadStrings(array.Get()); },
                   [&](const std::string& why) { return fail(what + why); });

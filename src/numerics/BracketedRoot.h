@@ -41,7 +41,7 @@ struct BracketedRoot {
 /// one, and one more at the best point where that was not the last one: with success, whatever state the
 /// residual leaves belongs to x. Makes none where a bound or the tolerance is not finite, which fails.
 /// Allocates nothing as long as it succeeds; what the residual throws passes through.
-[[nodiscard]] BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highBound,
-                                           double tolerance, std::int32_t maxEvaluations);
+[[nodiscard]] BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highBound, double tolerance,
+                                           std::int32_t maxEvaluations);
 
 }  // namespace morvelan::numerics

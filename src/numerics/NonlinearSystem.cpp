@@ -56,10 +56,9 @@ class Solution {
   static int GivenJacobian(N_Vector x, N_Vector, SUNMatrix J, void* data, N_Vector, N_Vector) {
     return static_cast<Solution*>(data)->calls.GivenJacobian(Values(x), Square(J));
   }
-  static int PerturbedJacobian(N_Vector x, N_Vector F, SUNMatrix J, void* data, N_Vector nearX,
-                               N_Vector nearF) {
-    return static_cast<Solution*>(data)->calls.PerturbedJacobian(Values(x), Values(F), Square(J),
-                                                                 Values(nearX), Values(nearF));
+  static int PerturbedJacobian(N_Vector x, N_Vector F, SUNMatrix J, void* data, N_Vector nearX, N_Vector nearF) {
+    return static_cast<Solution*>(data)->calls.PerturbedJacobian(Values(x), Values(F), Square(J), Values(nearX),
+                                                                 Values(nearF));
   }
   static void KeepMessage(int, const char* module, const char*, char* message, void* data) {
     static_cast<Solution*>(data)->calls.KeepMessage(module, message);
@@ -178,8 +177,7 @@ const char* Solution::SetPositive() {
 
 }  // namespace
 
-NonlinearResult SolveNonlinear(const NonlinearSystem& system, std::span<double> x,
-                               const NonlinearOptions& options) {
+NonlinearResult SolveNonlinear(const NonlinearSystem& system, std::span<double> x, const NonlinearOptions& options) {
   return Solution(system, options).Run(x);
 }
 

@@ -14,12 +14,8 @@ struct SquareMatrix {
   std::span<double> values;
   std::size_t order = 0;
 
-  [[nodiscard]] double& operator()(std::size_t row, std::size_t column) const {
-    return values[column * order + row];
-  }
-  [[nodiscard]] std::span<double> Column(std::size_t column) const {
-    return values.subspan(column * order, order);
-  }
+  [[nodiscard]] double& operator()(std::size_t row, std::size_t column) const { return values[column * order + row]; }
+  [[nodiscard]] std::span<double> Column(std::size_t column) const { return values.subspan(column * order, order); }
 };
 
 /// N equations F(x) = 0 in N unknowns. Unknowns and equations should be scaled to the order of one. What a
@@ -50,7 +46,7 @@ struct NonlinearResult {
   std::int32_t iterations = 0;           // Newton steps; 1 where the guess was a solution already
   std::int64_t residualEvaluations = 0;  // those for finite differences too
   std::string errorText;                 // without success: why
-  std::string lastMessage;  // the residual's or its perturbation's if that failed last, else the solver's
+  std::string lastMessage;               // the residual's or its perturbation's if that failed last, else the solver's
 };
 
 /// Solves the system from the guess in x by Newton's method with a line search; x is written with success

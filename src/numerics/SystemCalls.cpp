@@ -65,8 +65,7 @@ bool SystemCalls::MayBecome(std::size_t unknown, double value) const {
   return value > 0.0 || std::ranges::find(positive, unknown) == positive.end();
 }
 
-SystemCalls::Answer SystemCalls::Residual(long iteration, std::span<const double> x,
-                                          std::span<double> F) noexcept {
+SystemCalls::Answer SystemCalls::Residual(long iteration, std::span<const double> x, std::span<double> F) noexcept {
   return Guarded([&] {
     if (std::exchange(searchedIteration, iteration) != iteration) trials = 0;
     if (++trials > kMostTrials + x.size()) {  // the solver's own finite differences count, too
@@ -81,9 +80,8 @@ SystemCalls::Answer SystemCalls::GivenJacobian(std::span<const double> x, Square
   return Guarded([&] { return system.jacobian(x, J) ? kDone : kFailed; });
 }
 
-SystemCalls::Answer SystemCalls::PerturbedJacobian(std::span<const double> x, std::span<const double> F,
-                                                   SquareMatrix J, std::span<double> nearX,
-                                                   std::span<double> nearF) noexcept {
+SystemCalls::Answer SystemCalls::PerturbedJacobian(std::span<const double> x, std::span<const double> F, SquareMatrix J,
+                                                   std::span<double> nearX, std::span<double> nearF) noexcept {
   return Guarded([&] {
     std::ranges::copy(x, nearX.begin());
     const auto fillsColumn = [&](std::size_t j, double step) {

@@ -25,8 +25,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
   try {
     if (server::DetectHost() == kHostWithHiddenWindow) ui::SeekOwnerWindow();
     for (const server::UnitClass& unitClass : server::UnitClasses())
-      if (unitClass.clsid == clsid)
-        return com::Make<server::ClassFactory>(unitClass)->QueryInterface(iid, object);
+      if (unitClass.clsid == clsid) return com::Make<server::ClassFactory>(unitClass)->QueryInterface(iid, object);
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
   } catch (...) {

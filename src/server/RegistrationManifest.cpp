@@ -22,8 +22,7 @@ nlohmann::ordered_json Describe(const UnitClass& unitClass) {
   entry["progId"] = unitClass.progId;
   entry["versionedProgId"] = VersionedProgId(unitClass);
   entry["displayName"] = unitClass.displayName;
-  for (const DescriptionValue& value : DescriptionOf(unitClass))
-    entry["capeDescription"][value.name] = value.text;
+  for (const DescriptionValue& value : DescriptionOf(unitClass)) entry["capeDescription"][value.name] = value.text;
   for (const GUID& category : CategoriesOf(unitClass)) entry["categories"].push_back(com::ToText(category));
   return entry;
 }

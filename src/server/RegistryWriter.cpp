@@ -50,8 +50,7 @@ LSTATUS WriteText(HKEY key, const com::Bstr& name, const wchar_t* text) {
 
 }  // namespace
 
-RegistryWriter::RegistryWriter(HKEY rootKey, std::string rootFolder)
-    : root(rootKey), folder(std::move(rootFolder)) {}
+RegistryWriter::RegistryWriter(HKEY rootKey, std::string rootFolder) : root(rootKey), folder(std::move(rootFolder)) {}
 
 RegistryWriter::~RegistryWriter() {
   for (auto step = undo.rbegin(); step != undo.rend(); ++step) TakeBack(*step);

@@ -22,8 +22,7 @@ struct Wide {
 BOOL CALLBACK TakeVisibleWindow(HWND window, LPARAM found) {
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
-  if (process != GetCurrentProcessId() || !IsWindowVisible(window) || GetWindow(window, GW_OWNER))
-    return TRUE;
+  if (process != GetCurrentProcessId() || !IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return TRUE;
   *reinterpret_cast<HWND*>(found) = window;
   return FALSE;
 }

@@ -18,11 +18,8 @@ enum Item : std::size_t { kWork, kTemperatureLow, kTemperatureHigh };
 
 double ReadHeat(CUnitInfoPort& port) {
   return ForwardError(kScope, kInterface, [&] {
-    const auto explain = [](const std::string& why) {
-      return Failure("heat flow of the energy stream: " + why);
-    };
-    const double heat =
-        material::ReadOr([&] { return com::ReadDouble(port.ReadInformation(kWork).Get()); }, explain);
+    const auto explain = [](const std::string& why) { return Failure("heat flow of the energy stream: " + why); };
+    const double heat = material::ReadOr([&] { return com::ReadDouble(port.ReadInformation(kWork).Get()); }, explain);
     if (IsMissing(heat)) throw explain("value is not set");
     if (!std::isfinite(heat)) throw explain("value is infinite");
     return heat;
@@ -64,11 +61,9 @@ void StreamUnit::ReportEnergyStream(const HeatSource& source, const char* afterC
   const auto text = [](std::optional<double> temperature) {
     return FormatValue(temperature.value_or(kMissingValue), kTemperatureDimension);
   };
-  ReportLine(std::string("Heat duty from inlet energy port:") + afterColon +
-             FormatValue(source.duty, kPowerDimension) +
-             (source.lowTemperature
-                  ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
-                  : " (no temperature range for heat transfer)"));
+  ReportLine(std::string("Heat duty from inlet energy port:") + afterColon + FormatValue(source.duty, kPowerDimension) +
+             (source.lowTemperature ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
+                                    : " (no temperature range for heat transfer)"));
 }
 
 }  // namespace morvelan

@@ -53,15 +53,14 @@ double StreamUnit::PressureAfterDrop(double inletPressure, double pressureDrop) 
 
 double StreamUnit::EnthalpyFlow(CUnitPort& inlet) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(inlet,
-                        inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+    return ReadEnthalpy(inlet, inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
   });
 }
 
 double StreamUnit::FlashedEnthalpyFlow(CUnitPort& outlet) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(
-        outlet, outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
+    return ReadEnthalpy(outlet,
+                        outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
   });
 }
 
@@ -73,15 +72,14 @@ double StreamUnit::MolarEnthalpy(CUnitPort& inlet, com::Name property) {
 
 double StreamUnit::FlashedMolarEnthalpy(CUnitPort& outlet, com::Name property) {
   return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(outlet,
-                        outlet.GetPropertyNoDup(property, names::kOverall, names::kMixture, names::kMole));
+    return ReadEnthalpy(outlet, outlet.GetPropertyNoDup(property, names::kOverall, names::kMixture, names::kMole));
   });
 }
 
 std::optional<double> StreamUnit::StoredTemperature(CUnitPort& outlet) {
   return ForwardError(kScope, kInterface, [&]() -> std::optional<double> {
-    const com::Variant values = outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(),
-                                               names::kNone, names::kNone);
+    const com::Variant values =
+        outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(), names::kNone, names::kNone);
     const double temperature = material::ReadOneDouble(values.Get());
     return IsMissing(temperature) ? std::nullopt : std::optional(temperature);
   });
@@ -98,8 +96,7 @@ void StreamUnit::Flash(CUnitPort& outlet, com::Name flashType) {
   ForwardError(kScope, kInterface, [&] { outlet.CalcEquilibrium(flashType); });
 }
 
-void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property,
-                                 const char* noTemperature) {
+void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property, const char* noTemperature) {
   SetMolarEnthalpy(outlet, enthalpy, property);
   Flash(outlet, property == names::kEnthalpyF ? names::kPHF : names::kPH);
   TakeOverTemperature(outlet, noTemperature);
@@ -115,9 +112,9 @@ void StreamUnit::TakeOverTemperature(CUnitPort& outlet, const std::string& openi
     throw;
   }
   if (!temperature)
-    throw Failure(opening + "the temperature of the material on port " + outlet.ComponentName() +
-                      " is not set after its flash",
-                  kScope, kInterface);
+    throw Failure(
+        opening + "the temperature of the material on port " + outlet.ComponentName() + " is not set after its flash",
+        kScope, kInterface);
   outlet.State().temperature = *temperature;
 }
 

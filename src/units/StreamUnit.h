@@ -53,8 +53,7 @@ class StreamUnit : public BaseUnit {
 
   /// What the energy stream at an inlet port offers, with its temperatures in order; it is put in the report.
   /// `kind` names the kind of unit in warnings. Throws Failure, also when there is no port or no stream.
-  [[nodiscard]] HeatSource ReadEnergyStream(CUnitInfoPort* port, std::string_view kind,
-                                            const char* afterColon = " ");
+  [[nodiscard]] HeatSource ReadEnergyStream(CUnitInfoPort* port, std::string_view kind, const char* afterColon = " ");
   /// Logs a warning that begins with the kind and the quoted name of the unit.
   void WarnAs(std::string_view kind, const std::string& text) const;
 

@@ -36,8 +36,7 @@ inline void ExpectRefused(const FlowsheetOutcome& outcome, const std::string& st
   EXPECT_TRUE(outcome.errors.starts_with("morvelan: ")) << what << outcome.errors;
   EXPECT_NE(outcome.errors.find("flowsheet.json:"), std::string::npos) << what << outcome.errors;
   EXPECT_NE(outcome.errors.find(start), std::string::npos) << what << outcome.errors;
-  for (const char* word : words)
-    EXPECT_NE(outcome.errors.find(word), std::string::npos) << what << outcome.errors;
+  for (const char* word : words) EXPECT_NE(outcome.errors.find(word), std::string::npos) << what << outcome.errors;
 }
 
 }  // namespace morvelan::test

@@ -25,9 +25,8 @@ struct Pressure {
   std::vector<const char*> warnings;
 };
 
-const Pressure kPressures[] = {{3e6, {"Liquid"}, {}},
-                               {3e5, {"Liquid", "Vapor"}, {kOtherPhases}},
-                               {2e5, {"Vapor"}, {kReactionPhaseAbsent}}};
+const Pressure kPressures[] = {
+    {3e6, {"Liquid"}, {}}, {3e5, {"Liquid", "Vapor"}, {kOtherPhases}}, {2e5, {"Vapor"}, {kReactionPhaseAbsent}}};
 
 std::vector<std::string> PhasesOf(const Json& stream) {
   std::vector<std::string> phases;
@@ -37,8 +36,7 @@ std::vector<std::string> PhasesOf(const Json& stream) {
 
 Json Flowsheet() {
   return {
-      {"thermo",
-       {{"model", "peng-robinson"}, {"compounds", {"methyl tert-butyl ether", "isobutene", "methanol"}}}},
+      {"thermo", {{"model", "peng-robinson"}, {"compounds", {"methyl tert-butyl ether", "isobutene", "methanol"}}}},
       {"reactions",
        {{{"id", "splitting"},
          {"type", "kinetic"},
@@ -46,17 +44,15 @@ Json Flowsheet() {
          {"basis", "MoleFraction"},
          {"rateBasis", "homogeneous"},
          {"stoichiometry", {{"methyl tert-butyl ether", -1}, {"isobutene", 1}, {"methanol", 1}}},
-         {"rate",
-          {{"preExponential", 1}, {"activationEnergy", 0}, {"orders", {{"methyl tert-butyl ether", 1}}}}}}}}};
+         {"rate", {{"preExponential", 1}, {"activationEnergy", 0}, {"orders", {{"methyl tert-butyl ether", 1}}}}}}}}};
 }
 
 /// In the phase in which the tank reacts unless it is told otherwise.
 Json Reactor(Json parameters) {
   parameters["Reactor volume"] = kVolume;
   parameters["Tolerance"] = 1e-9;
-  return {{"class", "CSTR"},
-          {"configuration", {{"reactionNames", {"splitting"}}}},
-          {"parameters", std::move(parameters)}};
+  return {
+      {"class", "CSTR"}, {"configuration", {{"reactionNames", {"splitting"}}}}, {"parameters", std::move(parameters)}};
 }
 
 /// X = number (1 - X) / (1 + X), as one mole splits into two: the rate is 1 mol/(m3 s) times the fraction.
@@ -89,8 +85,7 @@ TEST(CSTRLiquid, ReactsInItsPhaseAndTellsWhatElseIsThere) {
 // is the same.
 TEST(CSTRLiquid, KeepsItsEnthalpyWithoutHeat) {
   Json flowsheet = Flowsheet();
-  AddReactor(flowsheet, "tank", Reactor(Json::object()),
-             Material(420, 5e6, kFlow, {{"methyl tert-butyl ether", 1}}));
+  AddReactor(flowsheet, "tank", Reactor(Json::object()), Material(420, 5e6, kFlow, {{"methyl tert-butyl ether", 1}}));
   const Json results = ResultsOfBoth(flowsheet);
   ASSERT_TRUE(results["units"].contains("tank"));
   const Json& feed = FeedOf(results, "tank");
@@ -99,8 +94,7 @@ TEST(CSTRLiquid, KeepsItsEnthalpyWithoutHeat) {
   EXPECT_LT(product["temperature"].get<double>(), 400);
   EXPECT_NEAR(FlowsOf(product).at("isobutene"), kFlow * Conversion(), 1e-7);
   const double before = kFlow * feed["enthalpyF"].get<double>();
-  EXPECT_NEAR(product["flow"].get<double>() * product["enthalpyF"].get<double>(), before,
-              1e-8 * std::abs(before));
+  EXPECT_NEAR(product["flow"].get<double>() * product["enthalpyF"].get<double>(), before, 1e-8 * std::abs(before));
   EXPECT_FALSE(IsLogged(results, "WARNING")) << results["log"];
 }
 

@@ -35,9 +35,7 @@ double RateConstant(double preExponential) {
 }
 
 Json Law(double preExponential, Json orders) {
-  return {{"preExponential", preExponential},
-          {"activationEnergy", kActivationEnergy},
-          {"orders", std::move(orders)}};
+  return {{"preExponential", preExponential}, {"activationEnergy", kActivationEnergy}, {"orders", std::move(orders)}};
 }
 
 Json Kinetic(Json stoichiometry, double preExponential, Json orders, const char* basis = "Molarity") {
@@ -115,16 +113,8 @@ std::vector<Tank> TanksOfOneReaction() {
       {"half order", {Kinetic(kAToB, 2e7, {{"A", 0.5}})}, A, kEmptyTank, Turned(HalfOrder(kHalf))},
       {"order zero", {Kinetic(kAToB, 4e7, Json::object())}, A, kEmptyTank, Turned(k0)},
       {"expanding", {Kinetic(kSplit, 5e6, D)}, D, kEmptyTank, Split(FirstOrderExpanding(k))},
-      {"contracting",
-       {Kinetic(kJoin, 4e4, {{"A", 2}})},
-       A,
-       kEmptyTank,
-       {{"A", 1 - 2 * joined}, {"D", joined}}},
-      {"reversible",
-       {Reversible(Kinetic(kAToB, 5e6, A), 2e6, B)},
-       A,
-       kEmptyTank,
-       Turned(k / (1 + k + reverse))},
+      {"contracting", {Kinetic(kJoin, 4e4, {{"A", 2}})}, A, kEmptyTank, {{"A", 1 - 2 * joined}, {"D", joined}}},
+      {"reversible", {Reversible(Kinetic(kAToB, 5e6, A), 2e6, B)}, A, kEmptyTank, Turned(k / (1 + k + reverse))},
       {"reversible from the other side",
        {Reversible(Kinetic(kAToB, 5e6, A), 2e6, B)},
        B,
@@ -136,11 +126,7 @@ std::vector<Tank> TanksOfOneReaction() {
        kEmptyTank,
        Split(FirstOrderExpanding(k0))},
       // The mass fraction of D is 1 - X.
-      {"rate of mass fractions",
-       {Kinetic(kSplit, 4e7, D, "MassFraction")},
-       D,
-       kEmptyTank,
-       Split(FirstOrder(k0))},
+      {"rate of mass fractions", {Kinetic(kSplit, 4e7, D, "MassFraction")}, D, kEmptyTank, Split(FirstOrder(k0))},
       {"rate of concentrations",
        {Kinetic(kSplit, 5e6, D, "Concentration")},
        D,
@@ -187,11 +173,7 @@ std::vector<Tank> TanksWithCatalyst() {
   const Json filled = {
       {"Reactor volume", kVolume}, {"Catalyst volume", kCatalystVolume}, {"Catalyst mass", kCatalystMass}};
   return {
-      {"on a mass of catalyst",
-       {onCatalyst},
-       A,
-       {{"Catalyst mass", kCatalystMass}},
-       Turned(FirstOrder(catalyst))},
+      {"on a mass of catalyst", {onCatalyst}, A, {{"Catalyst mass", kCatalystMass}}, Turned(FirstOrder(catalyst))},
       {"on a volume of catalyst",
        {onCatalyst},
        A,
@@ -218,8 +200,7 @@ Json Reactor(const Tank& tank, double scale, Json& reactions) {
     names.push_back(reaction["id"]);
     reactions.push_back(std::move(reaction));
   }
-  Json parameters = {
-      {"Heat duty type", "Isothermal"}, {"Temperature", kT}, {"Phase", "Vapor"}, {"Tolerance", 1e-9}};
+  Json parameters = {{"Heat duty type", "Isothermal"}, {"Temperature", kT}, {"Phase", "Vapor"}, {"Tolerance", 1e-9}};
   for (const auto& [size, value] : tank.sizes.items())
     parameters[size] = size == "Catalyst density" ? value.get<double>() : scale * value.get<double>();
   return {{"class", "CSTR"}, {"configuration", {{"reactionNames", names}}}, {"parameters", parameters}};
@@ -230,9 +211,9 @@ TEST(CSTRRun, MeetsClosedForms) {
   for (const auto& more : {TanksOfSeveralReactions(), TanksWithCatalyst()})
     tanks.insert(tanks.end(), more.begin(), more.end());
   Json flowsheet = GasFlowsheet({"A", "B", "C", "D"}, Json::array());
-  flowsheet["thermo"]["compoundData"]["compounds"] = {
-      SimpleGas("A", kWeight, 60, 0), SimpleGas("B", kWeight, 70, -3e4), SimpleGas("C", kWeight, 80, -5e4),
-      SimpleGas("D", 2 * kWeight, 110, 1e4)};
+  flowsheet["thermo"]["compoundData"]["compounds"] = {SimpleGas("A", kWeight, 60, 0), SimpleGas("B", kWeight, 70, -3e4),
+                                                      SimpleGas("C", kWeight, 80, -5e4),
+                                                      SimpleGas("D", 2 * kWeight, 110, 1e4)};
   for (const Tank& tank : tanks)
     for (const double scale : kScales)
       AddReactor(flowsheet, Named(tank.title, ' ', scale), Reactor(tank, scale, flowsheet["reactions"]),
@@ -247,8 +228,7 @@ TEST(CSTRRun, MeetsClosedForms) {
       EXPECT_FALSE(IsLogged(results, "WARNING")) << results["log"];
       const Amounts flows = FlowsOf(ProductOf(results, name));
       for (const auto& [compound, expected] : tank.expected)
-        EXPECT_NEAR(flows.at(compound), scale * kFlow * expected, scale * kFlow * expected * kTolerance)
-            << compound;
+        EXPECT_NEAR(flows.at(compound), scale * kFlow * expected, scale * kFlow * expected * kTolerance) << compound;
     }
 }
 

@@ -31,8 +31,8 @@ const Tank kTanks[] = {{1e-5, 1}, {1e-4, 1}, {0.01, 3}, {0.1, 3}, {1, 3},
 /// By how much the temperature exceeds what the conversion at this temperature makes: with the mean residence
 /// time t = V P / (F R T) in the tank, X = k t / (1 + k t).
 double Excess(double T, double volume) {
-  const double number = kPreExponential * std::exp(-kActivationEnergy / (kGasConstant * T)) * volume * kP /
-                        (kFlow * kGasConstant * T);
+  const double number =
+      kPreExponential * std::exp(-kActivationEnergy / (kGasConstant * T)) * volume * kP / (kFlow * kGasConstant * T);
   return T - kFeedT - kRise * number / (1 + number);
 }
 
@@ -55,18 +55,17 @@ std::vector<double> SteadyStates(double volume) {
 
 Json Flowsheet() {
   Json flowsheet = GasFlowsheet({"A", "B"}, Json::array());
-  flowsheet["thermo"]["compoundData"]["compounds"] = {
-      SimpleGas("A", 50, kHeatCapacity, 0), SimpleGas("B", 50, kHeatCapacity, -kRise * kHeatCapacity)};
-  flowsheet["reactions"].push_back({{"id", "turning"},
-                                    {"type", "kinetic"},
-                                    {"phase", "Vapor"},
-                                    {"basis", "Molarity"},
-                                    {"rateBasis", "homogeneous"},
-                                    {"stoichiometry", {{"A", -1}, {"B", 1}}},
-                                    {"rate",
-                                     {{"preExponential", kPreExponential},
-                                      {"activationEnergy", kActivationEnergy},
-                                      {"orders", {{"A", 1}}}}}});
+  flowsheet["thermo"]["compoundData"]["compounds"] = {SimpleGas("A", 50, kHeatCapacity, 0),
+                                                      SimpleGas("B", 50, kHeatCapacity, -kRise * kHeatCapacity)};
+  flowsheet["reactions"].push_back(
+      {{"id", "turning"},
+       {"type", "kinetic"},
+       {"phase", "Vapor"},
+       {"basis", "Molarity"},
+       {"rateBasis", "homogeneous"},
+       {"stoichiometry", {{"A", -1}, {"B", 1}}},
+       {"rate",
+        {{"preExponential", kPreExponential}, {"activationEnergy", kActivationEnergy}, {"orders", {{"A", 1}}}}}});
   return flowsheet;
 }
 
@@ -74,10 +73,7 @@ Json Reactor(double volume, const char* enthalpyType) {
   return {{"class", "CSTR"},
           {"configuration", {{"reactionNames", {"turning"}}}},
           {"parameters",
-           {{"Phase", "Vapor"},
-            {"Reactor volume", volume},
-            {"Enthalpy Type", enthalpyType},
-            {"Tolerance", 1e-9}}}};
+           {{"Phase", "Vapor"}, {"Reactor volume", volume}, {"Enthalpy Type", enthalpyType}, {"Tolerance", 1e-9}}}};
 }
 
 // Iterations start from the feed, which is cold: where there are three states the lowest is next to it.

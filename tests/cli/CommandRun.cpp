@@ -28,8 +28,8 @@ std::string ReadFile(const std::filesystem::path& file) {
 FlowsheetOutcome RunFlowsheet(const std::string& text, const std::string& options) {
   const auto file = WriteScratch("flowsheet.json", text), results = Scratch("results.json");
   std::filesystem::remove(results);
-  FlowsheetOutcome outcome{
-      RunCommand("run \"" + file.string() + "\" --json \"" + results.string() + "\" " + options), {}};
+  FlowsheetOutcome outcome{RunCommand("run \"" + file.string() + "\" --json \"" + results.string() + "\" " + options),
+                           {}};
   if (std::filesystem::exists(results)) outcome.results = Json::parse(ReadFile(results));
   return outcome;
 }
@@ -38,8 +38,7 @@ void ExpectSame(const Json& a, const Json& b, double tolerance, const std::strin
   ASSERT_EQ(a.is_number(), b.is_number()) << what;
   if (a.is_number()) {
     const double x = a.get<double>(), y = b.get<double>();
-    EXPECT_LE(std::abs(x - y), tolerance * std::max(std::abs(x), std::abs(y)))
-        << what << ": " << a << ", " << b;
+    EXPECT_LE(std::abs(x - y), tolerance * std::max(std::abs(x), std::abs(y))) << what << ": " << a << ", " << b;
   } else if (a.is_object()) {
     ASSERT_EQ(a.size(), b.size()) << what << ": " << a << ", " << b;
     for (const auto& [key, value] : a.items()) {

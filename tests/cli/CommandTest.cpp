@@ -19,13 +19,10 @@ void Expect(const Invocation& invocation) {
   const auto outcome = RunCommand(invocation.arguments);
   EXPECT_EQ(outcome.status, invocation.status) << invocation.arguments << ": " << outcome.errors;
   for (const char* words : invocation.output)
-    EXPECT_NE(outcome.output.find(words), std::string::npos)
-        << invocation.arguments << ": " << outcome.output;
+    EXPECT_NE(outcome.output.find(words), std::string::npos) << invocation.arguments << ": " << outcome.output;
   for (const char* words : invocation.errors)
-    EXPECT_NE(outcome.errors.find(words), std::string::npos)
-        << invocation.arguments << ": " << outcome.errors;
-  EXPECT_EQ(outcome.errors.empty(), invocation.errors.empty())
-      << invocation.arguments << ": " << outcome.errors;
+    EXPECT_NE(outcome.errors.find(words), std::string::npos) << invocation.arguments << ": " << outcome.errors;
+  EXPECT_EQ(outcome.errors.empty(), invocation.errors.empty()) << invocation.arguments << ": " << outcome.errors;
   if (!outcome.errors.empty()) {
     EXPECT_TRUE(outcome.errors.starts_with("morvelan: ")) << outcome.errors;
   }
@@ -38,8 +35,7 @@ TEST(Command, AnswersItsArguments) {
       {"--version", 0, {"morvelan 1."}, {}},
       {"units",
        0,
-       {"NAME", "PROGID", "VELT_MORV.NoOperation", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}",
-        "Debug unit operation"},
+       {"NAME", "PROGID", "VELT_MORV.NoOperation", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}", "Debug unit operation"},
        {}},
       {"describe VELT_MORV.nooperation",
        0,
@@ -117,8 +113,7 @@ const ExampleNumber kExampleNumbers[] = {
     {"reactor-steam-reforming", "/streams/reformed gas/composition/carbon dioxide", 0.058058551409918, 1e-9},
     {"reactor-steam-reforming", "/units/reformer/parameters/Heat duty", 5407650.27356, 0.1},
     {"reactor-steam-reforming", "/streams/partly reformed gas/temperature", 818.941001798, 1e-6},
-    {"reactor-steam-reforming", "/streams/partly reformed gas/composition/carbon monoxide", 0.002834198567547,
-     1e-9},
+    {"reactor-steam-reforming", "/streams/partly reformed gas/composition/carbon monoxide", 0.002834198567547, 1e-9},
     {"reactor-ammonia", "/streams/hot gas/temperature", 769.078009364, 1e-6},
     {"reactor-ammonia", "/streams/converted gas/temperature", 724.658940722, 1e-6},
     {"reactor-ammonia", "/streams/converted gas/composition/ammonia", 0.182239469380, 1e-9},
@@ -136,8 +131,7 @@ const ExampleNumber kExampleNumbers[] = {
 
 TEST(Command, RunsTheExamplesAsTheirReadmeSays) {
   for (const ExampleNumber& number : kExampleNumbers) {
-    const auto outcome =
-        RunCommand("run \"" MORVELAN_EXAMPLES "/" + std::string(number.example) + ".json\" --json -");
+    const auto outcome = RunCommand("run \"" MORVELAN_EXAMPLES "/" + std::string(number.example) + ".json\" --json -");
     ASSERT_EQ(outcome.status, 0) << number.example << ": " << outcome.errors;
     const Json results = Json::parse(outcome.output);
     EXPECT_NEAR(results.at(Json::json_pointer(number.place)).get<double>(), number.expected, number.tolerance)
@@ -151,8 +145,8 @@ TEST(Command, PrintsStreamsSideBySideInLinesThatFit) {
     streams += std::string(i > 1 ? "," : "") + "\"stream number " + std::to_string(i) +
                R"(": {"type": "material", "temperature": 300.5, "pressure": 100000, "flow": 0.25,
                  "composition": {"methane": 1}})";
-  const auto outcome = RunFlowsheet(
-      R"({"title": "Größe", "thermo": {"compounds": ["methane"]}, "streams": {)" + streams + "}}");
+  const auto outcome =
+      RunFlowsheet(R"({"title": "Größe", "thermo": {"compounds": ["methane"]}, "streams": {)" + streams + "}}");
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
   std::istringstream lines(outcome.output);
   std::size_t headings = 0, width = 0;

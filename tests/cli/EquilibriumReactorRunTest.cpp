@@ -30,17 +30,14 @@ void ExpectFractions(const Json& product, const Amounts& expected) {
   for (const auto& [compound, flow] : expected) total += flow;
   EXPECT_NEAR(product["flow"].get<double>(), total, kFractionTolerance * total);
   for (const auto& [compound, flow] : expected)
-    EXPECT_NEAR(product["composition"][compound].get<double>(), flow / total,
-                kFractionTolerance * flow / total)
+    EXPECT_NEAR(product["composition"][compound].get<double>(), flow / total, kFractionTolerance * flow / total)
         << compound;
 }
 
 // ---- Constants from Gibbs energies
 
-const GasReaction kReforming = {"reforming",
-                                {{"methane", -1}, {"water", -1}, {"carbon monoxide", 1}, {"hydrogen", 3}}};
-const GasReaction kShift = {"shift",
-                            {{"carbon monoxide", -1}, {"water", -1}, {"carbon dioxide", 1}, {"hydrogen", 1}}};
+const GasReaction kReforming = {"reforming", {{"methane", -1}, {"water", -1}, {"carbon monoxide", 1}, {"hydrogen", 3}}};
+const GasReaction kShift = {"shift", {{"carbon monoxide", -1}, {"water", -1}, {"carbon dioxide", 1}, {"hydrogen", 1}}};
 const GasReaction kAmmonia = {"ammonia", {{"nitrogen", -1}, {"hydrogen", -3}, {"ammonia", 2}}};
 const GasReaction kButanes = {"butanes", {{"n-butane", -1}, {"isobutane", 1}}};
 
@@ -96,8 +93,7 @@ Json GibbsReactions() {
 /// The isothermal feeds are colder than the reactor; an adiabatic reactor is at its feed's enthalpy.
 void AddCase(Json& flowsheet, const Case& each) {
   Json reactions = Json::array();
-  for (const GasReaction& reaction : each.system->reactions)
-    reactions.push_back(Named(reaction.name, ' ', each.basis));
+  for (const GasReaction& reaction : each.system->reactions) reactions.push_back(Named(reaction.name, ' ', each.basis));
   const double feedT = each.isAdiabatic ? each.T : each.T - 50;
   AddReactor(flowsheet, each.name, Reactor(reactions, each.isAdiabatic ? Json::object() : Isothermal(each.T)),
              Material(feedT, each.P, kFlow, each.system->feed));
@@ -105,8 +101,8 @@ void AddCase(Json& flowsheet, const Case& each) {
 
 TEST(EquilibriumReactorRun, FindsTheLeastGibbsEnergy) {
   const std::vector<Case> cases = AllCases();
-  Json flowsheet = GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen",
-                                 "nitrogen", "ammonia", "n-butane", "isobutane"},
+  Json flowsheet = GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen", "nitrogen",
+                                 "ammonia", "n-butane", "isobutane"},
                                 GibbsReactions());
   for (const Case& each : cases) AddCase(flowsheet, each);
   const Json results = ResultsOfBoth(flowsheet);
@@ -114,8 +110,7 @@ TEST(EquilibriumReactorRun, FindsTheLeastGibbsEnergy) {
     if (!results["units"].contains(name)) continue;  // it has failed
     SCOPED_TRACE(name);
     Amounts feed;
-    for (const auto& [compound, fraction] : system->feed.items())
-      feed[compound] = kFlow * fraction.get<double>();
+    for (const auto& [compound, fraction] : system->feed.items()) feed[compound] = kFlow * fraction.get<double>();
     const GasMixture expected = isAdiabatic ? EquilibratedAdiabatically(feed, system->reactions, T, P)
                                             : GasMixture{T, Equilibrated(feed, system->reactions, T, P)};
     const Json& product = ProductOf(results, name);
@@ -139,8 +134,7 @@ const Splitting kSplittings[] = {
     {"MoleFraction", [](double K, double) { return std::sqrt(K / (4 + K)); }},
     {"Molarity", [](double K, double density) { return std::sqrt(K / (4 * density + K)); }},
     // M_half^2 / M_whole = M_half / 2 in kg/mol
-    {"Concentration",
-     [](double K, double density) { return std::sqrt(K / (4 * density * kHalfWeight / 2000 + K)); }},
+    {"Concentration", [](double K, double density) { return std::sqrt(K / (4 * density * kHalfWeight / 2000 + K)); }},
     // w_half = e and w_whole = 1 - e: e^2 = K (1 - e)
     {"MassFraction", [](double K, double) { return 2 / (1 + std::sqrt(1 + 4 / K)); }},
 };
@@ -183,8 +177,7 @@ TEST(EquilibriumReactorRun, MeetsClosedFormsInEveryBasis) {
     SCOPED_TRACE(name);
     const double K = std::exp(lnK[0] + lnK[1] / T + lnK[2] * std::log(T) + lnK[3] * T);
     const double extent = splitting->extent(K, P / (kGasConstant * T));
-    ExpectFractions(ProductOf(results, name),
-                    {{"whole", kFlow * (1 - extent)}, {"half", kFlow * 2 * extent}});
+    ExpectFractions(ProductOf(results, name), {{"whole", kFlow * (1 - extent)}, {"half", kFlow * 2 * extent}});
   }
 }
 

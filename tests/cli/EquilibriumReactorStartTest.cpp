@@ -14,7 +14,7 @@
 namespace morvelan::test::equilibrium_reactor_start {
 
 constexpr double kFlows[] = {1e-8, 1, 1e4};  // [mol/s]
-constexpr double kUnknownDigits = 1e-10;  // of ln K and of fractions, as this test and the reactor have them
+constexpr double kUnknownDigits = 1e-10;     // of ln K and of fractions, as this test and the reactor have them
 
 /// A reaction of ideal gases: K from Gibbs energies, or a given constant of mole fractions.
 struct Equilibrium {
@@ -22,13 +22,10 @@ struct Equilibrium {
   double givenConstant = 0;  // none
 };
 
-const GasReaction kReforming = {"reforming",
-                                {{"methane", -1}, {"water", -1}, {"carbon monoxide", 1}, {"hydrogen", 3}}};
-const GasReaction kShift = {"shift",
-                            {{"carbon monoxide", -1}, {"water", -1}, {"carbon dioxide", 1}, {"hydrogen", 1}}};
+const GasReaction kReforming = {"reforming", {{"methane", -1}, {"water", -1}, {"carbon monoxide", 1}, {"hydrogen", 3}}};
+const GasReaction kShift = {"shift", {{"carbon monoxide", -1}, {"water", -1}, {"carbon dioxide", 1}, {"hydrogen", 1}}};
 const GasReaction kAmmonia = {"ammonia", {{"nitrogen", -1}, {"hydrogen", -3}, {"ammonia", 2}}};
-const GasReaction kCombustion = {"combustion",
-                                 {{"methane", -1}, {"oxygen", -2}, {"carbon dioxide", 1}, {"water", 2}}};
+const GasReaction kCombustion = {"combustion", {{"methane", -1}, {"oxygen", -2}, {"carbon dioxide", 1}, {"water", 2}}};
 const Amounts kTurning = {{"n-butane", -1}, {"isobutane", 1}};
 
 const Equilibrium kEquilibria[] = {{kReforming},
@@ -41,8 +38,7 @@ const Equilibrium kEquilibria[] = {{kReforming},
                                    {{"shift to 1e10", kShift.coefficients}, 1e10}};
 
 const Equilibrium& Find(const std::string& name) {
-  return *std::ranges::find_if(kEquilibria,
-                               [&](const Equilibrium& each) { return each.reaction.name == name; });
+  return *std::ranges::find_if(kEquilibria, [&](const Equilibrium& each) { return each.reaction.name == name; });
 }
 
 /// ln Q - ln K in a product.
@@ -68,8 +64,8 @@ Json Flowsheet() {
     else
       reactions.back()["equilibrium"] = "gibbs";
   }
-  return GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen", "nitrogen",
-                       "oxygen", "ammonia", "n-butane", "isobutane"},
+  return GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen", "nitrogen", "oxygen",
+                       "ammonia", "n-butane", "isobutane"},
                       std::move(reactions));
 }
 
@@ -98,12 +94,7 @@ struct Start {
 const Start kIsothermalStarts[] = {
     {"reactants only", {"shift"}, 700, 1e5, 1e-9, {{"carbon monoxide", 0.5}, {"water", 0.5}}},
     {"products only", {"shift"}, 700, 1e5, 1e-9, {{"carbon dioxide", 0.5}, {"hydrogen", 0.5}}},
-    {"a reactant absent",
-     {"shift"},
-     700,
-     1e5,
-     1e-9,
-     {{"carbon dioxide", 0.2}, {"hydrogen", 0.3}, {"water", 0.5}}},
+    {"a reactant absent", {"shift"}, 700, 1e5, 1e-9, {{"carbon dioxide", 0.2}, {"hydrogen", 0.3}, {"water", 0.5}}},
     {"hydrogen absent", {"ammonia"}, 700, 1e7, 1e-9, {{"nitrogen", 0.4}, {"ammonia", 0.6}}},
     {"a trace of a reactant and none of a product",
      {"shift"},
@@ -122,12 +113,7 @@ const Start kIsothermalStarts[] = {
     {"complete but for rounding", {"to 1e10"}, 400, 1e5, 1e-4, {{"n-butane", 1}}},
     {"almost complete from its product", {"to 1e-10"}, 400, 1e5, 1e-4, {{"isobutane", 1}}},
     {"hardly begun", {"to 1e-10"}, 400, 1e5, 1e-9, {{"n-butane", 1}}},
-    {"almost complete of two reactants",
-     {"shift to 1e10"},
-     400,
-     1e5,
-     1e-8,
-     {{"carbon monoxide", 0.5}, {"water", 0.5}}},
+    {"almost complete of two reactants", {"shift to 1e10"}, 400, 1e5, 1e-8, {{"carbon monoxide", 0.5}, {"water", 0.5}}},
     {"complete but for rounding with an excess",
      {"shift to 1e10"},
      400,
@@ -148,12 +134,7 @@ const Start kIsothermalStarts[] = {
      1e5,
      1e-9,
      {{"methane", 0.25}, {"water", 0.75}}},
-    {"from the products of both",
-     {"reforming", "shift"},
-     900,
-     2e6,
-     1e-9,
-     {{"carbon dioxide", 0.2}, {"hydrogen", 0.8}}},
+    {"from the products of both", {"reforming", "shift"}, 900, 2e6, 1e-9, {{"carbon dioxide", 0.2}, {"hydrogen", 0.8}}},
     {"from the products of one",
      {"reforming", "shift"},
      900,
@@ -182,12 +163,7 @@ const Start kAdiabaticStarts[] = {
 
 /// K falls from 1e140 in the feed to 1e20 and 1e17 in the flame: so little methane is left.
 const Start kFlames[] = {
-    {"flame",
-     {"combustion"},
-     298.15,
-     1e5,
-     1e-4,
-     {{"methane", 0.08}, {"oxygen", 0.1932}, {"nitrogen", 0.7268}}},
+    {"flame", {"combustion"}, 298.15, 1e5, 1e-4, {{"methane", 0.08}, {"oxygen", 0.1932}, {"nitrogen", 0.7268}}},
     {"flame without excess of air",
      {"combustion"},
      298.15,
@@ -234,9 +210,7 @@ void ExpectEquilibria(std::span<const Start> starts, bool isAdiabatic) {
   }
 }
 
-TEST(EquilibriumReactorStart, ReachesEquilibriumAtATemperature) {
-  ExpectEquilibria(kIsothermalStarts, false);
-}
+TEST(EquilibriumReactorStart, ReachesEquilibriumAtATemperature) { ExpectEquilibria(kIsothermalStarts, false); }
 
 TEST(EquilibriumReactorStart, ReachesEquilibriumWithoutHeat) { ExpectEquilibria(kAdiabaticStarts, true); }
 
@@ -244,12 +218,8 @@ TEST(EquilibriumReactorStart, Burns) { ExpectEquilibria(kFlames, true); }
 
 // Each of the two reactions would need water, which only both together make: CH4 + CO2 = 2 CO + 2 H2.
 TEST(EquilibriumReactorStart, PerformsReactionsThatArePossibleTogetherOnly) {
-  const Start starts[] = {{"dry reforming",
-                           {"reforming", "shift"},
-                           1100,
-                           1e5,
-                           1e-9,
-                           {{"methane", 0.5}, {"carbon dioxide", 0.5}}}};
+  const Start starts[] = {
+      {"dry reforming", {"reforming", "shift"}, 1100, 1e5, 1e-9, {{"methane", 0.5}, {"carbon dioxide", 0.5}}}};
   ExpectEquilibria(starts, false);
 }
 
@@ -263,8 +233,7 @@ TEST(EquilibriumReactorStart, LeavesOutWhatCannotTakePlace) {
   const Json& product = ProductOf(results, "synthesis");
   const Amounts flows = FlowsOf(product);
   // Of ammonia alone
-  for (const auto& [compound, flow] :
-       Equilibrated({{"nitrogen", 0.5}, {"hydrogen", 1.5}}, {kAmmonia}, 700, 1e7))
+  for (const auto& [compound, flow] : Equilibrated({{"nitrogen", 0.5}, {"hydrogen", 1.5}}, {kAmmonia}, 700, 1e7))
     EXPECT_NEAR(flows.at(compound), flow, 1e-6 * flow) << compound;
   for (const char* absent : {"carbon monoxide", "carbon dioxide", "water"}) EXPECT_EQ(flows.at(absent), 0);
   EXPECT_TRUE(IsLogged(results, "\"shift\"")) << results["log"];
@@ -274,8 +243,7 @@ TEST(EquilibriumReactorStart, LeavesOutWhatCannotTakePlace) {
 TEST(EquilibriumReactorStart, PassesAFeedWithoutPossibleReactions) {
   Json flowsheet = Flowsheet();
   const Json feed = {{"nitrogen", 0.5}, {"carbon monoxide", 0.5}};
-  AddReactor(flowsheet, "idle", Isothermal(Reactor({"shift", "to 1e6"}, 1e-4), 700),
-             Material(600, 1e5, 2, feed));
+  AddReactor(flowsheet, "idle", Isothermal(Reactor({"shift", "to 1e6"}, 1e-4), 700), Material(600, 1e5, 2, feed));
   const Json results = ResultsOfBoth(flowsheet);
   ASSERT_TRUE(results["units"].contains("idle"));
   const Json& product = ProductOf(results, "idle");

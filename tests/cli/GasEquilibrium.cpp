@@ -62,8 +62,7 @@ Vector Solved(std::vector<Vector> matrix, Vector right) {
 }
 
 /// By how much the flows change in a step of Newton's method towards the least Gibbs energy.
-Amounts Step(const std::vector<GasReaction>& reactions, const Vector& lnConstants, const Amounts& flows,
-             double P) {
+Amounts Step(const std::vector<GasReaction>& reactions, const Vector& lnConstants, const Amounts& flows, double P) {
   const std::size_t n = reactions.size();
   std::vector<Vector> matrix(n, Vector(n));
   Vector right(n);
@@ -114,8 +113,8 @@ Amounts Equilibrated(const Amounts& feed, const std::vector<GasReaction>& reacti
   throw std::runtime_error("the reference equilibrium is not found at " + std::to_string(T) + " K");
 }
 
-GasMixture EquilibratedAdiabatically(const Amounts& feed, const std::vector<GasReaction>& reactions,
-                                     double feedT, double P) {
+GasMixture EquilibratedAdiabatically(const Amounts& feed, const std::vector<GasReaction>& reactions, double feedT,
+                                     double P) {
   const double enthalpy = GasEnthalpyFlow(feed, feedT);
   double lower = 200, upper = 4000;  // the enthalpy at equilibrium rises with temperature
   for (int i = 0; i < 60; ++i) {

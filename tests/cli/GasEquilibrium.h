@@ -20,8 +20,7 @@ struct GasReaction {
 /// What a feed of ideal gases becomes at T and P: the least Gibbs energy over the extents of the reactions,
 /// by Newton's method with the exact second derivatives. Each reaction must be possible with the feed, or
 /// with what those before it make of it.
-[[nodiscard]] Amounts Equilibrated(const Amounts& feed, const std::vector<GasReaction>& reactions, double T,
-                                   double P);
+[[nodiscard]] Amounts Equilibrated(const Amounts& feed, const std::vector<GasReaction>& reactions, double T, double P);
 
 struct GasMixture {
   double T;  // [K]
@@ -29,8 +28,7 @@ struct GasMixture {
 };
 
 /// The same without heat: the temperature too follows, from the enthalpy of the feed, which is at feedT.
-[[nodiscard]] GasMixture EquilibratedAdiabatically(const Amounts& feed,
-                                                   const std::vector<GasReaction>& reactions, double feedT,
-                                                   double P);
+[[nodiscard]] GasMixture EquilibratedAdiabatically(const Amounts& feed, const std::vector<GasReaction>& reactions,
+                                                   double feedT, double P);
 
 }  // namespace morvelan::test

@@ -40,8 +40,7 @@ const Gas& GasNamed(const std::string& compound) {
   static std::map<std::string, Gas> known;
   if (const auto found = known.find(compound); found != known.end()) return found->second;
   const Json& compounds = data.at("compounds");
-  const auto entry =
-      std::ranges::find_if(compounds, [&](const Json& each) { return each.at("name") == compound; });
+  const auto entry = std::ranges::find_if(compounds, [&](const Json& each) { return each.at("name") == compound; });
   if (entry == compounds.end()) throw std::runtime_error("no compound is called " + compound);
   return known.emplace(compound, ReadGas(*entry)).first->second;
 }
@@ -51,8 +50,8 @@ template <class Primitive>
 double Integral(const Gas& gas, double T, Primitive primitive) {
   double sum = 0;
   for (const auto& [lowest, highest, a] : gas.ranges)
-    sum += primitive(a, std::clamp(T, lowest, highest)) -
-           primitive(a, std::clamp(kStandardTemperature, lowest, highest));
+    sum +=
+        primitive(a, std::clamp(T, lowest, highest)) - primitive(a, std::clamp(kStandardTemperature, lowest, highest));
   return sum;
 }
 

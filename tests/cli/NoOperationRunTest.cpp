@@ -27,20 +27,8 @@ const Feed kFeeds[] = {
      10,
      R"({"methane": 0.6, "propane": 0.25, "n-pentane": 0.15})",
      {"Liquid", "Vapor"}},
-    {"liquid",
-     R"(["propane", "n-pentane"])",
-     280,
-     5e6,
-     3.25,
-     R"({"propane": 0.3, "n-pentane": 0.7})",
-     {"Liquid"}},
-    {"vapour",
-     R"(["methane", "nitrogen"])",
-     300,
-     1e5,
-     1e-3,
-     R"({"methane": 0.5, "nitrogen": 0.5})",
-     {"Vapor"}},
+    {"liquid", R"(["propane", "n-pentane"])", 280, 5e6, 3.25, R"({"propane": 0.3, "n-pentane": 0.7})", {"Liquid"}},
+    {"vapour", R"(["methane", "nitrogen"])", 300, 1e5, 1e-3, R"({"methane": 0.5, "nitrogen": 0.5})", {"Vapor"}},
     {"no flow", R"(["methane", "propane"])", 300, 1e5, 0, R"({"methane": 0.5, "propane": 0.5})", {"Vapor"}},
     {"a trace",
      R"(["methane", "n-pentane"])",
@@ -61,9 +49,8 @@ const Feed kFeeds[] = {
 
 std::string FlowsheetOf(const Feed& feed, const std::string& thermo) {
   return R"({"title": "t", "thermo": {"interface": ")" + thermo + R"(", "compounds": )" + feed.compounds +
-         R"(}, "streams": {"in": {"type": "material", "temperature": )" + Json(feed.T).dump() +
-         R"(, "pressure": )" + Json(feed.P).dump() + R"(, "flow": )" + Json(feed.flow).dump() +
-         R"(, "composition": )" + feed.composition +
+         R"(}, "streams": {"in": {"type": "material", "temperature": )" + Json(feed.T).dump() + R"(, "pressure": )" +
+         Json(feed.P).dump() + R"(, "flow": )" + Json(feed.flow).dump() + R"(, "composition": )" + feed.composition +
          R"(}}, "units": {"N": {"class": "NoOperation", "ports": {"Inlet": "in", "Outlet": "out"}}}})";
 }
 
@@ -154,8 +141,7 @@ TEST(NoOperationRun, WritesWhatDidSolve) {
   ExpectSame(results["streams"]["a"], results["streams"]["b"], kUnchanged, "a and b");
   EXPECT_FALSE(results["streams"].contains("d") || results["streams"].contains("e")) << results["streams"];
   EXPECT_EQ(results["streams"]["duty"],
-            Json::parse(
-                R"({"type": "energy", "work": 1000.0, "temperatureLow": 400.0, "temperatureHigh": 500.0})"));
+            Json::parse(R"({"type": "energy", "work": 1000.0, "temperatureLow": 400.0, "temperatureHigh": 500.0})"));
   EXPECT_EQ(results["streams"]["signal"], Json::parse(R"({"type": "information", "value": 3.5,
             "dimensionality": [0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0]})"));
 

@@ -69,8 +69,7 @@ TEST_F(ReactionHandover, NamesAUnitThatRefusesThem) {
   flowsheet["units"]["Refusing"] = {{"class", "ReactionTaker"}};
   const auto outcome = RunFlowsheet(flowsheet.dump());
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_NE(outcome.errors.find(": units/Refusing: the unit cannot be created: "), std::string::npos)
-      << outcome.errors;
+  EXPECT_NE(outcome.errors.find(": units/Refusing: the unit cannot be created: "), std::string::npos) << outcome.errors;
 }
 
 }  // namespace morvelan::test::reaction_handover

@@ -49,13 +49,12 @@ class ReactionTaker final : public com::Implements<BaseUnit, ICapeKineticReactio
     const com::Bstr property = com::ToBstr("chemicalEquilibriumConstant");
     package.As<ICapeReactionChemistry>()->GetReactionsIds(ids.Put());
     if (FAILED(package.As<ICapeReactionsRoutine>()->CalcReactionProp(
-            com::MakeStrings(std::vector<std::string>{"chemicalEquilibriumConstant"}).Get(), nullptr,
-            ids.Get(), nullptr))) {
+            com::MakeStrings(std::vector<std::string>{"chemicalEquilibriumConstant"}).Get(), nullptr, ids.Get(),
+            nullptr))) {
       package.As<ECapeUser>()->get_description(text.Put());
       return com::ToUtf8(text.Get());
     }
-    package.As<ICapeReactionProperties>()->GetReactionProp(property.Get(), nullptr, ids.Get(), nullptr,
-                                                           values.Put());
+    package.As<ICapeReactionProperties>()->GetReactionProp(property.Get(), nullptr, ids.Get(), nullptr, values.Put());
     return std::to_string(std::log(com::ReadDoubles(values.Get()).at(0)));
   }
 

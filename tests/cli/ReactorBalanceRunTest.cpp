@@ -16,8 +16,7 @@ constexpr double kPressureDrop = 2e4;  // [Pa]
 constexpr double kReactorT = 1000;     // of isothermal reactors [K]
 constexpr double kDuty = 1e5;          // of the others [W]
 
-const Json kFeed = {
-    {"methane", 0.2}, {"water", 0.6}, {"hydrogen", 0.05}, {"carbon monoxide", 0.05}, {"nitrogen", 0.1}};
+const Json kFeed = {{"methane", 0.2}, {"water", 0.6}, {"hydrogen", 0.05}, {"carbon monoxide", 0.05}, {"nitrogen", 0.1}};
 
 const std::map<std::string, Amounts> kAtoms = {{"methane", {{"C", 1}, {"H", 4}}},
                                                {"water", {{"H", 2}, {"O", 1}}},
@@ -66,8 +65,7 @@ std::vector<Unit> AllUnits() {
   for (const ReactorClass& reactor : kReactors)
     for (const char* heat : kHeatTypes)
       for (const EnthalpyType enthalpy : {kFormation, kNoHeatOfReaction, kHeatOfReaction})
-        units.push_back(
-            {Named(reactor.name, ", ", heat, ", ", kEnthalpyTypes[enthalpy]), &reactor, heat, enthalpy});
+        units.push_back({Named(reactor.name, ", ", heat, ", ", kEnthalpyTypes[enthalpy]), &reactor, heat, enthalpy});
   return units;
 }
 
@@ -88,14 +86,12 @@ Json Flowsheet(double feedT, bool givesHeats) {
     for (Json* reaction : {&reforming, &slow, &shift})
       (*reaction)["enthalpyOfReaction"] =
           GasEnthalpyFlow((*reaction)["stoichiometry"].get<Amounts>(), kStandardTemperature);
-  Json flowsheet =
-      GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen", "nitrogen"},
-                   {reforming, slow, shift});
+  Json flowsheet = GasFlowsheet({"methane", "water", "carbon monoxide", "carbon dioxide", "hydrogen", "nitrogen"},
+                                {reforming, slow, shift});
   for (const auto& [name, reactor, heat, enthalpy] : AllUnits()) {
     Json parameters = reactor->parameters;
-    parameters.update({{"Heat duty type", heat},
-                       {"Enthalpy Type", kEnthalpyTypes[enthalpy]},
-                       {"Pressure drop", kPressureDrop}});
+    parameters.update(
+        {{"Heat duty type", heat}, {"Enthalpy Type", kEnthalpyTypes[enthalpy]}, {"Pressure drop", kPressureDrop}});
     if (heat == "Isothermal") parameters["Temperature"] = kReactorT;
     if (heat == "Heat duty") parameters["Heat duty"] = kDuty;
     const bool isInlet = heat == "Energy inlet";
@@ -198,9 +194,8 @@ void ExpectAgreement(const Json& results, const Unit& unit, const Agreement& agr
     return results["units"][name]["parameters"]["Heat duty"].get<double>();
   };
   const Json& feed = FeedOf(results, unit.name);
-  const double between = agreement.agrees ? 0
-                                          : HeatTaken(feed, product, agreement.feedT) -
-                                                HeatTaken(feed, product, kStandardTemperature);
+  const double between =
+      agreement.agrees ? 0 : HeatTaken(feed, product, agreement.feedT) - HeatTaken(feed, product, kStandardTemperature);
   if (!agreement.agrees) EXPECT_GT(std::abs(between), 0.01 * std::abs(duty(unit.name)));
   EXPECT_NEAR(duty(other) - duty(unit.name), between,
               kEnergyTolerance * kFlow * std::abs(feed["enthalpyF"].get<double>()));
@@ -219,11 +214,9 @@ TEST(ReactorBalanceRun, EnthalpyOptionsAgreeWhereTheyCountFromTheSameTemperature
 TEST(ReactorBalanceRun, IsTheSameToTheBitForRestoredReactors) {
   const Json flowsheet = Flowsheet(900, false);
   for (const std::string thermo : {"--thermo 1.0", "--thermo 1.1"}) {
-    const Json saved = SolvedResults(flowsheet, thermo),
-               restored = SolvedResults(flowsheet, thermo + " --roundtrip");
+    const Json saved = SolvedResults(flowsheet, thermo), restored = SolvedResults(flowsheet, thermo + " --roundtrip");
     // (The log differs: it tells of every connection, and restored units are connected once more.)
-    for (const char* part : {"streams", "units"})
-      ExpectSame(saved[part], restored[part], 0, thermo + ' ' + part);
+    for (const char* part : {"streams", "units"}) ExpectSame(saved[part], restored[part], 0, thermo + ' ' + part);
   }
 }
 

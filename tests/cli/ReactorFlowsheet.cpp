@@ -56,8 +56,7 @@ Json SolvedResults(const Json& flowsheet, const std::string& options) {
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_FALSE(outcome.results.is_null()) << options;
   Json& results = outcome.results;
-  if (results.is_null())
-    results = {{"units", Json::object()}, {"streams", Json::object()}, {"log", Json::array()}};
+  if (results.is_null()) results = {{"units", Json::object()}, {"streams", Json::object()}, {"log", Json::array()}};
   for (auto unit = results["units"].begin(); unit != results["units"].end();) {
     const bool isSolved = (*unit)["solved"];
     EXPECT_TRUE(isSolved) << options << ' ' << unit.key() << ": "
@@ -81,9 +80,7 @@ Amounts FlowsOf(const Json& stream) {
   return flows;
 }
 
-const Json& FeedOf(const Json& results, const std::string& unit) {
-  return results.at("streams").at(FeedName(unit));
-}
+const Json& FeedOf(const Json& results, const std::string& unit) { return results.at("streams").at(FeedName(unit)); }
 
 const Json& ProductOf(const Json& results, const std::string& unit) {
   return results.at("streams").at(ProductName(unit));

@@ -54,16 +54,14 @@ TEST(Recycle, ConvergesToTheBalances) {
       const auto outcome = RunFlowsheet(Loop(loop.guess, loop.splitFactor, loop.heater), option);
       ASSERT_EQ(outcome.status, 0) << outcome.errors;
       const Json& streams = outcome.results["streams"];
-      const auto value = [&](const char* stream, const char* key) {
-        return streams[stream][key].get<double>();
-      };
+      const auto value = [&](const char* stream, const char* key) { return streams[stream][key].get<double>(); };
       const double returned = 5 * loop.splitFactor / (1 - loop.splitFactor);
       EXPECT_NEAR(value("return", "flow"), returned, kTolerance * returned);
       EXPECT_NEAR(value("product", "flow"), 5, 5 * kTolerance / (1 - loop.splitFactor));
       EXPECT_NEAR(streams["product"]["composition"]["n-pentane"].get<double>(), 0.2, kTolerance);
       const double duty = outcome.results["units"]["Heat"]["parameters"]["Heat duty"];
-      const double gained = value("product", "flow") * value("product", "enthalpy") -
-                            value("feed", "flow") * value("feed", "enthalpy");
+      const double gained =
+          value("product", "flow") * value("product", "enthalpy") - value("feed", "flow") * value("feed", "enthalpy");
       EXPECT_NEAR(gained, duty, kTolerance * std::abs(duty) / (1 - loop.splitFactor));
     }
 }
@@ -80,8 +78,7 @@ TEST(Recycle, SaysWhatKeepsItFromBeingSolved) {
 
 TEST(Recycle, LogsItsLastRoundOnly) {
   const auto outcome = RunFlowsheet(
-      Loop(kGuess, 0.5, R"({"Type": "Temperature", "Outlet temperature": 330, "Pressure drop": 2e6})"),
-      "--quiet");
+      Loop(kGuess, 0.5, R"({"Type": "Temperature", "Outlet temperature": 330, "Pressure drop": 2e6})"), "--quiet");
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.results["log"], Json::array({"Mix warning: limiting outlet pressure to 1 Pa",
                                                  "Heat warning: limiting outlet pressure to 1 Pa",

@@ -40,11 +40,8 @@ const Mixture kMixtures[] = {
 };
 
 Json Material(const Mixture& mixture, double T, double P, double flow = kFlow) {
-  return {{"type", "material"},
-          {"temperature", T},
-          {"pressure", P},
-          {"flow", flow},
-          {"composition", mixture.composition}};
+  return {
+      {"type", "material"}, {"temperature", T}, {"pressure", P}, {"flow", flow}, {"composition", mixture.composition}};
 }
 
 Json Unit(const char* className, Json ports, Json parameters) {
@@ -58,18 +55,16 @@ void AddUnits(Json& flowsheet, const Mixture& mixture, std::size_t index) {
   const std::string at = std::to_string(index) + ' ';
   Json& streams = flowsheet["streams"];
   Json& units = flowsheet["units"];
-  for (const char* feed :
-       {"to valve", "to pressure valve", "to duty", "to temperature", "to energy", "to limited"})
+  for (const char* feed : {"to valve", "to pressure valve", "to duty", "to temperature", "to energy", "to limited"})
     streams[at + feed] = Material(mixture, T, P);
   streams[at + "heat"] = {{"type", "energy"}, {"work", kDuty}};
   streams[at + "much heat"] = {
       {"type", "energy"}, {"work", 1e6}, {"temperatureLow", T + 5}, {"temperatureHigh", T + 30}};
 
-  units[at + "valve"] = Unit("Valve", {{"Inlet", at + "to valve"}, {"Outlet", at + "throttled"}},
-                             {{"Pressure difference", 0.3 * P}});
-  units[at + "pressure valve"] =
-      Unit("Valve", {{"Inlet", at + "to pressure valve"}, {"Outlet", at + "throttled too"}},
-           {{"Pressure spec.", "Pressure"}, {"Pressure", 0.5 * P}});
+  units[at + "valve"] =
+      Unit("Valve", {{"Inlet", at + "to valve"}, {"Outlet", at + "throttled"}}, {{"Pressure difference", 0.3 * P}});
+  units[at + "pressure valve"] = Unit("Valve", {{"Inlet", at + "to pressure valve"}, {"Outlet", at + "throttled too"}},
+                                      {{"Pressure spec.", "Pressure"}, {"Pressure", 0.5 * P}});
   units[at + "duty"] =
       Unit("HeaterCooler", {{"Inlet", at + "to duty"}, {"Outlet", at + "heated"}}, {{"Heat duty", kDuty}});
   units[at + "duty back"] =
@@ -78,18 +73,16 @@ void AddUnits(Json& flowsheet, const Mixture& mixture, std::size_t index) {
       Unit("HeaterCooler", {{"Inlet", at + "to temperature"}, {"Outlet", at + "warm"}},
            {{"Type", "Temperature"}, {"Outlet temperature", T + 40}, {"Pressure drop", 0.1 * P}});
   units[at + "energy"] =
-      Unit("HeaterCooler",
-           {{"Inlet", at + "to energy"}, {"Heat", at + "heat"}, {"Outlet", at + "heated by energy"}},
+      Unit("HeaterCooler", {{"Inlet", at + "to energy"}, {"Heat", at + "heat"}, {"Outlet", at + "heated by energy"}},
            {{"Type", "Energy inlet"}, {"Pressure drop", 0.2 * P}});
-  units[at + "limited"] = Unit(
-      "HeaterCooler", {{"Inlet", at + "to limited"}, {"Heat", at + "much heat"}, {"Outlet", at + "at limit"}},
-      {{"Type", "Energy inlet"}});
+  units[at + "limited"] =
+      Unit("HeaterCooler", {{"Inlet", at + "to limited"}, {"Heat", at + "much heat"}, {"Outlet", at + "at limit"}},
+           {{"Type", "Energy inlet"}});
   units[at + "mixer"] =
       Unit("Mixer", {{"Inlet 1", at + "throttled too"}, {"Inlet 2", at + "warm"}, {"Outlet", at + "mixed"}},
            {{"Pressure drop", 0.1 * P}});
-  units[at + "splitter"] =
-      Unit("Splitter", {{"Inlet", at + "mixed"}, {"Outlet1", at + "s1"}, {"Outlet2", at + "s2"}},
-           {{"Split factors", {0.3}}});
+  units[at + "splitter"] = Unit("Splitter", {{"Inlet", at + "mixed"}, {"Outlet1", at + "s1"}, {"Outlet2", at + "s2"}},
+                                {{"Split factors", {0.3}}});
   units[at + "lowering splitter"] =
       Unit("Splitter", {{"Inlet", at + "heated by energy"}, {"Outlet1", at + "s3"}, {"Outlet2", at + "s4"}},
            {{"Pressure drop", 0.2 * P}});
@@ -139,16 +132,13 @@ void ExpectBalances(const Json& flowsheet, const Json& results, const std::strin
   for (const auto& [compound, flow] : in.compounds)
     EXPECT_NEAR(out.compounds.at(compound), flow, kMassTolerance * flow) << compound;
   // Flashed at temperature and pressure, several compounds don't keep their enthalpy over a pressure drop.
-  if (unit["class"] == "Splitter" && unit["parameters"].contains("Pressure drop") && in.compounds.size() > 1)
-    return;
+  if (unit["class"] == "Splitter" && unit["parameters"].contains("Pressure drop") && in.compounds.size() > 1) return;
   const Json& parameters = results["units"][name]["parameters"];
   const double duty = unit["class"] == "HeaterCooler" ? parameters["Heat duty"].get<double>() : 0;
   EXPECT_NEAR(out.enthalpy, in.enthalpy + duty, kEnergyTolerance * (in.scale + std::abs(duty)));
 }
 
-double Temperature(const Json& results, const std::string& stream) {
-  return results["streams"][stream]["temperature"];
-}
+double Temperature(const Json& results, const std::string& stream) { return results["streams"][stream]["temperature"]; }
 
 void ExpectConditions(const Json& results, const Mixture& mixture, std::size_t index) {
   const auto [T, P, phases] = mixture.feeds[index];
@@ -190,8 +180,7 @@ TEST(StreamUnitRun, BalancesAndInvertsUnderBothGenerations) {
     const Json probe = ResultsOf(flowsheet, "--thermo 1.0");
     ASSERT_FALSE(probe.is_null()) << mixture.name;
     for (std::size_t i = 0; i < mixture.feeds.size(); ++i)
-      AddInverse(flowsheet, mixture, i,
-                 probe["units"][std::to_string(i) + " temperature"]["parameters"]["Heat duty"]);
+      AddInverse(flowsheet, mixture, i, probe["units"][std::to_string(i) + " temperature"]["parameters"]["Heat duty"]);
     Json first;
     for (const char* thermo : {"1.0", "1.1"}) {
       SCOPED_TRACE(testing::Message() << mixture.name << ", thermo " << thermo);
@@ -216,8 +205,7 @@ TEST(StreamUnitRun, KeepsTheStateOfAStreamWithoutFlow) {
   const Mixture& mixture = kMixtures[0];
   Json flowsheet;
   flowsheet["thermo"]["compounds"] = {"methane", "ethane", "propane", "n-pentane"};
-  for (const char* feed : {"a", "b", "c", "d", "e"})
-    flowsheet["streams"][feed] = Material(mixture, 300, 1e6, 0);
+  for (const char* feed : {"a", "b", "c", "d", "e"}) flowsheet["streams"][feed] = Material(mixture, 300, 1e6, 0);
   flowsheet["units"] = {
       {"valve", Unit("Valve", {{"Inlet", "a"}, {"Outlet", "A"}}, {{"Pressure difference", 5e5}})},
       {"heater", Unit("HeaterCooler", {{"Inlet", "b"}, {"Outlet", "B"}}, {{"Heat duty", kDuty}})},

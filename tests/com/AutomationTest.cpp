@@ -52,8 +52,7 @@ TEST(Text, ReadsAndWritesClassIdentifiers) {
   EXPECT_EQ(CLSIDFromString(com::ToBstr(text).Get(), &clsid), S_OK);
   EXPECT_EQ(clsid.Data1, 0xa158f66au);
   EXPECT_EQ(com::ToText(clsid), text);
-  for (const char* wrong :
-       {"", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26B}", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26BG}"})
+  for (const char* wrong : {"", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26B}", "{A158F66A-9B33-489F-A4D1-DCFE3BFD26BG}"})
     EXPECT_NE(CLSIDFromString(com::ToBstr(wrong).Get(), &clsid), S_OK) << wrong;
 }
 
@@ -95,9 +94,8 @@ TEST(Variants, ConvertBetweenNumbersBooleansAndTexts) {
   for (const Conversion& c : cases) {
     SCOPED_TRACE(c.title);
     com::Variant result;
-    EXPECT_EQ(
-        VariantChangeTypeEx(result.Put(), const_cast<VARIANT*>(&c.from.Get()), LOCALE_INVARIANT, 0, c.to),
-        c.outcome);
+    EXPECT_EQ(VariantChangeTypeEx(result.Put(), const_cast<VARIANT*>(&c.from.Get()), LOCALE_INVARIANT, 0, c.to),
+              c.outcome);
     if (FAILED(c.outcome)) continue;
     EXPECT_EQ(result.Get().vt, c.to);
     if (c.to == VT_BSTR)
@@ -205,8 +203,7 @@ TEST(Values, SayWhyTheyCannotBeRead) {
       {"nothing", com::Variant(), "an array of numbers expected, nothing found"},
       {"scalar", com::MakeDouble(1), "an array of numbers expected, a number found"},
       {"text", com::MakeString("x"), "an array of numbers expected, a text found"},
-      {"texts", com::MakeStrings(std::vector<std::string>{"x"}),
-       "element 1: a number expected, a text found"},
+      {"texts", com::MakeStrings(std::vector<std::string>{"x"}), "element 1: a number expected, a text found"},
       {"matrix", Matrix(), "an array of numbers expected, an array of 2 dimensions found"},
   };
   for (const Unreadable& c : cases) {

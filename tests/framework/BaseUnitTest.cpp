@@ -118,8 +118,7 @@ const EntryPoint kEntryPoints[] = {
        return u.get_selectedReport(report.Put());
      },
      [](BaseUnit& u) { return u.get_selectedReport(nullptr); }},
-    {"put_selectedReport", [](BaseUnit& u) { return u.put_selectedReport(com::ToBstr("Status").Get()); },
-     nullptr},
+    {"put_selectedReport", [](BaseUnit& u) { return u.put_selectedReport(com::ToBstr("Status").Get()); }, nullptr},
     {"ProduceReport",
      [](BaseUnit& u) {
        com::Bstr text;
@@ -227,8 +226,7 @@ TEST(BaseUnit, LeavesItsObjectsWithTheHostInOneStatus) {
   LONG count = 0;
   EXPECT_EQ(parameters->Count(&count), kFailed);
   EXPECT_EQ(ErrorOf(parameters.Get()),
-            (Texts{"internal error", "internal error: unit not set for param collection", "Count",
-                   "ICapeCollection"}));
+            (Texts{"internal error", "internal error: unit not set for param collection", "Count", "ICapeCollection"}));
   const auto material = com::Make<FakeMaterial>(std::make_shared<HostScript>());
   EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(material.Get())), kFailed);
 }
@@ -302,9 +300,7 @@ TEST(BaseUnit, SurvivesAContextThatFails) {
     bench.script->Restart();
     bench.ConnectBoth();
     bool quiet = false;
-    bench.unit->onCalculate = [&](std::optional<com::Name>&) {
-      quiet = bench.unit->simplifiedModelRequested;
-    };
+    bench.unit->onCalculate = [&](std::optional<com::Name>&) { quiet = bench.unit->simplifiedModelRequested; };
     EXPECT_EQ(bench.unit->Calculate(), S_OK);
     EXPECT_EQ(quiet, k != all.size());
     EXPECT_EQ(bench.unit->put_simulationContext(nullptr), S_OK);
@@ -317,10 +313,9 @@ TEST(BaseUnit, RefusesAContextWithoutDispatchInterface) {
   Bench bench;
   bench.context->hidesDispatch = true;
   EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), kFailed);
-  EXPECT_EQ(bench.Error(),
-            (Texts{"could not obtain IDispatch from simulation context",
-                   "could not obtain IDispatch from simulation context in put_simulationContext",
-                   "put_simulationContext", "ICapeUtilities"}));
+  EXPECT_EQ(bench.Error(), (Texts{"could not obtain IDispatch from simulation context",
+                                  "could not obtain IDispatch from simulation context in put_simulationContext",
+                                  "put_simulationContext", "ICapeUtilities"}));
 }
 
 TEST(BaseUnit, LetsGoOfWhatItWasGivenWhileTerminated) {
@@ -342,9 +337,8 @@ struct ThermoIndexCase {
 };
 
 TEST(BaseUnit, KnowsWhereItsThermoVersionStands) {
-  for (const ThermoIndexCase& c :
-       {ThermoIndexCase{"none", -1, false}, ThermoIndexCase{"beyond the list", 1, true},
-        ThermoIndexCase{"in the list", 0, true}}) {
+  for (const ThermoIndexCase& c : {ThermoIndexCase{"none", -1, false}, ThermoIndexCase{"beyond the list", 1, true},
+                                   ThermoIndexCase{"in the list", 0, true}}) {
     SCOPED_TRACE(c.title);
     Bench bench;
     EXPECT_EQ(bench.unit->Parameter(0).put_value(com::MakeString("1.1").Get()), S_OK);
@@ -381,8 +375,8 @@ struct ValidationCase {
 TEST(BaseUnit, ValidatesInOrder) {
   const ValidationCase cases[] = {
       {"complete", &kTestUnit, [](Bench&) {}, "", S_OK},
-      {"inlet energy port unconnected", &kUnitWithHeat, [](Bench&) {},
-       "not all inlet energy ports are connected", S_OK},
+      {"inlet energy port unconnected", &kUnitWithHeat, [](Bench&) {}, "not all inlet energy ports are connected",
+       S_OK},
       {"outlet energy port unconnected", &kUnitWithHeat,
        [](Bench& b) {
          const auto heat = com::Make<FakeStream>(b.script);
@@ -392,8 +386,7 @@ TEST(BaseUnit, ValidatesInOrder) {
        "", S_OK},
       {"parameter out of bounds", &kTestUnit,
        [](Bench& b) {
-         b.unit->CreateParameter(
-             {.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
+         b.unit->CreateParameter({.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
          b.unit->onValidate = [](std::string&) -> bool { throw std::logic_error("asked too early"); };
        },
        "invalid value for parameter Drop: value out of bounds", S_OK},
@@ -413,18 +406,15 @@ TEST(BaseUnit, ValidatesInOrder) {
        },
        "too hot", S_OK},
       {"validation without a reason", &kTestUnit,
-       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw Failure(""); }; },
-       "the validation failed", kFailed},
+       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw Failure(""); }; }, "the validation failed",
+       kFailed},
       {"foreign exception", &kTestUnit,
-       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw std::runtime_error("odd"); }; },
-       "odd", kFailed},
+       [](Bench& b) { b.unit->onValidate = [](std::string&) -> bool { throw std::runtime_error("odd"); }; }, "odd",
+       kFailed},
       {"refused without a message", &kTestUnit,
-       [](Bench& b) { b.unit->onValidate = [](std::string&) { return false; }; },
-       "invalid unit specification", S_OK},
+       [](Bench& b) { b.unit->onValidate = [](std::string&) { return false; }; }, "invalid unit specification", S_OK},
       {"changed meanwhile", &kTestUnit,
-       [](Bench& b) {
-         b.unit->onValidate = [&b](std::string&) { return SUCCEEDED(b.unit->Parameter(0).Reset()); };
-       },
+       [](Bench& b) { b.unit->onValidate = [&b](std::string&) { return SUCCEEDED(b.unit->Parameter(0).Reset()); }; },
        "the unit was changed while it was validated", S_OK},
       {"list of properties not given", &kTestUnit,
        [](Bench& b) {
@@ -472,10 +462,8 @@ TEST(BaseUnit, IsInvalidatedByEveryChange) {
       {"put", [](Bench& b) { return b.unit->Parameter(0).put_value(com::MakeString("1.1").Get()); }},
       {"reset", [](Bench& b) { return b.unit->Parameter(0).Reset(); }},
       {"disconnect", [](Bench& b) { return b.unit->Inlet(0).Disconnect(); }},
-      {"connect",
-       [](Bench& b) { return b.unit->Outlet(0).Connect(static_cast<ICapeIdentification*>(b.feed.Get())); }},
-      {"failing connect",
-       [](Bench& b) { return b.unit->Inlet(0).Connect(nullptr) == kFailed ? S_OK : E_FAIL; }},
+      {"connect", [](Bench& b) { return b.unit->Outlet(0).Connect(static_cast<ICapeIdentification*>(b.feed.Get())); }},
+      {"failing connect", [](Bench& b) { return b.unit->Inlet(0).Connect(nullptr) == kFailed ? S_OK : E_FAIL; }},
   };
   for (const Change& change : changes) {
     SCOPED_TRACE(change.title);
@@ -502,8 +490,8 @@ TEST(BaseUnit, NeedsAnInletForItsOutlets) {
   bench.unit->checkConnections = false;
   bench.Connect(bench.unit->Outlet(0));
   EXPECT_EQ(bench.unit->Calculate(), kFailed);
-  EXPECT_EQ(bench.Error(), (Texts{"internal error", "unit has material outlets but no material inlets",
-                                  "Calculate", "ICapeUnit"}));
+  EXPECT_EQ(bench.Error(),
+            (Texts{"internal error", "unit has material outlets but no material inlets", "Calculate", "ICapeUnit"}));
   EXPECT_EQ(bench.unit->Outlet(0).Disconnect(), S_OK);
   EXPECT_EQ(bench.unit->Calculate(), S_OK);
   EXPECT_EQ(bench.unit->calculatedCount, 0);
@@ -551,19 +539,13 @@ TEST(BaseUnit, TurnsEveryExceptionIntoItsError) {
          throw Failure(UnitError{"CalculationError", "no root", "Solve", "INumerics"});
        },
        {"CalculationError", "no root", "Solve", "INumerics"}},
-      {"failure with one text",
-       [] { throw Failure("no root"); },
-       {"no root", "no root", "Calculate", "ICapeUnit"}},
+      {"failure with one text", [] { throw Failure("no root"); }, {"no root", "no root", "Calculate", "ICapeUnit"}},
       {"empty failure", [] { throw Failure(""); }, {"", "", "Calculate", "ICapeUnit"}},
       {"array that can't be allocated",
        [] { (void)com::MakeArray(std::size_t{1} << 40, VT_R8); },
        {"out of memory", "out of memory", "MakeArray", "CapeOpenBaseObject"}},
-      {"no memory",
-       [] { throw std::bad_alloc(); },
-       {"out of memory", "out of memory", "Calculate", "ICapeUnit"}},
-      {"standard exception",
-       [] { throw std::runtime_error("odd"); },
-       {"odd", "odd", "Calculate", "ICapeUnit"}},
+      {"no memory", [] { throw std::bad_alloc(); }, {"out of memory", "out of memory", "Calculate", "ICapeUnit"}},
+      {"standard exception", [] { throw std::runtime_error("odd"); }, {"odd", "odd", "Calculate", "ICapeUnit"}},
       {"anything else", [] { throw 42; }, {"unknown error", "unknown error", "Calculate", "ICapeUnit"}},
   };
   for (const Thrown& c : cases) {
@@ -608,8 +590,7 @@ TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {
     EXPECT_EQ(bench.door.Report("Last run"), "Report is not available");
     EXPECT_EQ(bench.unit->Calculate(), S_OK);
     EXPECT_EQ(bench.context->log.size(), c.quiet ? 0u : 1u);
-    EXPECT_EQ(bench.door.Report("LAST RUN"),
-              c.quiet ? "Report is not available" : "text\r\nWARNING: limited\r\n");
+    EXPECT_EQ(bench.door.Report("LAST RUN"), c.quiet ? "Report is not available" : "text\r\nWARNING: limited\r\n");
     EXPECT_FALSE(bench.unit->simplifiedModelRequested);
   }
 }
@@ -668,11 +649,10 @@ TEST(BaseUnit, SelectsReportsByName) {
   EXPECT_EQ(com::ReadStrings(list.Get()), (std::vector<std::string>{"Status", "Last run"}));
   EXPECT_EQ(bench.unit->put_selectedReport(com::ToBstr("last RUN").Get()), S_OK);
   EXPECT_EQ(bench.unit->put_selectedReport(com::ToBstr("Profile").Get()), kFailed);
-  EXPECT_EQ(bench.Error(), (Texts{"unknown report", "unknown report name in put_selectedReport",
-                                  "put_selectedReport", "ICapeUnitReport"}));
+  EXPECT_EQ(bench.Error(), (Texts{"unknown report", "unknown report name in put_selectedReport", "put_selectedReport",
+                                  "ICapeUnitReport"}));
   EXPECT_EQ(bench.unit->put_selectedReport(nullptr), kFailed);
-  EXPECT_EQ(TextFrom(static_cast<ICapeUnit*>(bench.unit.Get()), &ICapeUnitReport::get_selectedReport),
-            "Last run");
+  EXPECT_EQ(TextFrom(static_cast<ICapeUnit*>(bench.unit.Get()), &ICapeUnitReport::get_selectedReport), "Last run");
 }
 
 }  // namespace morvelan::test::base_unit

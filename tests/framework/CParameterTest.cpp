@@ -24,17 +24,8 @@ const ParameterDeclaration kParameters[] = {
      .lowerBound = 0,
      .upperBound = 1e10,
      .dimensionality = kPressureDropDimension},
-    {.name = "Result",
-     .description = "d",
-     .mode = CAPE_OUTPUT,
-     .defaultValue = 0.0,
-     .lowerBound = 0,
-     .upperBound = 1},
-    {.name = "Count",
-     .description = "d",
-     .defaultValue = std::int32_t{2},
-     .lowerBound = 2,
-     .upperBound = 128},
+    {.name = "Result", .description = "d", .mode = CAPE_OUTPUT, .defaultValue = 0.0, .lowerBound = 0, .upperBound = 1},
+    {.name = "Count", .description = "d", .defaultValue = std::int32_t{2}, .lowerBound = 2, .upperBound = 128},
     {.name = "Serial", .description = "d", .defaultValue = false},
     {.name = "Factors",
      .description = "d",
@@ -48,18 +39,10 @@ const ParameterDeclaration kParameters[] = {
      .lowerBound = 0,
      .upperBound = 1},
     {.name = "Free count", .description = "d", .defaultValue = std::int32_t{0}},
-    {.name = "Duty",
-     .description = "d",
-     .defaultValue = "Heat duty",
-     .options = {"Heat duty", "Temperature"}},
-    {.name = "Phase",
-     .description = "d",
-     .defaultValue = "Vapor",
-     .options = {"Vapor"},
-     .restrictedToList = false},
+    {.name = "Duty", .description = "d", .defaultValue = "Heat duty", .options = {"Heat duty", "Temperature"}},
+    {.name = "Phase", .description = "d", .defaultValue = "Vapor", .options = {"Vapor"}, .restrictedToList = false},
 };
-const UnitDeclaration kUnit = {
-    .name = "U", .description = "", .about = "", .ports = {}, .parameters = kParameters};
+const UnitDeclaration kUnit = {.name = "U", .description = "", .about = "", .ports = {}, .parameters = kParameters};
 
 struct Bench {
   Bench() { EXPECT_EQ(unit->Initialize(), S_OK); }
@@ -153,10 +136,8 @@ TEST(CParameter, AcceptsAndRefusesValues) {
       {"Factors", FromOne({0.5}), "invalid range for array parameter; lower index of 0 expected"},
       {"Factors", com::MakeVariants(std::array{com::MakeInteger(1)}),
        "invalid type for an array element for setting array parameter value: VT_R8 expected"},
-      {"Factors", Doubles({0.5, 1.5}),
-       "value out of bounds an array element for setting array parameter value"},
-      {"Factors", com::MakeVariants(Mixed()),
-       "value out of bounds an array element for setting array parameter value"},
+      {"Factors", Doubles({0.5, 1.5}), "value out of bounds an array element for setting array parameter value"},
+      {"Factors", com::MakeVariants(Mixed()), "value out of bounds an array element for setting array parameter value"},
       {"Factors", Doubles({kNaN}), "value out of bounds an array element for setting array parameter value"},
   };
   for (const PutCase& c : cases) {
@@ -171,15 +152,13 @@ TEST(CParameter, AcceptsAndRefusesValues) {
     EXPECT_EQ(put, *c.fault ? kFailed : S_OK);
     EXPECT_EQ(StatusOf(parameter), *c.fault ? CAPE_VALID : CAPE_NOT_VALIDATED);
     EXPECT_EQ(ValueOf(bench, c.parameter) == before, *c.fault || c.keepsValue) << "the value";
-    if (*c.fault)
-      EXPECT_EQ(ErrorOf(parameter.Get()), (Texts{c.fault, c.fault, "put_value", "ICapeParameter"}));
+    if (*c.fault) EXPECT_EQ(ErrorOf(parameter.Get()), (Texts{c.fault, c.fault, "put_value", "ICapeParameter"}));
   }
 }
 
 TEST(CParameter, AsksItsUnitAboutEveryKindOfValue) {
   Bench bench;
-  bench.unit->onParameterValue = [](const CParameter& parameter, std::string& message,
-                                    const ParameterValue&) {
+  bench.unit->onParameterValue = [](const CParameter& parameter, std::string& message, const ParameterValue&) {
     message = "not " + parameter.ComponentName();
     return false;
   };
@@ -217,8 +196,7 @@ TEST(CParameter, ReportsThatItCouldNotBeChecked) {
     throw Failure(UnitError{"title", "the host is gone", "elsewhere", "IOther"});
   };
   EXPECT_EQ(drop->Validate(message.Put(), &valid), kFailed);
-  EXPECT_EQ(ErrorOf(drop.Get()),
-            (Texts{"the host is gone", "the host is gone", "Validate", "ICapeParameter"}));
+  EXPECT_EQ(ErrorOf(drop.Get()), (Texts{"the host is gone", "the host is gone", "Validate", "ICapeParameter"}));
   EXPECT_EQ(StatusOf(drop), CAPE_INVALID);
   EXPECT_EQ(drop->put_value(com::MakeDouble(1).Get()), kFailed);
   EXPECT_EQ(ErrorOf(drop.Get()).scope, "put_value");
@@ -241,8 +219,7 @@ TEST(CParameter, ResetsToItsDefaultAndMirrorsIt) {
   const auto factors = bench.Parameter("Factors");
   EXPECT_EQ(factors->put_value(Doubles({1}).Get()), S_OK);
   EXPECT_EQ(factors->Reset(), S_OK);
-  EXPECT_EQ(bench.unit->Parameter(5).Value(), ParameterValue(std::vector<double>{1}))
-      << "an array only invalidates";
+  EXPECT_EQ(bench.unit->Parameter(5).Value(), ParameterValue(std::vector<double>{1})) << "an array only invalidates";
   // A result is stored without a word to the unit.
   bench.unit->inputChanges = 0;
   bench.unit->Parameter(1).SetResult(11.0);
@@ -334,19 +311,15 @@ TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
     expectKind(integerSpec->get_DefaultValue(&integer), 1, "get_DefaultValue", "ICapeIntegerParameterSpec");
     expectKind(integerSpec->get_LowerBound(&integer), 1, "get_LowerBound", "ICapeIntegerParameterSpec");
     expectKind(integerSpec->get_UpperBound(&integer), 1, "get_UpperBound", "ICapeIntegerParameterSpec");
-    expectKind(integerSpec->Validate(LONG{3}, text.Put(), &boolean), 1, "Validate",
-               "ICapeIntegerParameterSpec");
+    expectKind(integerSpec->Validate(LONG{3}, text.Put(), &boolean), 1, "Validate", "ICapeIntegerParameterSpec");
     const auto optionSpec = parameter.As<ICapeOptionParameterSpec>();
     expectKind(optionSpec->get_DefaultValue(text.Put()), 2, "get_DefaultValue", "ICapeOptionParameterSpec");
     expectKind(optionSpec->get_OptionList(value.Put()), 2, "get_OptionList", "ICapeOptionParameterSpec");
-    expectKind(optionSpec->get_RestrictedToList(&boolean), 2, "get_RestrictedTolist",
-               "ICapeOptionParameterSpec");
-    expectKind(optionSpec->Validate(nullptr, text.Put(), &boolean), 2, "Validate",
-               "ICapeOptionParameterSpec");
+    expectKind(optionSpec->get_RestrictedToList(&boolean), 2, "get_RestrictedTolist", "ICapeOptionParameterSpec");
+    expectKind(optionSpec->Validate(nullptr, text.Put(), &boolean), 2, "Validate", "ICapeOptionParameterSpec");
     const auto booleanSpec = parameter.As<ICapeBooleanParameterSpec>();
     expectKind(booleanSpec->get_DefaultValue(&boolean), 3, "get_DefaultValue", "ICapeBooleanParameterSpec");
-    expectKind(booleanSpec->Validate(VARIANT_TRUE, text.Put(), &boolean), 3, "Validate",
-               "ICapeBooleanParameterSpec");
+    expectKind(booleanSpec->Validate(VARIANT_TRUE, text.Put(), &boolean), 3, "Validate", "ICapeBooleanParameterSpec");
     const auto arraySpec = parameter.As<ICapeArrayParameterSpec>();
     com::Variant verdicts;
     expectKind(arraySpec->Validate(Doubles({}).Get(), value.Put(), verdicts.Put()), 4, "Validate",
@@ -380,8 +353,8 @@ TEST(CParameter, DescribesTheElementsOfAnArray) {
   const auto refused = [&](HRESULT hr, const char* scope) {
     EXPECT_EQ(hr, kFailed);
     EXPECT_EQ(ErrorOf(member.Get()),
-              (Texts{"not a parameter", "Interface is not a parameter, but member of a parameter array",
-                     scope, "ICapeParameter"}));
+              (Texts{"not a parameter", "Interface is not a parameter, but member of a parameter array", scope,
+                     "ICapeParameter"}));
   };
   refused(member->get_Mode(&mode), "get_Mode");
   refused(member->get_ValStatus(&status), "get_ValStatus");
@@ -391,8 +364,7 @@ TEST(CParameter, DescribesTheElementsOfAnArray) {
   refused(member->put_value(com::MakeString("invalid too").Get()), "put_value");
 
   double ownDefault = 0;
-  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_DefaultValue(&ownDefault),
-            S_OK);
+  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_DefaultValue(&ownDefault), S_OK);
   EXPECT_EQ(ownDefault, 0.25);
   EXPECT_EQ(member.As<ICapeRealParameterSpec>()->Validate(kNaN, message.Put(), &valid), S_OK);
   EXPECT_EQ(valid, VARIANT_FALSE) << "an element is never unset";
@@ -455,14 +427,8 @@ TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
       {"small integer", SmallIndex(3), "Result", {}},
       {"name in other case", com::MakeString("factors"), "Factors", {}},
       {"beyond the list", com::MakeInteger(11), "Apart", {}},
-      {"zero",
-       com::MakeInteger(0),
-       nullptr,
-       {"parameter index out of range", "parameter index out of range"}},
-      {"beyond all",
-       com::MakeInteger(12),
-       nullptr,
-       {"parameter index out of range", "parameter index out of range"}},
+      {"zero", com::MakeInteger(0), nullptr, {"parameter index out of range", "parameter index out of range"}},
+      {"beyond all", com::MakeInteger(12), nullptr, {"parameter index out of range", "parameter index out of range"}},
       {"empty name", com::MakeString(""), nullptr, {"empty string", "empty string"}},
       {"unknown name", com::MakeString("x"), nullptr, {"invalid parameter name", "parameter name not found"}},
       {"nothing", com::Variant(), nullptr, {"parameter index out of range", "parameter index out of range"}},
@@ -486,8 +452,7 @@ TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
     if (c.found)
       EXPECT_EQ(TextFrom(item.Get(), &ICapeIdentification::get_ComponentName), c.found);
     else
-      EXPECT_EQ(ErrorOf(parameters.Get()),
-                (Texts{c.refusal.name, c.refusal.description, "Item", "ICapeCollection"}));
+      EXPECT_EQ(ErrorOf(parameters.Get()), (Texts{c.refusal.name, c.refusal.description, "Item", "ICapeCollection"}));
   }
   EXPECT_EQ(bench.unit->requested, (std::vector<std::size_t>{0, 1, 2, 5}));
   EXPECT_EQ(parameters->Item(com::MakeInteger(1).Get(), nullptr), E_POINTER);
@@ -530,9 +495,7 @@ TEST(ReportFormat, PrintsOneLinePerParameter) {
       {"integer", {.name = "n", .description = "", .defaultValue = std::int32_t{3}}, "n:\t3"},
       {"boolean", {.name = "b", .description = "", .defaultValue = true}, "b:\ttrue"},
       {"option", {.name = "o", .description = "", .defaultValue = "Heat duty"}, "o:\tHeat duty"},
-      {"array",
-       {.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}},
-       "a:\t [ 0.3, 1e-07]"},
+      {"array", {.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}}, "a:\t [ 0.3, 1e-07]"},
   };
   for (const LineCase& c : cases)
     EXPECT_EQ(FormatParameter(*com::Make<CParameter>(c.declaration, nullptr)), c.line) << c.title;

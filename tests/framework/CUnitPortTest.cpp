@@ -57,11 +57,10 @@ TEST(CUnitPort, TakesTheThermoVersionOfItsMaterial) {
     bool thermo11;
     const char* version;
   };
-  for (const Offer& offer :
-       {Offer{true, false, "1.0"}, Offer{false, true, "1.1"}, Offer{true, true, "1.1"}}) {
+  for (const Offer& offer : {Offer{true, false, "1.0"}, Offer{false, true, "1.1"}, Offer{true, true, "1.1"}}) {
     Bench bench;
-    const auto material = com::Make<FakeMaterial>(
-        bench.script, FakeState{.thermo10 = offer.thermo10, .thermo11 = offer.thermo11});
+    const auto material =
+        com::Make<FakeMaterial>(bench.script, FakeState{.thermo10 = offer.thermo10, .thermo11 = offer.thermo11});
     EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
     EXPECT_EQ(bench.door.ParameterText("Thermo Version"), offer.version);
     EXPECT_EQ(bench.Connect("Inlet", material), S_OK) << "connecting again drops the earlier connection";
@@ -130,9 +129,8 @@ TEST(CUnitPort, LeavesItsUnitForGood) {
 TEST(CUnitPort, RefusesToDisconnectTwice) {
   Bench bench;
   EXPECT_EQ(bench.door.Port("Heat")->Disconnect(), kFailed);
-  EXPECT_EQ(
-      ErrorOf(bench.door.Port("Heat").Get()),
-      (Texts{"failed to disconnect", "cannot disconnect: port not connected", "Connect", "ICapeUnitPort"}));
+  EXPECT_EQ(ErrorOf(bench.door.Port("Heat").Get()),
+            (Texts{"failed to disconnect", "cannot disconnect: port not connected", "Connect", "ICapeUnitPort"}));
   EXPECT_EQ(bench.unit->inputChanges, 1);
 }
 
@@ -150,8 +148,8 @@ TEST(CUnitPort, IsFoundByNameAndIndex) {
   EXPECT_EQ(bench.door.Port("Plain").As<ICapeIdentification>()->put_ComponentName(nullptr), S_OK);
   EXPECT_EQ(nameAt(com::MakeString("<UNKNOWN>")), "");
   EXPECT_EQ(nameAt(com::MakeInteger(6)), "<refused>");
-  EXPECT_EQ(ErrorOf(ports.Get()), (Texts{"invalid index or id", "could not find port, invalid index or id",
-                                         "Item", "ICapeCollection"}));
+  EXPECT_EQ(ErrorOf(ports.Get()),
+            (Texts{"invalid index or id", "could not find port, invalid index or id", "Item", "ICapeCollection"}));
 }
 
 TEST(CUnitPort, DescribesTheValuesThatItCarries) {
@@ -167,9 +165,9 @@ TEST(CUnitPort, DescribesTheValuesThatItCarries) {
   EXPECT_EQ(item.As<ICapeParameterSpec>()->get_Dimensionality(exponents.Put()), S_OK);
   EXPECT_EQ(com::ReadDoubles(exponents.Get()), kKelvin);
   EXPECT_EQ(items->Item(com::MakeInteger(4).Get(), item.Put()), kFailed);
-  EXPECT_EQ(ErrorOf(items.Get()), (Texts{"index out of range for parameter specification specification",
-                                         "index out of range for parameter specification specification",
-                                         "Item", "ICapeCollection"}));
+  EXPECT_EQ(ErrorOf(items.Get()),
+            (Texts{"index out of range for parameter specification specification",
+                   "index out of range for parameter specification specification", "Item", "ICapeCollection"}));
 }
 
 // ---- Matching
@@ -201,8 +199,7 @@ const char* const kNoHigh =
     "Warning: Optional information item \"temperatureHigh\" of port \"Heat\" could not be matched to any "
     "parameter "
     "available on the object to connect to";
-const char* const kWork =
-    "info: port Heat matches connection parameter \"work\" to information item \"work\"";
+const char* const kWork = "info: port Heat matches connection parameter \"work\" to information item \"work\"";
 const char* const kLow =
     "info: port Heat matches connection parameter \"temperatureLow\" to information item \"temperatureLow\"";
 const char* const kHigh =
@@ -345,8 +342,7 @@ TEST(CUnitInfoPort, ReadsAndWritesValues) {
   };
   EXPECT_EQ(textOf([&] { (void)heat.ReadInformation(1); }),
             "information was not mapped to parameter on connected object");
-  EXPECT_EQ(textOf([&] { heat.WriteInformation(3, 0); }),
-            "internal error, information item is not exported by port");
+  EXPECT_EQ(textOf([&] { heat.WriteInformation(3, 0); }), "internal error, information item is not exported by port");
   EXPECT_EQ(textOf([&] { bench.InfoPort(2).WriteInformation(0, 0); }), "<none>") << "unconnected";
   EXPECT_EQ(textOf([&] { (void)bench.InfoPort(2).ReadInformation(0); }), "port is not connected");
 }
@@ -378,8 +374,7 @@ HRESULT Outcome(Action action) {
 const Operation kOperations[] = {
     {"connect",
      [](Bench& b) { return b.Connect("Signal", b.stream); },
-     {{"QueryInterface ICapeCollection",
-       "The object that requested connection does not implement ICapeCollection"},
+     {{"QueryInterface ICapeCollection", "The object that requested connection does not implement ICapeCollection"},
       {"Count",
        "failed to obtain number of information items of ICapeCollection implemented by object to connect "
        "to: <why>"},
@@ -396,8 +391,7 @@ const Operation kOperations[] = {
       {"LogMessage", nullptr}}},
     {"read",
      [](Bench& b) { return Outcome([&] { (void)b.InfoPort(2).ReadInformation(0); }); },
-     {{"QueryInterface ICapeCollection",
-       "failed to get ICapeCollection from object connected to port, <why>"},
+     {{"QueryInterface ICapeCollection", "failed to get ICapeCollection from object connected to port, <why>"},
       {"Item", "Failed to obtain specified item 1 from connected object's parameter collection: <why>"},
       {"QueryInterface ICapeParameter", "Failed to get ICapeParameter from parameter: <why>"},
       {"get_value", "Failed to get value from parameter: <why>"}}},
@@ -411,8 +405,7 @@ const Operation kOperations[] = {
        "object's parameter collection: <why>"},
       {"QueryInterface ICapeParameter",
        "Unable to set Temperature to port \"Signal\": Failed to get ICapeParameter from parameter: <why>"},
-      {"put_value",
-       "Unable to set Temperature to port \"Signal\": Failed to set value from parameter: <why>"}}},
+      {"put_value", "Unable to set Temperature to port \"Signal\": Failed to set value from parameter: <why>"}}},
 };
 
 TEST(CUnitInfoPort, ExplainsEveryFailingHostCallAndRecovers) {
@@ -430,8 +423,7 @@ TEST(CUnitInfoPort, ExplainsEveryFailingHostCallAndRecovers) {
         ASSERT_GT(bench.script->calls.size(), k);
         EXPECT_EQ(bench.script->calls[k], call.call);
         if (call.description)
-          EXPECT_EQ(ErrorOf(bench.door.Port("Signal").Get()).description,
-                    Explain(call.description, call.call, mode));
+          EXPECT_EQ(ErrorOf(bench.door.Port("Signal").Get()).description, Explain(call.description, call.call, mode));
         EXPECT_EQ(bench.stream->parameters[0]->References(), 1u);
         bench.script->Restart();
         EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);

@@ -224,8 +224,7 @@ TEST(Persistence, KeepsTheReportsThatTheUnitWrites) {
   const auto report = [](const char16_t* name) { return Encoder().Text(name).Bits(0, 2).Int(0).bytes; };
   const auto unit = Fresh();
   const UnitDoor door = HostDoor(unit);
-  EXPECT_EQ(LoadBytes(unit.Get(),
-                      StreamOf({}, Encoder().Int(3).bytes + report(u"a") + report(u"b") + report(u"c"))),
+  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, Encoder().Int(3).bytes + report(u"a") + report(u"b") + report(u"c"))),
             S_OK);
   EXPECT_EQ(door.reports->put_selectedReport(com::ToBstr("c").Get()), S_OK);
   EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, Encoder().Int(1).bytes + report(u"a"))), S_OK);
@@ -263,9 +262,7 @@ TEST(Persistence, PrefersTheSavedThermoVersionToTheHosts) {
     const auto unit = Fresh(false);
     const auto context = com::Make<FakeContext>(std::make_shared<HostScript>());
     context->namedValues["DefaultThermoVersion"] = com::MakeString("1.0");
-    const auto give = [&] {
-      return unit->put_simulationContext(static_cast<ICapeIdentification*>(context.Get()));
-    };
+    const auto give = [&] { return unit->put_simulationContext(static_cast<ICapeIdentification*>(context.Get())); };
     if (contextFirst) EXPECT_EQ(give(), S_OK);
     EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(FilledRecords())), S_OK);
     if (!contextFirst) EXPECT_EQ(give(), S_OK);
@@ -283,10 +280,9 @@ struct HeaderCase {
 };
 
 TEST(Persistence, ReadsOlderHeaders) {
-  const HeaderCase cases[] = {{"MORVELAN0007", 7}, {"MORVELAN0006", 0}, {"MORVELAN0005", 6},
-                              {"MORVELAN0004", 5}, {"MORVELAN0003", 4}, {"MORVELAN0002", 3},
-                              {"MORVELAN0001", 2}, {"SIMPLEUNITOP", 1}, {"MORVELAN0008", 0},
-                              {"MORVELAN0000", 0}, {"morvelan0007", 0}, {"simpleunitop", 0}};
+  const HeaderCase cases[] = {{"MORVELAN0007", 7}, {"MORVELAN0006", 0}, {"MORVELAN0005", 6}, {"MORVELAN0004", 5},
+                              {"MORVELAN0003", 4}, {"MORVELAN0002", 3}, {"MORVELAN0001", 2}, {"SIMPLEUNITOP", 1},
+                              {"MORVELAN0008", 0}, {"MORVELAN0000", 0}, {"morvelan0007", 0}, {"simpleunitop", 0}};
   Encoder none;
   none.Text(u"Report is not available").Bits(0, 2);
   const std::string ownReports = Encoder().Int(2).Text(u"Last run").Bits(0, 2).bytes + none.bytes +
@@ -296,8 +292,7 @@ TEST(Persistence, ReadsOlderHeaders) {
     const auto unit = Fresh();
     const std::string own = SavedBytes(unit.Get());
     const bool hasReports = c.version == 0 || c.version >= 4;
-    const auto stream =
-        com::Make<FakeIStream>(StreamOf(FilledRecords(), hasReports ? FilledReports() : "", c.header));
+    const auto stream = com::Make<FakeIStream>(StreamOf(FilledRecords(), hasReports ? FilledReports() : "", c.header));
     EXPECT_EQ(unit->Load(stream.Get()), c.version ? S_OK : kFailed);
     if (c.version == 0) {
       EXPECT_EQ(ErrorOf(Door(unit)), kHeaderError);
@@ -306,8 +301,8 @@ TEST(Persistence, ReadsOlderHeaders) {
     }
     EXPECT_EQ(unit->loadedVersion, c.version);
     EXPECT_EQ(stream->position, stream->bytes.size());
-    EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()),
-                          StreamOf(FilledRecords(), hasReports ? FilledReports() : ownReports)));
+    EXPECT_TRUE(
+        SameBytes(SavedBytes(unit.Get()), StreamOf(FilledRecords(), hasReports ? FilledReports() : ownReports)));
   }
 }
 
@@ -363,8 +358,7 @@ TEST(Persistence, RefusesParametersOfOtherKinds) {
 }
 
 TEST(Persistence, LoadsWholeOrNotAtAll) {
-  ExpectLoadsWholeOrNotAtAll(
-      {[] { return com::Query<IPersistStream>(Door(Fresh())); }, StreamOf(FilledRecords())});
+  ExpectLoadsWholeOrNotAtAll({[] { return com::Query<IPersistStream>(Door(Fresh())); }, StreamOf(FilledRecords())});
 }
 
 TEST(Persistence, StaysNewWhenItsFirstStreamIsRefused) {

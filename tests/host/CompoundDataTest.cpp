@@ -51,13 +51,12 @@ TEST(CompoundData, FormationPropertiesAgreeWithAbsoluteEntropies) {
         continue;
       }
       const Compound& reference = data.Compounds()[*data.Find(element->second.first)];
-      ofElements += atoms / element->second.second *
-                    reference.entropyGas.value_or(reference.entropySolid.value_or(0.0));
+      ofElements +=
+          atoms / element->second.second * reference.entropyGas.value_or(reference.entropySolid.value_or(0.0));
     }
     if (!isComplete) continue;
     ++count;
-    const double G =
-        compound.formationGas->enthalpy - kReferenceTemperature * (*compound.entropyGas - ofElements);
+    const double G = compound.formationGas->enthalpy - kReferenceTemperature * (*compound.entropyGas - ofElements);
     EXPECT_NEAR(G, compound.formationGas->gibbsEnergy, 1.0) << compound.name;  // entropies of four decimals
   }
   EXPECT_GT(count, 65);
@@ -98,9 +97,7 @@ TEST(CompoundData, NamesThePlaceOfAnError) {
       {"molecularWeight", nullptr, "missing \"molecularWeight\""},
       {"aliases", {"WATER"}, "already belongs to compound \"water\""},
       {"idealGas", {{"model", "shomate"}}, "idealGas: model: must be \"nasa7\""},
-      {"idealGas",
-       {{"model", "nasa7"}, {"ranges", {{{"Tmin", 300.0}, {"Tmax", 200.0}, {"a", {1.0}}}}}},
-       "ranges[0]"},
+      {"idealGas", {{"model", "nasa7"}, {"ranges", {{{"Tmin", 300.0}, {"Tmax", 200.0}, {"a", {1.0}}}}}}, "ranges[0]"},
       {"gibbsOfFormationGas", 1.0, "belong together"},
   };
   for (const Case& c : cases) {
@@ -120,9 +117,8 @@ TEST(CompoundData, NamesThePlaceOfAnError) {
   }
   CompoundData data = BuiltInData();
   EXPECT_THROW(data.AddCompounds(std::filesystem::path("no/such/file.json")), std::runtime_error);
-  EXPECT_THROW(
-      data.AddInteractions(json::parse(R"({"pairs": [{"a": "water", "b": "x", "kij": 0}]})"), "case.json"),
-      std::runtime_error);
+  EXPECT_THROW(data.AddInteractions(json::parse(R"({"pairs": [{"a": "water", "b": "x", "kij": 0}]})"), "case.json"),
+               std::runtime_error);
 }
 
 TEST(PackageFactory, RefusesWhatItCannotUse) {

@@ -139,9 +139,7 @@ TEST(EnergyFlash, FindsTheVaporFractionOfPureCompoundsAndAzeotropes) {
   const std::vector<Case> cases = {
       {{"water"}, {1.0}, 101325.0},
       {{"hydrogen"}, {1.0}, 101325.0},
-      {{"propane", "ethane", "water"},
-       {1.0, 0.0, 0.0},
-       4.2e6},  // one present, 1 percent below its critical P
+      {{"propane", "ethane", "water"}, {1.0, 0.0, 0.0}, 4.2e6},  // one present, 1 percent below its critical P
       {{"benzene", "toluene"}, {1.0 - 1e-12, 1e-12}, 101325.0},  // boils over 1e-11 K
       {{"carbon dioxide", "ethane"}, {0.6, 0.4}, 1.5e6},         // close to an azeotrope
   };

@@ -52,14 +52,11 @@ struct Material {
   HRESULT Set(const char* name, const char* basis, const std::vector<double>& values) const {
     return thermo11->SetOverallProp(com::ToBstr(name).Get(), com::ToBstr(basis).Get(), Numbers(values).Get());
   }
-  HRESULT Set10(const char* name, const char* phase, const char* basis,
-                const std::vector<double>& values) const {
+  HRESULT Set10(const char* name, const char* phase, const char* basis, const std::vector<double>& values) const {
     return thermo10->SetProp(com::ToBstr(name).Get(), com::ToBstr(phase).Get(), com::kNoValue, nullptr,
                              com::ToBstr(basis).Get(), Numbers(values).Get());
   }
-  HRESULT Flash10(const char* type) const {
-    return thermo10->CalcEquilibrium(com::ToBstr(type).Get(), com::kNoValue);
-  }
+  HRESULT Flash10(const char* type) const { return thermo10->CalcEquilibrium(com::ToBstr(type).Get(), com::kNoValue); }
   HRESULT Flash11(const std::vector<std::string>& first, const std::vector<std::string>& second) const {
     return equilibrium->CalcEquilibrium(Names(first).Get(), Names(second).Get(), nullptr);
   }
@@ -73,15 +70,13 @@ struct Material {
   }
 
   /// Stored values by either generation; empty on failure.
-  [[nodiscard]] std::vector<double> Get10(const std::string& name, const char* phase,
-                                          const char* basis) const {
+  [[nodiscard]] std::vector<double> Get10(const std::string& name, const char* phase, const char* basis) const {
     com::Variant values;
-    const HRESULT got = thermo10->GetProp(com::ToBstr(name).Get(), com::ToBstr(phase).Get(), com::kNoValue,
-                                          nullptr, com::ToBstr(basis).Get(), values.Put());
+    const HRESULT got = thermo10->GetProp(com::ToBstr(name).Get(), com::ToBstr(phase).Get(), com::kNoValue, nullptr,
+                                          com::ToBstr(basis).Get(), values.Put());
     return SUCCEEDED(got) ? com::ReadDoubles(values.Get()) : std::vector<double>();
   }
-  [[nodiscard]] std::vector<double> Get11(const std::string& name, const char* phase,
-                                          const char* basis) const {
+  [[nodiscard]] std::vector<double> Get11(const std::string& name, const char* phase, const char* basis) const {
     com::Variant values;
     const auto property = com::ToBstr(name);
     const HRESULT got = com::EqualNoCase(phase, "Overall")
@@ -90,22 +85,18 @@ struct Material {
                                                            com::ToBstr(basis).Get(), values.Put());
     return SUCCEEDED(got) ? com::ReadDoubles(values.Get()) : std::vector<double>();
   }
-  [[nodiscard]] std::vector<double> Calc10(const std::string& name, const char* phase,
-                                           const char* basis) const {
-    if (FAILED(thermo10->CalcProp(Names({name}).Get(), Names({phase}).Get(), com::ToBstr("mixture").Get())))
-      return {};
+  [[nodiscard]] std::vector<double> Calc10(const std::string& name, const char* phase, const char* basis) const {
+    if (FAILED(thermo10->CalcProp(Names({name}).Get(), Names({phase}).Get(), com::ToBstr("mixture").Get()))) return {};
     return Get10(name, phase, basis);
   }
-  [[nodiscard]] std::vector<double> Calc11(const std::string& name, const char* phase,
-                                           const char* basis) const {
+  [[nodiscard]] std::vector<double> Calc11(const std::string& name, const char* phase, const char* basis) const {
     if (FAILED(routine->CalcSinglePhaseProp(Names({name}).Get(), com::ToBstr(phase).Get()))) return {};
     return Get11(name, phase, basis);
   }
   [[nodiscard]] std::vector<std::string> PresentPhases() const {
     com::Variant labels, statuses;
-    return FAILED(thermo11->GetPresentPhases(labels.Put(), statuses.Put()))
-               ? std::vector<std::string>{"<failed>"}
-               : com::ReadStrings(labels.Get());
+    return FAILED(thermo11->GetPresentPhases(labels.Put(), statuses.Put())) ? std::vector<std::string>{"<failed>"}
+                                                                            : com::ReadStrings(labels.Get());
   }
   /// The text of the last failure.
   [[nodiscard]] std::string Text() const { return ErrorOf(object.Get()).description; }
@@ -125,9 +116,8 @@ inline double MassOf(const host::PropertyPackage& package, const std::vector<dou
 }
 
 inline HRESULT Code(std::uint32_t code) { return static_cast<HRESULT>(code); }
-inline const HRESULT kInvalidArgument = Code(0x80040506), kOutOfBounds = Code(0x80040507),
-                     kNoImpl = Code(0x80040509), kLimitedImpl = Code(0x8004050A),
-                     kSolvingError = Code(0x80040510), kBadInvOrder = Code(0x80040511),
+inline const HRESULT kInvalidArgument = Code(0x80040506), kOutOfBounds = Code(0x80040507), kNoImpl = Code(0x80040509),
+                     kLimitedImpl = Code(0x8004050A), kSolvingError = Code(0x80040510), kBadInvOrder = Code(0x80040511),
                      kNotAvailable = Code(0x8004051A);
 
 inline com::Bstr B(const char* text) { return com::ToBstr(text); }
@@ -139,15 +129,13 @@ inline Material AtEquilibrium() {
   return material;
 }
 
-inline HRESULT Read10(const Material& m, const char* name, const char* phase, const char* calcType,
-                      const char* basis) {
+inline HRESULT Read10(const Material& m, const char* name, const char* phase, const char* calcType, const char* basis) {
   com::Variant values;
   return m.thermo10->GetProp(B(name).Get(), B(phase).Get(), com::kNoValue, B(calcType).Get(), B(basis).Get(),
                              values.Put());
 }
 
-inline HRESULT Calculate10(const Material& m, const char* name, const char* phase,
-                           const char* calcType = "mixture") {
+inline HRESULT Calculate10(const Material& m, const char* name, const char* phase, const char* calcType = "mixture") {
   return m.thermo10->CalcProp(Names({name}).Get(), Names({phase}).Get(), B(calcType).Get());
 }
 

@@ -20,10 +20,10 @@ inline host::Flowsheet ReadReactionFile(const std::string& model, const std::vec
                                         const std::string& reactions, const std::string& ownData = "{}") {
   const auto file = std::filesystem::path(MORVELAN_SCRATCH) / "reactions.json";
   std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary)
-      << R"({"thermo": {"model": ")" << model << R"(", "compounds": )" << nlohmann::json(compounds)
-      << R"(, "compoundData": {"compounds": [)" << (ownData == "{}" ? "" : ownData)
-      << R"(]}}, "reactions": [)" << reactions << "]}";
+  std::ofstream(file, std::ios::binary) << R"({"thermo": {"model": ")" << model << R"(", "compounds": )"
+                                        << nlohmann::json(compounds) << R"(, "compoundData": {"compounds": [)"
+                                        << (ownData == "{}" ? "" : ownData) << R"(]}}, "reactions": [)" << reactions
+                                        << "]}";
   return host::ReadFlowsheet(file, MORVELAN_DATA_DIR);
 }
 
@@ -56,16 +56,16 @@ struct Reactions {
     ASSERT_EQ(context->SetMaterial(material.As<IDispatch>().Get()), S_OK) << Text();
   }
 
-  HRESULT Calculate(const std::vector<std::string>& names, const char* phase,
-                    const std::vector<std::string>& ids, const char* basis) const {
+  HRESULT Calculate(const std::vector<std::string>& names, const char* phase, const std::vector<std::string>& ids,
+                    const char* basis) const {
     return routine->CalcReactionProp(Names(names).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get());
   }
   /// Empty on failure.
-  [[nodiscard]] std::vector<double> Read(const char* name, const char* phase,
-                                         const std::vector<std::string>& ids, const char* basis) const {
+  [[nodiscard]] std::vector<double> Read(const char* name, const char* phase, const std::vector<std::string>& ids,
+                                         const char* basis) const {
     com::Variant values;
-    const HRESULT read = properties->GetReactionProp(B(name).Get(), B(phase).Get(), Names(ids).Get(),
-                                                     B(basis).Get(), values.Put());
+    const HRESULT read =
+        properties->GetReactionProp(B(name).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get(), values.Put());
     return SUCCEEDED(read) ? com::ReadDoubles(values.Get()) : std::vector<double>();
   }
   /// One property of one reaction, in its own phase; NaN with a failed expectation when there is none.

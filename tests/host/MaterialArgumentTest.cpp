@@ -69,32 +69,28 @@ TEST(HostMaterial, ReadsArraysInAnyForm) {
     reference.vt = VT_BYREF | VT_VARIANT;
     reference.pvarVal = const_cast<VARIANT*>(&array.Get());
     for (const VARIANT& given : {array.Get(), reference}) {
-      ASSERT_EQ(material.thermo11->SetOverallProp(B("FRACTION").Get(), B("mole").Get(), given), S_OK)
-          << form.what;
+      ASSERT_EQ(material.thermo11->SetOverallProp(B("FRACTION").Get(), B("mole").Get(), given), S_OK) << form.what;
       EXPECT_EQ(material.Get11("fraction", "Overall", "Mole"), kGas) << form.what;
     }
   }
   const Material material;
-  ASSERT_EQ(material.thermo11->SetOverallProp(B("Temperature").Get(), nullptr, com::MakeDouble(300).Get()),
-            S_OK);
+  ASSERT_EQ(material.thermo11->SetOverallProp(B("Temperature").Get(), nullptr, com::MakeDouble(300).Get()), S_OK);
   EXPECT_EQ(material.Get10("temperature", "overall", ""), std::vector<double>{300});
 }
 
 TEST(HostMaterial, TakesCompoundsInAnyOrderUnderThermo10) {
   const Material material;
-  ASSERT_EQ(material.thermo10->SetProp(B("fraction").Get(), nullptr, com::kNoValue, nullptr, nullptr,
-                                       com::kNoValue),
+  ASSERT_EQ(material.thermo10->SetProp(B("fraction").Get(), nullptr, com::kNoValue, nullptr, nullptr, com::kNoValue),
             kInvalidArgument);  // the empty phase is none
   const auto order = Names({"carbon dioxide", "METHANE", "n-pentane", "74-98-6"});
-  ASSERT_EQ(material.thermo10->SetProp(B("fraction").Get(), B("Overall").Get(), order.Get(), nullptr,
-                                       B("Mole").Get(), Numbers({0.4, 0.1, 0.3, 0.2}).Get()),
+  ASSERT_EQ(material.thermo10->SetProp(B("fraction").Get(), B("Overall").Get(), order.Get(), nullptr, B("Mole").Get(),
+                                       Numbers({0.4, 0.1, 0.3, 0.2}).Get()),
             S_OK)
       << material.Text();
   EXPECT_EQ(material.Get11("fraction", "Overall", "Mole"), (std::vector<double>{0.1, 0.2, 0.3, 0.4}));
   com::Variant chosen;
-  ASSERT_EQ(material.thermo10->GetProp(B("fraction").Get(), B("Overall").Get(),
-                                       Names({"n-pentane", "methane"}).Get(), nullptr, B("Mole").Get(),
-                                       chosen.Put()),
+  ASSERT_EQ(material.thermo10->GetProp(B("fraction").Get(), B("Overall").Get(), Names({"n-pentane", "methane"}).Get(),
+                                       nullptr, B("Mole").Get(), chosen.Put()),
             S_OK);
   EXPECT_EQ(com::ReadDoubles(chosen.Get()), (std::vector<double>{0.3, 0.1}));
 }
@@ -104,10 +100,10 @@ TEST(HostMaterial, GivesConstants) {
   const Material material;
   const auto compounds = material.object.As<ICapeThermoCompounds>();
   com::Variant values;
-  ASSERT_EQ(compounds->GetCompoundConstant(
-                Names({"MolecularWeight", "casRegistryNumber", "standardEntropySolid"}).Get(),
-                Names({"methane"}).Get(), values.Put()),
-            S_OK);
+  ASSERT_EQ(
+      compounds->GetCompoundConstant(Names({"MolecularWeight", "casRegistryNumber", "standardEntropySolid"}).Get(),
+                                     Names({"methane"}).Get(), values.Put()),
+      S_OK);
   const auto elements = com::ReadVariants(values.Get());
   ASSERT_EQ(elements.size(), 3u);
   EXPECT_DOUBLE_EQ(com::ReadDouble(elements[0].Get()), 16.043);
@@ -115,8 +111,7 @@ TEST(HostMaterial, GivesConstants) {
   EXPECT_EQ(elements[2].Get().vt, VT_EMPTY) << "methane's data has no solid";
 
   com::Variant ids, formulae, names, boiling, weights, cas, ids10;
-  ASSERT_EQ(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boiling.Put(), weights.Put(),
-                                       cas.Put()),
+  ASSERT_EQ(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boiling.Put(), weights.Put(), cas.Put()),
             S_OK);
   EXPECT_EQ(com::ReadStrings(ids.Get()), kGasCompounds);
   EXPECT_EQ(com::ReadStrings(formulae.Get()), (std::vector<std::string>{"CH4", "C3H8", "C5H12", "CO2"}));
@@ -124,8 +119,8 @@ TEST(HostMaterial, GivesConstants) {
   ASSERT_EQ(material.thermo10->get_ComponentIds(ids10.Put()), S_OK);
   EXPECT_EQ(com::ReadStrings(ids10.Get()), kGasCompounds);
   com::Variant gasConstant;
-  ASSERT_EQ(material.object.As<ICapeThermoUniversalConstant>()->GetUniversalConstant(
-                B("molarGasConstant").Get(), gasConstant.Put()),
+  ASSERT_EQ(material.object.As<ICapeThermoUniversalConstant>()->GetUniversalConstant(B("molarGasConstant").Get(),
+                                                                                     gasConstant.Put()),
             S_OK);
   EXPECT_NEAR(com::ReadDouble(gasConstant.Get()), 8.31446, 1e-5);
 }
@@ -182,8 +177,7 @@ TEST(HostMaterial, CopiesDoNotFollowTheirOriginal) {
   for (const Material* copy : {&copy10, &copy11}) {
     EXPECT_EQ(copy->Get11("temperature", "Overall", ""), std::vector<double>{250});
     EXPECT_EQ(copy->PresentPhases(), (std::vector<std::string>{"Vapor", "Liquid"}));
-    EXPECT_EQ(copy->Calc10("enthalpy", "Overall", "Mole"),
-              AtEquilibrium().Calc10("enthalpy", "Overall", "Mole"));
+    EXPECT_EQ(copy->Calc10("enthalpy", "Overall", "Mole"), AtEquilibrium().Calc10("enthalpy", "Overall", "Mole"));
   }
 }
 
@@ -207,8 +201,7 @@ TEST(HostMaterial, ListsWhatItCalculatesAndNothingElse) {
   EXPECT_GT(names.size(), 30u);
   for (const std::string& name : names) {
     VARIANT_BOOL possible = VARIANT_FALSE;
-    EXPECT_EQ(material.routine->CheckSinglePhasePropSpec(B(name.c_str()).Get(), B("Liquid").Get(), &possible),
-              S_OK);
+    EXPECT_EQ(material.routine->CheckSinglePhasePropSpec(B(name.c_str()).Get(), B("Liquid").Get(), &possible), S_OK);
     EXPECT_EQ(possible, VARIANT_TRUE) << name;
     EXPECT_FALSE(material.Calc11(name, "Liquid", "Mole").empty()) << name << ": " << material.Text();
   }

@@ -75,9 +75,7 @@ double InMass(double molar, Kind kind, double M) {
   return kind == Kind::kPerAmount ? molar / M : kind == Kind::kPerVolume ? molar * M : molar;
 }
 
-PhaseKind KindOf(const std::string& phase) {
-  return phase == "Vapor" ? PhaseKind::kVapor : PhaseKind::kLiquid;
-}
+PhaseKind KindOf(const std::string& phase) { return phase == "Vapor" ? PhaseKind::kVapor : PhaseKind::kLiquid; }
 
 TEST(HostMaterial, GivesThePackagesPhasePropertiesInBothGenerations) {
   const auto& package = *GasPackage();
@@ -101,8 +99,7 @@ TEST(HostMaterial, GivesThePackagesPhasePropertiesInBothGenerations) {
       }
       for (const VectorCase& c : kVectors) {
         Values values;
-        for (std::size_t i = 0; i < lnPhi.size(); ++i)
-          values.push_back(c.expected(lnPhi[i], phase.x[i], state.P));
+        for (std::size_t i = 0; i < lnPhi.size(); ++i) values.push_back(c.expected(lnPhi[i], phase.x[i], state.P));
         ExpectNear(material.Calc10(c.property, label, ""), values, kSame, c.property);
         ExpectNear(material.Calc11(c.property, label, ""), values, kSame, c.property);
       }
@@ -121,8 +118,8 @@ TEST(HostMaterial, GivesOverallPropertiesUnderThermo10) {
       const std::string what = std::string(state.name) + ", overall " + c.property;
       const double molar = c.expected(expected);
       ExpectNear(material.Calc10(c.property, "overall", "Mole"), {molar}, kSame, what);
-      ExpectNear(material.Calc10(c.property, "Overall", "Mass"),
-                 {InMass(molar, c.kind, MassOf(package, state.z))}, kSame, what);
+      ExpectNear(material.Calc10(c.property, "Overall", "Mass"), {InMass(molar, c.kind, MassOf(package, state.z))},
+                 kSame, what);
     }
   }
 }
@@ -173,8 +170,7 @@ TEST(HostMaterial, GivesFlowsAndFractions) {
 TEST(HostMaterial, TakesStatesOnMassBasis) {
   const Material material(MakePackage({"methane", "carbon dioxide"}));
   const auto& package = material.object->State().Package();
-  const double m1 = package.CompoundAt(0).molecularWeight / 1000,
-               m2 = package.CompoundAt(1).molecularWeight / 1000;
+  const double m1 = package.CompoundAt(0).molecularWeight / 1000, m2 = package.CompoundAt(1).molecularWeight / 1000;
   ASSERT_EQ(material.Set("flow", "Mass", {m1, m2}), S_OK);
   ExpectNear(material.Get11("totalFlow", "Overall", "Mole"), {2}, kSame, "total flow");
   ExpectNear(material.Get11("fraction", "Overall", "Mole"), {0.5, 0.5}, kSame, "composition");
@@ -257,16 +253,14 @@ TEST(HostMaterial, DerivativesAreThoseOfTheValues) {
         partial.push_back(ByMoles(name, label, T, P, phase.x, i, true).front());
       ExpectNear(material.Calc11(name + ".Dmoles", label, "Mole"), partial, kDifference, what + " by moles");
       // Fractions are independent with the property in proportion to the amount: the same numbers.
-      ExpectNear(material.Calc10(name + ".DmolFraction", label, "Mole"), partial, kDifference,
-                 what + " by fractions");
+      ExpectNear(material.Calc10(name + ".DmolFraction", label, "Mole"), partial, kDifference, what + " by fractions");
     }
     Values matrix(phase.x.size() * phase.x.size());
     for (std::size_t j = 0; j < phase.x.size(); ++j) {
       const Values column = ByMoles("logFugacityCoefficient", label, T, P, phase.x, j, false);
       for (std::size_t i = 0; i < column.size(); ++i) matrix[i * column.size() + j] = column[i];
     }
-    ExpectNear(material.Calc11("logFugacityCoefficient.Dmoles", label, ""), matrix, kDifference,
-               "ln phi by n");
+    ExpectNear(material.Calc11("logFugacityCoefficient.Dmoles", label, ""), matrix, kDifference, "ln phi by n");
     // kappa = -(1/V) dV/dP
     const Values volumeByP =
         CentralDifference([&](double h) { return ValuesAt("volume", label, T, P + h, phase.x); }, 10);
@@ -280,13 +274,11 @@ TEST(HostMaterial, CalculatesFugacitiesWithoutAState) {
   const Material material;
   const auto& package = *GasPackage();
   com::Variant lnPhi, byT, byP, byMoles;
-  ASSERT_EQ(
-      material.routine->CalcAndGetLnPhi(com::ToBstr("vapor").Get(), 300, 1e6, Numbers(Scaled(kGas, 4)).Get(),
-                                        1 | 2 | 4 | 8, lnPhi.Put(), byT.Put(), byP.Put(), byMoles.Put()),
-      S_OK);
+  ASSERT_EQ(material.routine->CalcAndGetLnPhi(com::ToBstr("vapor").Get(), 300, 1e6, Numbers(Scaled(kGas, 4)).Get(),
+                                              1 | 2 | 4 | 8, lnPhi.Put(), byT.Put(), byP.Put(), byMoles.Put()),
+            S_OK);
   const auto derivatives = package.Derivatives(PhaseKind::kVapor, 300, 1e6, kGas);
-  ExpectNear(com::ReadDoubles(lnPhi.Get()), package.LnPhi(PhaseKind::kVapor, 300, 1e6, kGas), kSame,
-             "ln phi");
+  ExpectNear(com::ReadDoubles(lnPhi.Get()), package.LnPhi(PhaseKind::kVapor, 300, 1e6, kGas), kSame, "ln phi");
   ExpectNear(com::ReadDoubles(byT.Get()), derivatives.lnPhiDT, kSame, "by T");
   ExpectNear(com::ReadDoubles(byP.Get()), derivatives.lnPhiDP, kSame, "by P");
   ExpectNear(com::ReadDoubles(byMoles.Get()), Scaled(derivatives.lnPhiDn, 0.25), kSame, "by moles");
@@ -303,8 +295,7 @@ TEST(HostMaterial, FlashesComeBackToTheStateThatGaveTheirConditions) {
   const auto& package = *GasPackage();
   const auto equilibrium = package.FlashTP(T, P, kGas);
   const auto molar = package.Overall(equilibrium);
-  const std::vector<std::string> temperature = {"Temperature", "", "Overall"},
-                                 pressure = {"pressure", "", "OVERALL"};
+  const std::vector<std::string> temperature = {"Temperature", "", "Overall"}, pressure = {"pressure", "", "OVERALL"};
   const auto energy = [](const char* name) { return std::vector<std::string>{name, "", "Overall"}; };
   const std::vector<std::string> fraction = {"phaseFraction", "Mole", "Vapor"};
   struct {

@@ -22,8 +22,7 @@ void ExpectRefusals(const std::vector<Refusal>& refusals, Material (*make)()) {
     const Material material = make();
     EXPECT_EQ(refusal.call(material), refusal.code) << refusal.what << ": " << material.Text();
     const Texts texts = ErrorOf(material.object.Get());
-    EXPECT_NE(texts.description.find(refusal.words), std::string::npos)
-        << refusal.what << ": " << texts.description;
+    EXPECT_NE(texts.description.find(refusal.words), std::string::npos) << refusal.what << ": " << texts.description;
     LONG code = 0;
     ASSERT_EQ(material.object.As<ECapeUser>()->get_code(&code), S_OK);
     EXPECT_EQ(code, refusal.code) << refusal.what;
@@ -37,47 +36,43 @@ TEST(HostMaterial, RefusesUnderThermo10) {
   constexpr double kMissing = std::numeric_limits<double>::lowest();
   ExpectRefusals(
       {
-          {"unknown property", [](auto& m) { return Read10(m, "enthalpie", "Vapor", "", "Mole"); },
-           kInvalidArgument, "\"enthalpie\""},
-          {"unknown derivative", [](auto& m) { return Calculate10(m, "enthalpy.Dvolume", "Vapor"); },
-           kInvalidArgument, "enthalpy.Dvolume"},
+          {"unknown property", [](auto& m) { return Read10(m, "enthalpie", "Vapor", "", "Mole"); }, kInvalidArgument,
+           "\"enthalpie\""},
+          {"unknown derivative", [](auto& m) { return Calculate10(m, "enthalpy.Dvolume", "Vapor"); }, kInvalidArgument,
+           "enthalpy.Dvolume"},
           {"unknown phase", [](auto& m) { return Calculate10(m, "enthalpy", "Solid"); }, kInvalidArgument,
            "\"Vapor\", \"Liquid\""},
-          {"unknown basis", [](auto& m) { return Read10(m, "totalFlow", "Overall", "", "Molar"); },
-           kInvalidArgument, "\"Molar\""},
+          {"unknown basis", [](auto& m) { return Read10(m, "totalFlow", "Overall", "", "Molar"); }, kInvalidArgument,
+           "\"Molar\""},
           {"no basis where one is needed", [](auto& m) { return Read10(m, "fraction", "Overall", "", ""); },
            kInvalidArgument, "must be \"Mole\" or \"Mass\""},
-          {"pure compounds", [](auto& m) { return Calculate10(m, "enthalpy", "Vapor", "pure"); },
-           kLimitedImpl, "pure"},
+          {"pure compounds", [](auto& m) { return Calculate10(m, "enthalpy", "Vapor", "pure"); }, kLimitedImpl, "pure"},
           {"unknown calculation type", [](auto& m) { return Calculate10(m, "enthalpy", "Vapor", "ideal"); },
            kInvalidArgument, "\"ideal\""},
-          {"a value that was not calculated",
-           [](auto& m) { return Read10(m, "enthalpy", "Vapor", "mixture", "Mole"); }, kNotAvailable,
-           "enthalpy of phase \"Vapor\" is not set"},
+          {"a value that was not calculated", [](auto& m) { return Read10(m, "enthalpy", "Vapor", "mixture", "Mole"); },
+           kNotAvailable, "enthalpy of phase \"Vapor\" is not set"},
           {"overall fugacities", [](auto& m) { return Calculate10(m, "fugacity", "Overall"); }, kLimitedImpl,
            "fugacity"},
-          {"a derivative over all phases",
-           [](auto& m) { return Calculate10(m, "enthalpy.Dpressure", "Overall"); }, kLimitedImpl,
-           "enthalpy.Dpressure"},
+          {"a derivative over all phases", [](auto& m) { return Calculate10(m, "enthalpy.Dpressure", "Overall"); },
+           kLimitedImpl, "enthalpy.Dpressure"},
           {"a derivative that is not calculated",
            [](auto& m) { return Calculate10(m, "heatCapacityCp.Dtemperature", "Vapor"); }, kLimitedImpl,
            "heatCapacityCp.Dtemperature"},
-          {"a state as a result", [](auto& m) { return Calculate10(m, "temperature", "Vapor"); },
-           kLimitedImpl, "temperature"},
+          {"a state as a result", [](auto& m) { return Calculate10(m, "temperature", "Vapor"); }, kLimitedImpl,
+           "temperature"},
           {"too few fractions",
            [](auto& m) {
              return m.Set10("fraction", "Overall", "Mole", {0.5, 0.5});
            },
            kInvalidArgument, "takes 4 values, 2 given"},
-          {"not a number", [](auto& m) { return m.Set10("pressure", "Overall", "", {std::nan("")}); },
-           kInvalidArgument, "pressure"},
-          {"the mark of a missing value",
-           [](auto& m) { return m.Set10("totalFlow", "Overall", "Mole", {kMissing}); }, kInvalidArgument,
-           "not set"},
-          {"temperature of zero", [](auto& m) { return m.Set10("temperature", "Overall", "", {0}); },
-           kOutOfBounds, "above 0"},
-          {"negative flow", [](auto& m) { return m.Set10("totalFlow", "Overall", "Mole", {-1}); },
-           kOutOfBounds, "not be negative"},
+          {"not a number", [](auto& m) { return m.Set10("pressure", "Overall", "", {std::nan("")}); }, kInvalidArgument,
+           "pressure"},
+          {"the mark of a missing value", [](auto& m) { return m.Set10("totalFlow", "Overall", "Mole", {kMissing}); },
+           kInvalidArgument, "not set"},
+          {"temperature of zero", [](auto& m) { return m.Set10("temperature", "Overall", "", {0}); }, kOutOfBounds,
+           "above 0"},
+          {"negative flow", [](auto& m) { return m.Set10("totalFlow", "Overall", "Mole", {-1}); }, kOutOfBounds,
+           "not be negative"},
           {"texts for numbers",
            [](auto& m) {
              return m.thermo10->SetProp(B("fraction").Get(), B("Overall").Get(), com::kNoValue, nullptr,
@@ -114,16 +109,14 @@ TEST(HostMaterial, RefusesUnderThermo10) {
              return Calculate10(m, "enthalpy", "Overall");
            },
            kBadInvOrder, "CalcEquilibrium"},
-          {"independent variables",
-           [](auto& m) { return m.thermo10->SetIndependentVar(com::kNoValue, com::kNoValue); }, kNoImpl,
-           "SetProp"},
+          {"independent variables", [](auto& m) { return m.thermo10->SetIndependentVar(com::kNoValue, com::kNoValue); },
+           kNoImpl, "SetProp"},
       },
       AtEquilibrium);
 }
 
 TEST(HostMaterial, RefusesUnderThermo11) {
-  const std::vector<std::string> temperature = {"temperature", "", "Overall"},
-                                 pressure = {"pressure", "", "Overall"};
+  const std::vector<std::string> temperature = {"temperature", "", "Overall"}, pressure = {"pressure", "", "Overall"};
   ExpectRefusals(
       {
           {"a value that was not calculated", [](auto& m) { return Read11(m, "volume", "Liquid", "Mole"); },
@@ -134,10 +127,10 @@ TEST(HostMaterial, RefusesUnderThermo11) {
              return m.thermo11->GetOverallProp(B("enthalpy").Get(), B("Mole").Get(), values.Put());
            },
            kNotAvailable, "enthalpy"},
-          {"a phase called Overall", [](auto& m) { return Read11(m, "volume", "Overall", "Mole"); },
-           kInvalidArgument, "\"Overall\""},
-          {"derivatives by moles on mass basis",
-           [](auto& m) { return Read11(m, "enthalpy.Dmoles", "Vapor", "Mass"); }, kLimitedImpl, "mass basis"},
+          {"a phase called Overall", [](auto& m) { return Read11(m, "volume", "Overall", "Mole"); }, kInvalidArgument,
+           "\"Overall\""},
+          {"derivatives by moles on mass basis", [](auto& m) { return Read11(m, "enthalpy.Dmoles", "Vapor", "Mass"); },
+           kLimitedImpl, "mass basis"},
           {"a phase fraction of everything", [](auto& m) { return m.Set("phaseFraction", "Mole", {1}); },
            kInvalidArgument, "belongs to a phase"},
           {"a property of a phase without a state",

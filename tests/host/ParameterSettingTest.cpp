@@ -32,8 +32,7 @@ const ParameterDeclaration kParameters[] = {
      .upperBound = 1},
     {.name = "Duty", .description = "", .mode = CAPE_OUTPUT, .defaultValue = 12.5},
 };
-const UnitDeclaration kUnit = {
-    .name = "Test", .description = "", .about = "", .ports = {}, .parameters = kParameters};
+const UnitDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = {}, .parameters = kParameters};
 
 /// A parameter as the host reads it from the unit.
 host::UnitParameter ReadParameter(const TestUnit& unit, const std::string& name) {
@@ -92,10 +91,8 @@ TEST(ParameterSetting, TurnsValuesIntoTheParametersKind) {
       refusal = error.what();
     }
     EXPECT_EQ(refusal.empty(), *setting.stored != 0) << what << ": " << refusal;
-    for (const char* word : setting.words)
-      EXPECT_NE(refusal.find(word), std::string::npos) << what << ": " << refusal;
-    EXPECT_EQ(host::ParameterValue(parameter), *setting.stored ? Json::parse(setting.stored) : before)
-        << what;
+    for (const char* word : setting.words) EXPECT_NE(refusal.find(word), std::string::npos) << what << ": " << refusal;
+    EXPECT_EQ(host::ParameterValue(parameter), *setting.stored ? Json::parse(setting.stored) : before) << what;
   }
 }
 

@@ -88,8 +88,7 @@ TEST(PhaseProperties, HaveTheDerivativesTheyClaim) {
       const double numericalDP = Slope([&](double P) { return lnPhi(c.T, P, x); }, c.P, 1e-3 * c.P);
       ExpectClose(d.lnPhiDT[i], numericalDT, 1e-4 / c.T, "dlnPhi/dT");
       ExpectClose(d.lnPhiDP[i], numericalDP, 1e-4 / c.P, "dlnPhi/dP");
-      ExpectClose(d.lnPhiDP[i], (d.partialVolume[i] - RT / c.P) / RT, 1e-9 / c.P,
-                  "dlnPhi/dP = (v - RT/P)/RT");
+      ExpectClose(d.lnPhiDP[i], (d.partialVolume[i] - RT / c.P) / RT, 1e-9 / c.P, "dlnPhi/dP = (v - RT/P)/RT");
       for (std::size_t j = 0; j < n; ++j) {
         const auto shifted = [&](double dn) {
           std::vector<double> moved = x;
@@ -148,8 +147,7 @@ TEST(PengRobinson, FugacityIsTheIntegralOfTheVolume) {
     double T;  // [K]
     double P;  // [Pa]
   };
-  for (const Case& c :
-       {Case{"carbon dioxide", 320.0, 2e7}, Case{"methane", 200.0, 5e6}, Case{"water", 700.0, 3e7}}) {
+  for (const Case& c : {Case{"carbon dioxide", 320.0, 2e7}, Case{"methane", 200.0, 5e6}, Case{"water", 700.0, 3e7}}) {
     const Package package = MakePackage({c.compound});
     const std::vector<double> x = {1.0};
     SCOPED_TRACE(Inputs({c.compound}, c.T, c.P, x));
@@ -207,9 +205,7 @@ TEST(IdealGas, HasItsReferenceStateAndNoSteps) {
     if (compound.idealGas.empty()) continue;
     SCOPED_TRACE(compound.name);
     const Package package = MakePackage({compound.name}, "ideal-gas");
-    const auto at = [&](double T) {
-      return package->Properties(PhaseKind::kVapor, T, 1e5, std::vector{1.0});
-    };
+    const auto at = [&](double T) { return package->Properties(PhaseKind::kVapor, T, 1e5, std::vector{1.0}); };
     EXPECT_NEAR(at(kReferenceTemperature).enthalpy, 0.0, 1e-9);  // by definition, but for rounding
     EXPECT_NEAR(at(kReferenceTemperature).entropy, 0.0, 1e-11);
     EXPECT_NEAR(*at(kReferenceTemperature).gibbsEnergyF, compound.formationGas->gibbsEnergy, 1e-8);
@@ -225,8 +221,7 @@ TEST(IdealGas, HasItsReferenceStateAndNoSteps) {
       EXPECT_NEAR(above.enthalpy - below.enthalpy, 2.0 * width * below.heatCapacityCp, 1e-6) << "at " << T;
       EXPECT_NEAR(above.heatCapacityCp, below.heatCapacityCp, 0.02 * below.heatCapacityCp) << "at " << T;
     }
-    for (double T = 2.0; T < 6000.0; T *= 1.1)
-      EXPECT_GE(at(T).heatCapacityCp, 2.49 * kGasConstant) << "at " << T;
+    for (double T = 2.0; T < 6000.0; T *= 1.1) EXPECT_GE(at(T).heatCapacityCp, 2.49 * kGasConstant) << "at " << T;
   }
 }
 

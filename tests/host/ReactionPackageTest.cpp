@@ -23,15 +23,14 @@ constexpr const char* kBases[] = {"Molarity", "Concentration", "MoleFraction", "
 const std::vector<std::string> kGases = {"methane",  "water",    "carbon monoxide", "carbon dioxide",
                                          "hydrogen", "nitrogen", "ammonia"};
 const Values kGasFractions = {0.2, 0.3, 0.1, 0.05, 0.15, 0.1, 0.1};
-constexpr double kGasMasses[] = {16.043, 18.015, 28.010, 44.009,
-                                 2.016,  28.014, 17.031};  // [g/mol], to 4 digits
+constexpr double kGasMasses[] = {16.043, 18.015, 28.010, 44.009, 2.016, 28.014, 17.031};  // [g/mol], to 4 digits
 
 /// One reaction in each basis, its id with the basis at its end.
 std::string InEachBasis(const std::string& id, const std::string& rest) {
   std::string list;
   for (const char* basis : kBases)
-    list += std::string(list.empty() ? "" : ", ") + R"({"id": ")" + id + ' ' + basis + R"(", "basis": ")" +
-            basis + "\", " + rest + '}';
+    list += std::string(list.empty() ? "" : ", ") + R"({"id": ")" + id + ' ' + basis + R"(", "basis": ")" + basis +
+            "\", " + rest + '}';
   return list;
 }
 
@@ -43,8 +42,7 @@ const std::string kKinetics =
        "stoichiometry": {"methane": -1, "water": -1, "carbon monoxide": 1, "hydrogen": 3},
        "rate": {"preExponential": 250, "activationEnergy": 15000, "orders": {"methane": 1, "water": 0.5, "7727-37-9": -0.25}},
        "reverse": {"preExponential": 3, "activationEnergy": -4000, "orders": {"hydrogen": 2, "methane": 0}})";
-const std::string kGasReactions =
-    InEachBasis("reforming", kReforming) + ", " + InEachBasis("rate", kKinetics) + R"(,
+const std::string kGasReactions = InEachBasis("reforming", kReforming) + ", " + InEachBasis("rate", kKinetics) + R"(,
     {"id": "shift", "type": "equilibrium", "phase": "Vapor", "basis": "MoleFraction", "equilibrium": "gibbs",
      "stoichiometry": {"carbon monoxide": -1, "water": -1, "carbon dioxide": 1, "hydrogen": 1}},
     {"id": "synthesis", "type": "equilibrium", "phase": "Vapor", "basis": "MoleFraction", "equilibrium": "gibbs",
@@ -78,13 +76,11 @@ struct GasData {
     return {};
   }
   [[nodiscard]] double Enthalpy(double T) const {
-    return data["enthalpyOfFormationGas"].get<double>() +
-           kR * (Polynomial(T).first - Polynomial(298.15).first);
+    return data["enthalpyOfFormationGas"].get<double>() + kR * (Polynomial(T).first - Polynomial(298.15).first);
   }
   [[nodiscard]] double GibbsEnergy(double T) const {
     const double enthalpy = data["enthalpyOfFormationGas"], gibbs = data["gibbsOfFormationGas"];
-    const double entropy =
-        (enthalpy - gibbs) / 298.15 + kR * (Polynomial(T).second - Polynomial(298.15).second);
+    const double entropy = (enthalpy - gibbs) / 298.15 + kR * (Polynomial(T).second - Polynomial(298.15).second);
     return Enthalpy(T) - T * entropy;
   }
 };
@@ -130,18 +126,15 @@ TEST(ReactionPackage, TakesEquilibriaFromGibbsEnergies) {
         reactions.SetMaterial(reactions.MakeMaterial(offer, T, P, kGasFractions));
         for (const Stoichiometry& reaction : kGibbsReactions) {
           const double expected = reaction.LnKp(T) - reaction.Sum() * std::log(P / kBar);
-          EXPECT_NEAR(std::log(reactions.Value("chemicalEquilibriumConstant", reaction.id)), expected,
-                      kTableSteps)
+          EXPECT_NEAR(std::log(reactions.Value("chemicalEquilibriumConstant", reaction.id)), expected, kTableSteps)
               << reaction.id << ", " << T << " K, " << P << " Pa";
-          EXPECT_LE(Apart(reactions.Value("enthalpyOfReaction", reaction.id), reaction.Enthalpy(T)),
-                    kTableSteps)
+          EXPECT_LE(Apart(reactions.Value("enthalpyOfReaction", reaction.id), reaction.Enthalpy(T)), kTableSteps)
               << reaction.id << ", " << T << " K";
         }
       }
   // JANAF tables, 1000 K: log Kf of CO2 20.68, of CO 10.46, of H2O 10.06.
   reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::k11, 1000, kBar, kGasFractions));
-  EXPECT_NEAR(std::log10(reactions.Value("chemicalEquilibriumConstant", "shift")), 20.68 - 10.46 - 10.06,
-              0.02);
+  EXPECT_NEAR(std::log10(reactions.Value("chemicalEquilibriumConstant", "shift")), 20.68 - 10.46 - 10.06, 0.02);
 }
 
 TEST(ReactionPackage, KeepsVantHoffsEquation) {
@@ -161,8 +154,7 @@ TEST(ReactionPackage, KeepsVantHoffsEquation) {
 }
 
 /// Amounts in a basis of a phase of composition x, molar density [mol/m3] given.
-Values Amounts(const std::string& basis, const host::PropertyPackage& package, const Values& x,
-               double density) {
+Values Amounts(const std::string& basis, const host::PropertyPackage& package, const Values& x, double density) {
   const double mass = MassOf(package, x);
   Values amounts = x;
   for (std::size_t i = 0; i < x.size(); ++i) {
@@ -182,19 +174,16 @@ TEST(ReactionPackage, CalculatesInEveryBasis) {
       constexpr double T = 900, P = 2e7;
       reactions.SetMaterial(reactions.MakeMaterial(offer, T, P, kGasFractions));
       const double density =
-          *model == 'i' ? P / (kR * T)
-                        : reactions.package->Properties(PhaseKind::kVapor, T, P, kGasFractions).density;
+          *model == 'i' ? P / (kR * T) : reactions.package->Properties(PhaseKind::kVapor, T, P, kGasFractions).density;
       double inMoleFractions = 0;
       for (std::size_t i = 0; i < kGases.size(); ++i)
         EXPECT_LE(Apart(reactions.package->CompoundAt(i).molecularWeight, kGasMasses[i]), 1e-3) << kGases[i];
       for (const char* basis : {"MoleFraction", "MassFraction", "Molarity", "Concentration"}) {
         const std::string what = std::string(model) + ", " + basis;
         const Values c = Amounts(basis, *reactions.package, kGasFractions, density);
-        const double rate =
-            250 * std::exp(-15000 / (kR * T)) * c[0] * std::sqrt(c[1]) / std::pow(c[5], 0.25) -
-            3 * c[4] * c[4] * std::exp(4000 / (kR * T));
-        EXPECT_LE(Apart(reactions.Value("reactionRate", std::string("rate ") + basis), rate), kRounding)
-            << what;
+        const double rate = 250 * std::exp(-15000 / (kR * T)) * c[0] * std::sqrt(c[1]) / std::pow(c[5], 0.25) -
+                            3 * c[4] * c[4] * std::exp(4000 / (kR * T));
+        EXPECT_LE(Apart(reactions.Value("reactionRate", std::string("rate ") + basis), rate), kRounding) << what;
         const double quotient = c[2] * c[4] * c[4] * c[4] / (c[0] * c[1]);
         const double K = reactions.Value("chemicalEquilibriumConstant", std::string("reforming ") + basis);
         if (std::string(basis) == "MoleFraction") inMoleFractions = quotient / K;
@@ -214,8 +203,7 @@ TEST(ReactionPackage, CalculatesWhatTheFileGives) {
                 kRounding);
       EXPECT_EQ(reactions.Value("enthalpyOfReaction", "fitted"), -41000);
       EXPECT_EQ(reactions.Value("reactionRate", "catalysed"), 7) << "of order zero";
-      EXPECT_LE(Apart(reactions.Value("enthalpyOfReaction", "catalysed"), kGibbsReactions[2].Enthalpy(T)),
-                kTableSteps)
+      EXPECT_LE(Apart(reactions.Value("enthalpyOfReaction", "catalysed"), kGibbsReactions[2].Enthalpy(T)), kTableSteps)
           << "of a kinetic reaction";
     }
 }
@@ -226,9 +214,7 @@ TEST(ReactionPackage, AnswersSeveralReactionsInTheOrderAsked) {
   const std::vector<std::string> asked = {"synthesis", "SHIFT", "fitted", "shift"};
   Values one;
   for (const std::string& id : asked) one.push_back(reactions.Value("chemicalEquilibriumConstant", id));
-  EXPECT_EQ(
-      reactions.Calculate({"enthalpyOfReaction", "CHEMICALequilibriumConstant"}, "vapor", asked, "mole"),
-      S_OK)
+  EXPECT_EQ(reactions.Calculate({"enthalpyOfReaction", "CHEMICALequilibriumConstant"}, "vapor", asked, "mole"), S_OK)
       << reactions.Text();
   EXPECT_EQ(reactions.Read("chemicalequilibriumconstant", "", asked, ""), one);
   EXPECT_EQ(reactions.Read("enthalpyOfReaction", "Vapor", {"fitted"}, "Mole"), Values{-41000});
@@ -259,8 +245,7 @@ TEST(ReactionPackage, ReadsEachReactionsOwnPhase) {
   const Values vapour = Amounts("MassFraction", *reactions.package, state.phases[0].x, 0);
   for (const ThermoOffer offer : kOffers) {
     reactions.SetMaterial(reactions.MakeMaterial(offer, T, P, kEster));
-    ASSERT_EQ(reactions.Calculate({"reactionRate"}, "", {"vapour", "liquid"}, "Mole"), S_OK)
-        << reactions.Text();
+    ASSERT_EQ(reactions.Calculate({"reactionRate"}, "", {"vapour", "liquid"}, "Mole"), S_OK) << reactions.Text();
     const Values rates = reactions.Read("reactionRate", "", {"vapour", "liquid"}, "Mole");
     ASSERT_EQ(rates.size(), 2u);
     EXPECT_LE(Apart(rates[0], 2 * vapour[0] * vapour[1]), kRounding);
@@ -275,13 +260,11 @@ TEST(ReactionPackage, TakesAStateThatIsNoEquilibrium) {
   const double expected = LiquidRate(*reactions.package, T, P, kEster);
 
   const Material newer(reactions.MakeMaterial(ThermoOffer::k11, 300, 2e5, {0, 0, 0, 1}));
-  ASSERT_EQ(
-      newer.thermo11->SetPresentPhases(Names({"Liquid"}).Get(), com::MakeIntegers(std::vector{1}).Get()),
-      S_OK);
+  ASSERT_EQ(newer.thermo11->SetPresentPhases(Names({"Liquid"}).Get(), com::MakeIntegers(std::vector{1}).Get()), S_OK);
   const auto setPhase = [&](const char* name, const char* basis, const Values& values) {
-    ASSERT_EQ(newer.thermo11->SetSinglePhaseProp(B(name).Get(), B("Liquid").Get(), B(basis).Get(),
-                                                 Numbers(values).Get()),
-              S_OK)
+    ASSERT_EQ(
+        newer.thermo11->SetSinglePhaseProp(B(name).Get(), B("Liquid").Get(), B(basis).Get(), Numbers(values).Get()),
+        S_OK)
         << newer.Text();
   };
   setPhase("temperature", "", {T});
@@ -372,8 +355,7 @@ TEST(ReactionPackage, TellsItsChemistry) {
     ASSERT_EQ(chemistry->GetReactionCompoundIds(id.Get(), compounds.Put(), charges.Put(), cas.Put()), S_OK);
     ASSERT_EQ(chemistry->GetPhaseCompounds(id.Get(), &phaseCount, inPhase.Put()), S_OK);
     EXPECT_EQ(type, c.type) << c.id;
-    EXPECT_EQ(SUCCEEDED(chemistry->GetReactionRateBasis(id.Get(), &rateBasis)), c.rateBasis.has_value())
-        << c.id;
+    EXPECT_EQ(SUCCEEDED(chemistry->GetReactionRateBasis(id.Get(), &rateBasis)), c.rateBasis.has_value()) << c.id;
     EXPECT_EQ(rateBasis, c.rateBasis.value_or(CapeReactionRateBasis{})) << c.id;
     EXPECT_EQ(com::ToUtf8(phase.Get()), "Vapor") << c.id;
     EXPECT_EQ(com::ToUtf8(basis.Get()), c.basis) << c.id;

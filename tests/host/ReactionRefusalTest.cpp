@@ -11,8 +11,7 @@ namespace morvelan::test::reaction_refusal {
 using host::ThermoOffer;
 using Ids = std::vector<std::string>;
 
-const std::vector<std::string> kCompounds = {"carbon monoxide", "water", "carbon dioxide", "hydrogen",
-                                             "unformed"};
+const std::vector<std::string> kCompounds = {"carbon monoxide", "water", "carbon dioxide", "hydrogen", "unformed"};
 const std::vector<double> kFractions = {0.3, 0.4, 0.2, 0.1, 0};
 // A compound of atoms that has no formation data.
 const std::string kUnformed =
@@ -44,8 +43,8 @@ HRESULT Calculate(const Reactions& r, const char* property, const Ids& ids) {
 
 HRESULT Read(const Reactions& r, const char* property, const char* id) {
   com::Variant values;
-  return r.properties->GetReactionProp(B(property).Get(), B("Vapor").Get(), Names({id}).Get(),
-                                       B("Mole").Get(), values.Put());
+  return r.properties->GetReactionProp(B(property).Get(), B("Vapor").Get(), Names({id}).Get(), B("Mole").Get(),
+                                       values.Put());
 }
 
 struct Refusal {
@@ -99,8 +98,8 @@ TEST(ReactionPackage, RefusesWhatItCannotCalculate) {
        kInvalidArgument, "\"shift\" is an equilibrium reaction and has no reactionRate"},
       {"K of a kinetic reaction", [&](auto& r) { return Calculate(r, K, {"kinetic"}); }, kInvalidArgument,
        "\"kinetic\" is a kinetic reaction and has no chemicalEquilibriumConstant"},
-      {"wrong phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"kinetic"}, "Mole"); },
-       kInvalidArgument, "\"kinetic\" takes place in phase \"Vapor\", not in \"Liquid\""},
+      {"wrong phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"kinetic"}, "Mole"); }, kInvalidArgument,
+       "\"kinetic\" takes place in phase \"Vapor\", not in \"Liquid\""},
       {"two phases in one call",
        [&](auto& r) {
          return Calculate(r, rate, {"kinetic", "liquid"});
@@ -108,15 +107,13 @@ TEST(ReactionPackage, RefusesWhatItCannotCalculate) {
        kInvalidArgument, "\"liquid\" takes place in phase \"Liquid\", not in \"Vapor\""},
       {"mass basis", [&](auto& r) { return r.Calculate({rate}, "Vapor", {"kinetic"}, "Mass"); }, kLimitedImpl,
        "reactionRate is given on basis \"Mole\" only"},
-      {"unknown basis", [&](auto& r) { return r.Calculate({K}, "Vapor", {"shift"}, "Molarity"); },
-       kInvalidArgument, "basis \"Molarity\" is unknown"},
-      {"absent phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"liquid"}, "Mole"); },
-       kNotAvailable,
+      {"unknown basis", [&](auto& r) { return r.Calculate({K}, "Vapor", {"shift"}, "Molarity"); }, kInvalidArgument,
+       "basis \"Molarity\" is unknown"},
+      {"absent phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"liquid"}, "Mole"); }, kNotAvailable,
        "property fraction of phase \"Liquid\": property fraction of phase \"Liquid\" is not set"},
       {"K beyond the largest number", [&](auto& r) { return Calculate(r, K, {"huge"}); }, kSolvingError,
        "\"huge\" is beyond the range of numbers: its logarithm is 1666.667"},
-      {"K beyond the smallest", [&](auto& r) { return Calculate(r, K, {"tiny"}); }, kSolvingError,
-       "-1666.667"},
+      {"K beyond the smallest", [&](auto& r) { return Calculate(r, K, {"tiny"}); }, kSolvingError, "-1666.667"},
       {"an infinite rate", [&](auto& r) { return Calculate(r, rate, {"inhibited"}); }, kSolvingError,
        "reactionRate of reaction \"inhibited\" is not finite"},
       {"no formation enthalpy", [](auto& r) { return Calculate(r, "enthalpyOfReaction", {"inhibited"}); },
@@ -155,8 +152,7 @@ TEST(ReactionPackage, RefusesWhatIsNotThere) {
        kNotAvailable, "is not calculated", properties},
       {"set",
        [&](auto& r) {
-         return r.properties->SetReactionProp(B(K).Get(), nullptr, Names({"shift"}).Get(), nullptr,
-                                              Numbers({1}).Get());
+         return r.properties->SetReactionProp(B(K).Get(), nullptr, Names({"shift"}).Get(), nullptr, Numbers({1}).Get());
        },
        kNoImpl, "chemicalEquilibriumConstant is calculated and can't be set", properties},
       {"parameters",
@@ -178,8 +174,8 @@ TEST(ReactionPackage, RefusesWhatIsNotThere) {
        },
        kInvalidArgument, "reaction \"\" is unknown", chemistry},
       {"an object that is no material",
-       [](auto& r) { return r.context->SetMaterial(r.object.template As<IDispatch>().Get()); },
-       kInvalidArgument, "neither ICapeThermoMaterial nor ICapeThermoMaterialObject", context},
+       [](auto& r) { return r.context->SetMaterial(r.object.template As<IDispatch>().Get()); }, kInvalidArgument,
+       "neither ICapeThermoMaterial nor ICapeThermoMaterialObject", context},
   });
 }
 
@@ -195,8 +191,8 @@ TEST(ReactionPackage, RefusesMaterialsThatDoNotTell) {
         {com::Make<host::MaterialObject>("empty", host::MaterialState(reactions.package), offer),
          "chemicalEquilibriumConstant", "shift",
          "the material does not give property temperature of phase \"Overall\": "},
-        {Reactions("ideal-gas", {"methane", "water"}, "").MakeMaterial(offer, 400, 1e5, {0.5, 0.5}),
-         "reactionRate", "kinetic", "the material's compound \"methane\" is unknown"},
+        {Reactions("ideal-gas", {"methane", "water"}, "").MakeMaterial(offer, 400, 1e5, {0.5, 0.5}), "reactionRate",
+         "kinetic", "the material's compound \"methane\" is unknown"},
     };
     for (const auto& c : cases) {
       reactions.SetMaterial(c.material);
@@ -213,14 +209,11 @@ TEST(ReactionPackage, RefusesNullPointers) {
   LONG count = 0;
   for (const HRESULT outcome :
        {r.chemistry->GetNumberOfReactions(nullptr), r.chemistry->GetReactionsIds(nullptr),
-        r.chemistry->GetReactionType(id.Get(), nullptr),
-        r.chemistry->GetNumberOfReactionCompounds(id.Get(), nullptr),
+        r.chemistry->GetReactionType(id.Get(), nullptr), r.chemistry->GetNumberOfReactionCompounds(id.Get(), nullptr),
         r.chemistry->GetReactionCompoundIds(id.Get(), spare.Put(), nullptr, nullptr),
-        r.chemistry->GetStoichiometricCoefficients(id.Get(), nullptr),
-        r.chemistry->GetReactionPhase(id.Get(), nullptr),
-        r.chemistry->GetReactionRateBasis(id.Get(), nullptr),
-        r.chemistry->GetReactionConcBasis(id.Get(), nullptr), r.chemistry->GetBaseReactant(id.Get(), nullptr),
-        r.chemistry->GetPhaseCompounds(id.Get(), &count, nullptr),
+        r.chemistry->GetStoichiometricCoefficients(id.Get(), nullptr), r.chemistry->GetReactionPhase(id.Get(), nullptr),
+        r.chemistry->GetReactionRateBasis(id.Get(), nullptr), r.chemistry->GetReactionConcBasis(id.Get(), nullptr),
+        r.chemistry->GetBaseReactant(id.Get(), nullptr), r.chemistry->GetPhaseCompounds(id.Get(), &count, nullptr),
         r.chemistry->GetReactionParameters(id.Get(), nullptr),
         r.properties->GetReactionProp(nullptr, nullptr, com::kNoValue, nullptr, nullptr)})
     EXPECT_EQ(outcome, E_POINTER);

@@ -17,11 +17,10 @@ using host::ValueStream;
 constexpr double kMissing = std::numeric_limits<double>::lowest();
 
 com::Ref<ValueStream> MakeHeat(std::optional<double> low) {
-  return com::Make<ValueStream>(
-      "duty", "Energy stream",
-      std::vector<com::Ref<StreamParameter>>{
-          com::Make<StreamParameter>("work", host::kPowerExponents, 1000.0),
-          com::Make<StreamParameter>("temperatureLow", host::kTemperatureExponents, low)});
+  return com::Make<ValueStream>("duty", "Energy stream",
+                                std::vector<com::Ref<StreamParameter>>{
+                                    com::Make<StreamParameter>("work", host::kPowerExponents, 1000.0),
+                                    com::Make<StreamParameter>("temperatureLow", host::kTemperatureExponents, low)});
 }
 
 com::Ref<ICapeParameter> ItemOf(const com::Ref<ValueStream>& stream, const com::Variant& id) {
@@ -45,8 +44,7 @@ TEST(ValueStreamObject, FindsItsValuesByNameAndIndex) {
                      {com::MakeString("WORK"), 1000},
                      {com::MakeString("temperaturelow"), 400},
                      {com::MakeDouble(2.0), 400}};
-  for (const auto& c : cases)
-    EXPECT_EQ(ValueOf(ItemOf(stream, c.id)), c.expected) << com::Describe(c.id.Get());
+  for (const auto& c : cases) EXPECT_EQ(ValueOf(ItemOf(stream, c.id)), c.expected) << com::Describe(c.id.Get());
   struct {
     com::Variant id;
     const char* words;
@@ -87,8 +85,7 @@ TEST(StreamParameterObject, KeepsRealValues) {
 constexpr InformationItem kTemperature[] = {{"T", "", kTemperatureDimension}};
 constexpr PortDeclaration kPorts[] = {{"Heat", "", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
                                       {"Signal", "", CAPE_OUTLET, CAPE_INFORMATION, kTemperature}};
-const UnitDeclaration kUnit = {
-    .name = "Test", .description = "", .about = "", .ports = kPorts, .parameters = {}};
+const UnitDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = kPorts, .parameters = {}};
 
 TEST(ValueStreamObject, ConnectsToPortsThatReadAndWriteIt) {
   const auto context = com::Make<host::SimulationContext>(false, "");

@@ -35,8 +35,7 @@ inline const CompoundData& BuiltInData() {
   return data;
 }
 
-inline Package MakePackage(const std::vector<std::string>& compounds,
-                           const std::string& model = "peng-robinson") {
+inline Package MakePackage(const std::vector<std::string>& compounds, const std::string& model = "peng-robinson") {
   PackageOptions options;
   options.model = model;
   options.compounds = compounds;
@@ -44,8 +43,7 @@ inline Package MakePackage(const std::vector<std::string>& compounds,
 }
 
 /// The inputs of a case for the messages of failures.
-inline std::string Inputs(const std::vector<std::string>& compounds, double T, double P,
-                          const std::vector<double>& x) {
+inline std::string Inputs(const std::vector<std::string>& compounds, double T, double P, const std::vector<double>& x) {
   std::ostringstream text;
   text.precision(17);
   text << "T = " << T << " K, P = " << P << " Pa";

@@ -71,9 +71,8 @@ TEST(MaterialAccess, GivesOverallAndPhaseProperties) {
   for (const bool thermo11 : {false, true})
     for (const bool calculatesOverall : {false, true})
       for (const OverallCase& c : cases) {
-        SCOPED_TRACE(testing::Message()
-                     << "thermo 1.1: " << thermo11 << ", host calculates overall: " << calculatesOverall
-                     << ", " << c.property << "/" << c.phase << "/" << c.basis);
+        SCOPED_TRACE(testing::Message() << "thermo 1.1: " << thermo11 << ", host calculates overall: "
+                                        << calculatesOverall << ", " << c.property << "/" << c.phase << "/" << c.basis);
         Bench bench(thermo11, {.calculatesOverall = calculatesOverall});
         const com::Variant onCopy =
             bench.Port().GetProperty(Kept(c.property), Kept(c.phase), names::kMixture, Kept(c.basis));
@@ -86,8 +85,7 @@ TEST(MaterialAccess, GivesOverallAndPhaseProperties) {
 
 TEST(MaterialAccess, DividesByMeanMolecularWeightForMassBasis) {
   Bench bench(true);
-  const com::Variant value =
-      bench.Port().GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMass);
+  const com::Variant value = bench.Port().GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kMass);
   EXPECT_DOUBLE_EQ(Scalar(value), (0.4 * 1000 - 0.6 * 500) / (0.001 * (0.25 * 16 + 0.75 * 30)));
 }
 
@@ -101,9 +99,8 @@ TEST(MaterialAccess, RemembersThatTheHostCannotCalculateAnOverallProperty) {
   // A sum that fails teaches nothing.
   bench.script->Restart();
   bench.script->failAt = 3;
-  EXPECT_THROW(
-      (void)bench.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole),
-      Failure);
+  EXPECT_THROW((void)bench.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole),
+               Failure);
   EXPECT_EQ(ask(), 1);
   EXPECT_EQ(ask(), 0);
   (void)bench.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, names::kMole);
@@ -117,9 +114,8 @@ TEST(MaterialAccess, SkipsAbsentPhasesUnderThermo10Only) {
   state.calculatesOverall = false;
   for (const bool thermo11 : {false, true}) {
     Bench bench(thermo11, state);
-    EXPECT_DOUBLE_EQ(Scalar(bench.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture,
-                                                          names::kMole)),
-                     -500);
+    EXPECT_DOUBLE_EQ(
+        Scalar(bench.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMole)), -500);
     const char* calculation = thermo11 ? "CalcSinglePhaseProp Vapor" : "CalcProp Vapor";
     EXPECT_EQ(CallsOf(bench, calculation), thermo11 ? 1 : 0);
   }
@@ -129,8 +125,7 @@ TEST(MaterialAccess, ReadsCompoundsAndPhases) {
   for (const bool thermo11 : {false, true}) {
     Bench bench(thermo11);
     EXPECT_EQ(bench.Port().GetCompoundIds(), (std::vector<std::string>{"methane", "ethane"}));
-    EXPECT_EQ(bench.Port().GetCompoundIdentities().casNumbers,
-              (std::vector<std::string>{"74-82-8", "74-84-0"}));
+    EXPECT_EQ(bench.Port().GetCompoundIdentities().casNumbers, (std::vector<std::string>{"74-82-8", "74-84-0"}));
     EXPECT_EQ(bench.Port().GetCompoundConstant(names::kMolecularWeight), (std::vector<double>{16, 30}));
     EXPECT_EQ(bench.Port().GetCompoundText(names::kCasRegistryNumber),
               (std::vector<std::string>{"74-82-8", "74-84-0"}));
@@ -212,9 +207,7 @@ struct Refusal {
   Texts texts;
 };
 
-Texts Evaluation(std::string text, const char* scope = "GetPropertyNoDup") {
-  return {text, text, scope, "CUnitPort"};
-}
+Texts Evaluation(std::string text, const char* scope = "GetPropertyNoDup") { return {text, text, scope, "CUnitPort"}; }
 
 const Refusal kRefusals[] = {
     {"not connected",
@@ -252,9 +245,7 @@ const Refusal kRefusals[] = {
      [](Bench& b) { (void)b.Port().GetPropertyNoDup({}, names::kOverall, names::kMixture, names::kMole); },
      Evaluation("Internal error: unimplemented overall thermo V11 call for property <NULL>")},
     {"unknown basis", true,
-     [](Bench& b) {
-       (void)b.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, Kept("litre"));
-     },
+     [](Bench& b) { (void)b.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, Kept("litre")); },
      Evaluation("Internal error: unimplemented overall V11 property calculation for basis litre")},
     {"two vapours",
      true,
@@ -262,8 +253,8 @@ const Refusal kRefusals[] = {
        b.material->state.phases[1].aggregation = "vapor";
        (void)b.Port().GetVaporName();
      },
-     {"More than one vapor phase reported by GetPhaseList",
-      "More than one vapor phase reported by GetPhaseList", "GetVaporName", "CPort"}},
+     {"More than one vapor phase reported by GetPhaseList", "More than one vapor phase reported by GetPhaseList",
+      "GetVaporName", "CPort"}},
     {"no vapour for a PVF flash",
      true,
      [](Bench& b) {
@@ -274,19 +265,14 @@ const Refusal kRefusals[] = {
       "unable to get vapor phase ID: no vapor phase reported by GetPhaseList", "GetVaporName", "CPort"}},
     {"statuses of another size", true,
      [](Bench& b) {
-       b.script->oddAnswers["GetPresentPhases"] = [] {
-         return com::MakeStrings(std::vector<std::string>{"Vapor"});
-       };
+       b.script->oddAnswers["GetPresentPhases"] = [] { return com::MakeStrings(std::vector<std::string>{"Vapor"}); };
        (void)b.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, names::kMole);
      },
-     Evaluation(
-         "Failed to calculate overall volume; GetPresentPhases returned different sizes for phase name list "
-         "and phase status list")},
+     Evaluation("Failed to calculate overall volume; GetPresentPhases returned different sizes for phase name list "
+                "and phase status list")},
     {"two total flows", true,
      [](Bench& b) {
-       b.script->oddAnswers["GetOverallProp totalFlow"] = [] {
-         return com::MakeDoubles(std::array{1.0, 2.0});
-       };
+       b.script->oddAnswers["GetOverallProp totalFlow"] = [] { return com::MakeDoubles(std::array{1.0, 2.0}); };
        (void)b.Port().GetPropertyNoDup(names::kVolume, names::kOverall, names::kMixture, {});
      },
      Evaluation("Invalid values for phase fraction for overall phase, basis \"mole\": scalar expected")},
@@ -312,8 +298,7 @@ const Refusal kRefusals[] = {
        b.material->state.calculatesOverall = false;
        (void)b.Port().GetProperty(names::kViscosity, names::kOverall, {}, names::kMole);
      },
-     Evaluation(InThisSystemsWords("CalcProp (Viscosity/Overall/<NULL>) failed: Not implemented"),
-                "GetProperty")},
+     Evaluation(InThisSystemsWords("CalcProp (Viscosity/Overall/<NULL>) failed: Not implemented"), "GetProperty")},
     {"missing constants",
      false,
      [](Bench& b) {
@@ -330,8 +315,7 @@ const Refusal kRefusals[] = {
        b.Port().Disconnect();
        (void)b.unit->HFromPSFlash(1e5, 0);
      },
-     {"Failed to get material", "Failed to get material connected to inlet port", "HFromPSFlash",
-      "BaseUnit"}},
+     {"Failed to get material", "Failed to get material connected to inlet port", "HFromPSFlash", "BaseUnit"}},
 };
 
 TEST(MaterialAccess, RefusesWhatItCannotAnswer) {
@@ -343,9 +327,8 @@ TEST(MaterialAccess, RefusesWhatItCannotAnswer) {
       ADD_FAILURE() << "was not refused";
     } catch (const Failure& failure) {
       const UnitError& error = failure.error;
-      EXPECT_EQ(
-          (Texts{error.name, error.description, std::string(error.scope), std::string(error.interfaceName)}),
-          refusal.texts);
+      EXPECT_EQ((Texts{error.name, error.description, std::string(error.scope), std::string(error.interfaceName)}),
+                refusal.texts);
     }
   }
 }
@@ -377,9 +360,7 @@ com::Variant MixedArray() {
   return com::MakeVariants(elements);
 }
 
-void AskEnthalpy(Bench& b) {
-  (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, {});
-}
+void AskEnthalpy(Bench& b) { (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, {}); }
 void AskMassEnthalpy(Bench& b) {
   (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kMass);
 }
@@ -395,8 +376,7 @@ const OddAnswer kOddAnswers[] = {
      "Unexpected number of values for enthalpy: scalar expected"},
     {"two flows", false, [](Bench& b) { Say(b, Answer("GetProp totalFlow", 1.0, 2.0)); }, AskEnthalpy,
      "Unexpected number of values for totalFlow: scalar expected"},
-    {"enthalpy as text", false, [](Bench& b) { b.script->oddAnswers["GetProp enthalpy"] = TextArray; },
-     AskEnthalpy,
+    {"enthalpy as text", false, [](Bench& b) { b.script->oddAnswers["GetProp enthalpy"] = TextArray; }, AskEnthalpy,
      "Failed to convert enthalpy values from GetProp: element 1: a number expected, a text found"},
     {"flow not set", false, [](Bench& b) { Say(b, Answer("GetProp totalFlow", kMissingValue)); }, AskEnthalpy,
      "Failed to convert total flow values from GetProp: value is not set"},
@@ -433,8 +413,7 @@ const OddAnswer kOddAnswers[] = {
        b.script->oddAnswers["PhaseIds"] = MixedArray;
      },
      AskEnthalpy, "unable to get phase name from array"},
-    {"present phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPresentPhases", 1.0, 2.0)); },
-     AskEnthalpy,
+    {"present phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPresentPhases", 1.0, 2.0)); }, AskEnthalpy,
      "Failed to calculate overall enthalpy; invalid list of phases from GetPresentPhases: element 1: a text "
      "expected, "
      "a number found"},
@@ -448,44 +427,37 @@ const OddAnswer kOddAnswers[] = {
        b.material->state.statuses = {1, 2};
      },
      AskEnthalpy, "Failed to calculate overall enthalpy; phase Liquid is reported not to be in equilibrium"},
-    {"phase named overall", true, [](Bench& b) { b.material->state.phases[0].label = "overall"; },
-     AskEnthalpy, "Invalid phase name \"overall\" from GetPresentPhases"},
+    {"phase named overall", true, [](Bench& b) { b.material->state.phases[0].label = "overall"; }, AskEnthalpy,
+     "Invalid phase name \"overall\" from GetPresentPhases"},
     {"no phase", true, [](Bench& b) { b.material->state.phases.clear(); }, AskEnthalpy,
      "Failed to get overall enthalpy: no valid phases are present"},
-    {"two enthalpies of a phase", true,
-     [](Bench& b) { Say(b, Answer("GetSinglePhaseProp enthalpy", 1.0, 2.0)); }, AskEnthalpy,
-     "Invalid values for enthalpy for phase Vapor, basis \"mole\": scalar expected"},
-    {"two fractions of a phase", true,
-     [](Bench& b) { Say(b, Answer("GetSinglePhaseProp phaseFraction", 1.0, 2.0)); }, AskEnthalpy,
-     "Invalid values for phase fraction for phase Vapor, basis \"mole\": scalar expected"},
+    {"two enthalpies of a phase", true, [](Bench& b) { Say(b, Answer("GetSinglePhaseProp enthalpy", 1.0, 2.0)); },
+     AskEnthalpy, "Invalid values for enthalpy for phase Vapor, basis \"mole\": scalar expected"},
+    {"two fractions of a phase", true, [](Bench& b) { Say(b, Answer("GetSinglePhaseProp phaseFraction", 1.0, 2.0)); },
+     AskEnthalpy, "Invalid values for phase fraction for phase Vapor, basis \"mole\": scalar expected"},
     {"three mole fractions of two compounds", true,
      [](Bench& b) { Say(b, Answer("GetOverallProp Fraction", 0.1, 0.2, 0.7)); }, AskMassEnthalpy,
      "Material object returned inconsistent number of values for molecular weights and overall compositions "
      "for "
      "mass/mole conversion"},
-    {"mole fraction not set", true,
-     [](Bench& b) { Say(b, Answer("GetOverallProp Fraction", 0.1, kMissingValue)); }, AskMassEnthalpy,
-     "Invalid values for overall composition for mass/mole conversion: value is not set"},
+    {"mole fraction not set", true, [](Bench& b) { Say(b, Answer("GetOverallProp Fraction", 0.1, kMissingValue)); },
+     AskMassEnthalpy, "Invalid values for overall composition for mass/mole conversion: value is not set"},
     {"molecular weight not set", true,
-     [](Bench& b) { Say(b, Answer("GetCompoundConstant molecularWeight", 16.0, kMissingValue)); },
-     AskMassEnthalpy,
+     [](Bench& b) { Say(b, Answer("GetCompoundConstant molecularWeight", 16.0, kMissingValue)); }, AskMassEnthalpy,
      "Invalid value for molecular weight of a compound for mass/mole conversion. Expected VARIANT of type "
      "REAL."},
-    {"supported phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPhaseList", 1.0, 2.0)); },
-     AskVapor, "invalid phase name array from GetPhaseList: element 1: a text expected, a number found"},
+    {"supported phases as numbers", true, [](Bench& b) { Say(b, Answer("GetPhaseList", 1.0, 2.0)); }, AskVapor,
+     "invalid phase name array from GetPhaseList: element 1: a text expected, a number found"},
     {"fewer phases than states", true,
      [](Bench& b) {
-       b.script->oddAnswers["GetPhaseList"] = [] {
-         return com::MakeStrings(std::vector<std::string>{"Vapor"});
-       };
+       b.script->oddAnswers["GetPhaseList"] = [] { return com::MakeStrings(std::vector<std::string>{"Vapor"}); };
      },
      AskVapor,
      "number of elements in aggregation state array does not match number of elements in names array "
      "returned from "
      "GetPhaseList"},
-    {"two values of a phase fraction", false,
-     [](Bench& b) { Say(b, Answer("GetProp phaseFraction", 1.0, 2.0)); }, AskFractions,
-     "Unexpected format for phase fraction from material object: array with one value expected"},
+    {"two values of a phase fraction", false, [](Bench& b) { Say(b, Answer("GetProp phaseFraction", 1.0, 2.0)); },
+     AskFractions, "Unexpected format for phase fraction from material object: array with one value expected"},
     {"phase fraction as text", true,
      [](Bench& b) { b.script->oddAnswers["GetSinglePhaseProp phaseFraction"] = TextArray; }, AskFractions,
      "Unexpected format for phase fraction from material object: element 1: a number expected, a text found"},
@@ -508,12 +480,10 @@ const OddAnswer kOddAnswers[] = {
     {"text constants as numbers", true,
      [](Bench& b) { Say(b, Answer("GetCompoundConstant CasRegistryNumber", 1.0, 2.0)); }, AskCas,
      "Unexpected data type"},
-    {"no text constants", true, [](Bench& b) { Say(b, Answer("GetCompoundConstant CasRegistryNumber")); },
-     AskCas, "No data"},
+    {"no text constants", true, [](Bench& b) { Say(b, Answer("GetCompoundConstant CasRegistryNumber")); }, AskCas,
+     "No data"},
     {"text constants not given", false,
-     [](Bench& b) {
-       b.script->oddAnswers["GetComponentConstant CasRegistryNumber"] = [] { return com::Variant(); };
-     },
+     [](Bench& b) { b.script->oddAnswers["GetComponentConstant CasRegistryNumber"] = [] { return com::Variant(); }; },
      AskCas, "Invalid data: an array of values expected, nothing found"},
     {"one text constant of two", false,
      [](Bench& b) {
@@ -550,8 +520,7 @@ TEST(MaterialAccess, TakesTheWholeOrAPhaseInAnyCase) {
   Bench bench(true);
   const com::Variant value = com::MakeDoubles(std::array{1.0});
   for (const char* phase : {"OVERALL", "Liquid"}) {
-    bench.Port().SetProp(names::kEnthalpy, Kept(phase), com::kNoValue, names::kMixture, names::kMole,
-                         value.Get());
+    bench.Port().SetProp(names::kEnthalpy, Kept(phase), com::kNoValue, names::kMixture, names::kMole, value.Get());
     (void)bench.Port().GetProp(names::kPhaseFraction, Kept(phase), com::kNoValue, {}, names::kMole);
   }
   std::erase(bench.script->calls, "QueryInterface ICapeThermoMaterial");
@@ -589,9 +558,7 @@ struct Operation {
   std::vector<HostCall> calls;
 };
 
-void AskTotalEnthalpy(Bench& b) {
-  (void)b.Port().GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, {});
-}
+void AskTotalEnthalpy(Bench& b) { (void)b.Port().GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, {}); }
 void AskVaporVolume(Bench& b) {
   (void)b.Port().GetPropertyNoDup(names::kVolume, names::kVapor, names::kMixture, names::kMole);
 }
@@ -658,24 +625,20 @@ const Operation kOperations[] = {
      true,
      AskTotalEnthalpy,
      {{kQuery11, kNo11},
-      {"CreateMaterial",
-       "Failed to duplicate material for calculating enthalpy in CPort::GetProperty(): <why>"},
+      {"CreateMaterial", "Failed to duplicate material for calculating enthalpy in CPort::GetProperty(): <why>"},
       {kQuery11, "Failed to get ICapeThermoMaterial from duplicate material"},
       {"CopyFromMaterial", "Failed to copy material: <why>"},
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
       {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
-       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
       {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"},
       {"CalcSinglePhaseProp Liquid/[enthalpy]", "Failed to calculate enthalpy for phase Liquid: <why>"},
-      {"GetSinglePhaseProp enthalpy/Liquid/Mole",
-       "Failed to get enthalpy for phase Liquid, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp enthalpy/Liquid/Mole", "Failed to get enthalpy for phase Liquid, basis \"mole\": <why>"},
       {"GetSinglePhaseProp phaseFraction/Liquid/Mole",
        "Failed to get phase fraction for phase Liquid, basis \"mole\": <why>"},
-      {"GetOverallProp totalFlow/Mole",
-       "Failed to get total flow for overall phase, basis \"mole\": <why>"}}},
+      {"GetOverallProp totalFlow/Mole", "Failed to get total flow for overall phase, basis \"mole\": <why>"}}},
     {"1.0 vapour volume",
      false,
      true,
@@ -706,8 +669,7 @@ const Operation kOperations[] = {
       {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"},
       {kQueryCompounds, "Failed to obtain material's ICapeThermoCompounds interface: <why>"},
-      {"GetCompoundConstant molecularWeight/",
-       "Failed to get molecular weights for mass/mole conversion: <why>"},
+      {"GetCompoundConstant molecularWeight/", "Failed to get molecular weights for mass/mole conversion: <why>"},
       {"GetOverallProp Fraction/Mole", "Failed to get overall composition for mass/mole conversion: <why>"}}},
     {"1.0 names and CAS numbers",
      false,
@@ -737,8 +699,7 @@ const Operation kOperations[] = {
      {{kQuery11, "Failed to get ICapeThermoMaterial interface from material: <why>"},
       {"GetPresentPhases", "Failed to get present phase IDs in material: <why>"},
       {"GetSinglePhaseProp phaseFraction/Vapor/Mole", "Failed to get Vapor fraction from material: <why>"},
-      {"GetSinglePhaseProp phaseFraction/Liquid/Mole",
-       "Failed to get Liquid fraction from material: <why>"}}},
+      {"GetSinglePhaseProp phaseFraction/Liquid/Mole", "Failed to get Liquid fraction from material: <why>"}}},
     {"1.0 isentropic flash",
      false,
      true,
@@ -772,8 +733,7 @@ const Operation kOperations[] = {
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
       {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
-       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
       {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"}}},
     {"1.0 normal enthalpy",
@@ -786,8 +746,7 @@ const Operation kOperations[] = {
       {"SetProp Pressure/Overall////[101325]", "Failed to set pressure on duplicate material: <why>"},
       {"SetProp Temperature/Overall////[298.15]", "Failed to set temperature on duplicate material: <why>"},
       {"SetProp Fraction/Overall///Mole/[0.5,0.5]", "Failed to set composition on duplicate material: <why>"},
-      {"CalcEquilibrium/TP/",
-       "Failed to calculate TP flash on duplicate material object at normal conditions: <why>"},
+      {"CalcEquilibrium/TP/", "Failed to calculate TP flash on duplicate material object at normal conditions: <why>"},
       {"CalcProp Overall/[enthalpy]/[Overall]/mixture", nullptr},
       {"GetProp enthalpy/Overall//mixture/Mole", "GetProp (enthalpy/Overall/mixture/Mole) failed: <why>"}}},
     {"1.1 normal enthalpy",
@@ -813,8 +772,7 @@ const Operation kOperations[] = {
       {"GetPresentPhases", "Failed to calculate overall enthalpy; GetPresentPhases failed: <why>"},
       {kQueryRoutine, kNoRoutine},
       {"CalcSinglePhaseProp Vapor/[enthalpy]", "Failed to calculate enthalpy for phase Vapor: <why>"},
-      {"GetSinglePhaseProp enthalpy/Vapor/Mole",
-       "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
+      {"GetSinglePhaseProp enthalpy/Vapor/Mole", "Failed to get enthalpy for phase Vapor, basis \"mole\": <why>"},
       {"GetSinglePhaseProp phaseFraction/Vapor/Mole",
        "Failed to get phase fraction for phase Vapor, basis \"mole\": <why>"}}},
     {"1.1 TVF flash",
@@ -837,11 +795,7 @@ const Operation kOperations[] = {
      true,
      AskSetProp,
      {{kQuery10, kNo10}, {"SetProp enthalpy/Overall//mixture/Mole/[1]", "<why>"}}},
-    {"1.1 SetProp",
-     true,
-     true,
-     AskSetProp,
-     {{kQuery11, kNo11}, {"SetOverallProp enthalpy/Mole/[1]", "<why>"}}},
+    {"1.1 SetProp", true, true, AskSetProp, {{kQuery11, kNo11}, {"SetOverallProp enthalpy/Mole/[1]", "<why>"}}},
 };
 
 TEST(MaterialAccess, ExplainsEveryFailingHostCallAndRecovers) {
@@ -849,8 +803,8 @@ TEST(MaterialAccess, ExplainsEveryFailingHostCallAndRecovers) {
     for (const FaultMode& mode : kFaultModes)
       for (std::size_t k = 0; k < operation.calls.size(); ++k) {
         const HostCall& call = operation.calls[k];
-        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + std::to_string(k + 1) +
-                     ": " + call.call);
+        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + std::to_string(k + 1) + ": " +
+                     call.call);
         Bench bench(operation.thermo11, {.calculatesOverall = operation.calculatesOverall});
         Provoke(*bench.script, mode, static_cast<int>(k) + 1);
         std::string description = "<none>";

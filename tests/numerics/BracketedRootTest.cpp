@@ -34,8 +34,7 @@ TEST(BracketedRoot, EvaluatesWhereTheStepsSay) {
     SCOPED_TRACE(trial.name);
     Recorder recorder(trial);
     const std::size_t allocations = morvelan::test::AllocationCount();
-    const BracketedRoot root =
-        SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
+    const BracketedRoot root = SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
     if (root.success) EXPECT_EQ(morvelan::test::AllocationCount(), allocations);
 
     EXPECT_EQ(root.success, std::string(trial.message).empty());
@@ -60,8 +59,7 @@ TEST(BracketedRoot, TakesAResidualThatIsNoNumberForAFailure) {
     SCOPED_TRACE(trial.name);
     ++failures;
     Recorder recorder(trial, false);
-    const BracketedRoot root =
-        SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
+    const BracketedRoot root = SolveBracketed(recorder, trial.low, trial.high, trial.tolerance, trial.allowed);
     EXPECT_FALSE(root.success);
     message.replace(message.size() - kNoValue.size(), kNoValue.size(), "a residual is not a finite number");
     EXPECT_EQ(root.message, message);

@@ -24,8 +24,7 @@ NonlinearSystem With(Derivatives source, const ClassicalSystem& system, int& eva
 }
 
 void ExpectRoot(const ClassicalSystem& system, const std::vector<double>& x) {
-  for (std::size_t i = 0; i < x.size(); ++i)
-    EXPECT_NEAR(x[i], system.root[i], system.error) << "unknown " << i;
+  for (std::size_t i = 0; i < x.size(); ++i) EXPECT_NEAR(x[i], system.root[i], system.error) << "unknown " << i;
 }
 
 double LargestResidual(const ClassicalSystem& system, const std::vector<double>& x) {

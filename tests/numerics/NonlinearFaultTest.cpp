@@ -11,9 +11,7 @@
 
 // So that memory that cannot be had is refused and does not end the program; read by the address sanitizer
 // only.
-extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() {
-  return "allocator_may_return_null=1";
-}
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace morvelan::numerics::test::nonlinear_fault {
 
@@ -80,10 +78,7 @@ NonlinearSystem Silent(NonlinearSystem system) {
 
 /// The residual fails when the line search comes back from a long step.
 NonlinearSystem FailsOnTheWayBack() {
-  return Equation([](double x) { return x == 1.0   ? 1.0
-                                        : x < -0.5 ? -10.0
-                                                   : kNan; },
-                  [](double) { return 0.5; });
+  return Equation([](double x) { return x == 1.0 ? 1.0 : x < -0.5 ? -10.0 : kNan; }, [](double) { return 0.5; });
 }
 
 struct FaultCase {
@@ -103,12 +98,7 @@ const FaultCase kFaults[] = {
      "invalid maximum iteration count passed to solver",
      ""},
     {"tolerance below zero", Line(), 1.0, {.tolerance = -1e-6}, "invalid tolerance passed to solver", ""},
-    {"tolerance that is no number",
-     Line(),
-     1.0,
-     {.tolerance = kNan},
-     "invalid tolerance passed to solver",
-     ""},
+    {"tolerance that is no number", Line(), 1.0, {.tolerance = kNan}, "invalid tolerance passed to solver", ""},
     {"infinite tolerance", Line(), 1.0, {.tolerance = HUGE_VAL}, "invalid tolerance passed to solver", ""},
     {"no residual", {}, 1.0, {}, "invalid solver input arguments", ""},
     {"no such unknown", Line(), 1.0, {.positiveUnknowns = {1}}, "invalid solver input arguments", ""},

@@ -23,8 +23,7 @@ TEST(Server, ListsEveryClassOnce) {
     EXPECT_TRUE(std::string(unitClass.progId).starts_with("VELT_MORV."));
     EXPECT_EQ(server::CategoriesOf(unitClass).size(), unitClass.consumesThermodynamics ? 5u : 2u);
     const auto unit = unitClass.create();
-    EXPECT_EQ(TextFrom(static_cast<ICapeUnit*>(unit.Get()), &ICapeIdentification::get_ComponentName),
-              unitClass.name);
+    EXPECT_EQ(TextFrom(static_cast<ICapeUnit*>(unit.Get()), &ICapeIdentification::get_ComponentName), unitClass.name);
   }
 }
 

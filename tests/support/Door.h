@@ -45,9 +45,7 @@ struct UnitDoor {
   com::Ref<ICapeUnitReport> reports;
 
   explicit UnitDoor(const com::Ref<IUnknown>& object)
-      : unit(object.As<ICapeUnit>()),
-        utilities(object.As<ICapeUtilities>()),
-        reports(object.As<ICapeUnitReport>()) {}
+      : unit(object.As<ICapeUnit>()), utilities(object.As<ICapeUtilities>()), reports(object.As<ICapeUnitReport>()) {}
 
   [[nodiscard]] com::Ref<ICapeCollection> Ports() const {
     com::Ref<IDispatch> collection;
@@ -60,8 +58,7 @@ struct UnitDoor {
   [[nodiscard]] com::Ref<ICapeUnitPort> Port(const std::string& name) const {
     com::Ref<IDispatch> port;
     const auto ports = Ports();
-    return !ports || FAILED(ports->Item(com::MakeString(name).Get(), port.Put())) ? nullptr
-                                                                                  : port.As<ICapeUnitPort>();
+    return !ports || FAILED(ports->Item(com::MakeString(name).Get(), port.Put())) ? nullptr : port.As<ICapeUnitPort>();
   }
   [[nodiscard]] com::Ref<ICapeParameter> Parameter(const std::string& name) const {
     com::Ref<IDispatch> parameter;
@@ -73,8 +70,7 @@ struct UnitDoor {
   [[nodiscard]] std::string ParameterText(const std::string& name) const {
     com::Variant value;
     const auto parameter = Parameter(name);
-    return parameter && SUCCEEDED(parameter->get_value(value.Put())) ? com::ReadString(value.Get())
-                                                                     : "<failed>";
+    return parameter && SUCCEEDED(parameter->get_value(value.Put())) ? com::ReadString(value.Get()) : "<failed>";
   }
   [[nodiscard]] CapeValidationStatus Status() const {
     CapeValidationStatus status = CAPE_NOT_VALIDATED;

@@ -13,8 +13,7 @@ namespace morvelan::test {
 class FakeContext final
     : public com::Implements<FakeObject, ICapeSimulationContext, ICapeDiagnostic, ICapeCOSEUtilities> {
  public:
-  explicit FakeContext(std::shared_ptr<HostScript> hostScript)
-      : Implements(std::move(hostScript), "context") {}
+  explicit FakeContext(std::shared_ptr<HostScript> hostScript) : Implements(std::move(hostScript), "context") {}
 
   HRESULT PopUpMessage(BSTR message) override {
     const HRESULT hr = script->Call("PopUpMessage");
@@ -58,8 +57,8 @@ class FakeContext final
 /// A parameter of an energy or information stream.
 class FakeParameter final : public com::Implements<FakeObject, ICapeParameter, ICapeParameterSpec> {
  public:
-  FakeParameter(std::shared_ptr<HostScript> hostScript, std::string parameterName,
-                std::vector<double> exponents, double initial)
+  FakeParameter(std::shared_ptr<HostScript> hostScript, std::string parameterName, std::vector<double> exponents,
+                double initial)
       : Implements(std::move(hostScript), std::move(parameterName)),
         dimensionality(std::move(exponents)),
         value(com::MakeDouble(initial)) {}

@@ -32,8 +32,7 @@ class FakeIStream final : public com::Implements<com::ObjectCore, IStream> {
     });
   }
   HRESULT Write(const void* data, ULONG count, ULONG* written) override {
-    return Do(count, count, written,
-              [&](std::size_t done) { bytes.append(static_cast<const char*>(data), done); });
+    return Do(count, count, written, [&](std::size_t done) { bytes.append(static_cast<const char*>(data), done); });
   }
   HRESULT Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return E_NOTIMPL; }
   HRESULT SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }

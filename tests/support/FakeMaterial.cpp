@@ -10,8 +10,7 @@ constexpr HRESULT kNotAvailable = static_cast<HRESULT>(0x8004051Au);
 
 std::string Lower(com::Name name) {
   std::string text = com::ToUtf8(name);
-  std::ranges::transform(text, text.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return text;
 }
 
@@ -56,8 +55,7 @@ HRESULT FakeMaterial::Read(com::Name property, com::Name phase, com::Name basis,
   if (name == "fraction") {
     std::vector<double> fractions = ConditionsIn(where).fractions;
     const double meanWeight = byMass ? MeanWeight(fractions) : 1;
-    for (std::size_t i = 0; byMass && i < fractions.size(); ++i)
-      fractions[i] *= state.molecularWeights[i] / meanWeight;
+    for (std::size_t i = 0; byMass && i < fractions.size(); ++i) fractions[i] *= state.molecularWeights[i] / meanWeight;
     return script->Answer(com::MakeDoubles(fractions), values);
   }
   double overall = 0;
@@ -82,8 +80,7 @@ double FakeMaterial::ValueIn(const FakePhase& phase, const std::string& property
   const auto found = phase.properties.find(property);
   const double value = found == phase.properties.end() ? 0 : found->second;
   constexpr double kGramsPerKilogram = 1000;
-  return property == "density" && byMass ? value * MeanWeight(conditions.fractions) / kGramsPerKilogram
-                                         : value;
+  return property == "density" && byMass ? value * MeanWeight(conditions.fractions) / kGramsPerKilogram : value;
 }
 
 double FakeMaterial::MeanWeight(const std::vector<double>& fractions) const {
@@ -130,8 +127,7 @@ HRESULT FakeMaterial::Constant(const char* what, const VARIANT& props, const VAR
   if (!isCas && !com::EqualNoCase(property, "molecularWeight")) return kNotAvailable;
   std::vector<com::Variant> variants;
   for (std::size_t i = 0; i < state.compounds.size(); ++i)
-    variants.push_back(isCas ? com::MakeString(state.casNumbers[i])
-                             : com::MakeDouble(state.molecularWeights[i]));
+    variants.push_back(isCas ? com::MakeString(state.casNumbers[i]) : com::MakeDouble(state.molecularWeights[i]));
   return script->Answer(com::MakeVariants(variants), values);
 }
 
@@ -173,14 +169,12 @@ HRESULT FakeMaterial::CalcProp(VARIANT props, VARIANT phases, BSTR calcType) {
   return com::EqualNoCase(phase, "overall") && !state.calculatesOverall ? E_NOTIMPL : S_OK;
 }
 
-HRESULT FakeMaterial::GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
-                              VARIANT* values) {
+HRESULT FakeMaterial::GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis, VARIANT* values) {
   const HRESULT hr = script->Call("GetProp", com::Name(property), {phase, ids, calcType, basis});
   return FAILED(hr) ? hr : Read(com::Name(property), com::Name(phase), com::Name(basis), values);
 }
 
-HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
-                              VARIANT values) {
+HRESULT FakeMaterial::SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis, VARIANT values) {
   const HRESULT hr = script->Call("SetProp", com::Name(property), {phase, ids, calcType, basis, values});
   return FAILED(hr) ? hr : Write(com::Name(property), com::Name(phase), values);
 }
@@ -202,8 +196,7 @@ HRESULT FakeMaterial::Duplicate(IDispatch** copy) {
 
 HRESULT FakeMaterial::GetPropList(VARIANT* list) {
   const HRESULT hr = script->Call("GetPropList");
-  return FAILED(hr) ? hr
-                    : script->Answer(com::MakeStrings(std::vector<std::string>{"enthalpy", "volume"}), list);
+  return FAILED(hr) ? hr : script->Answer(com::MakeStrings(std::vector<std::string>{"enthalpy", "volume"}), list);
 }
 
 HRESULT FakeMaterial::CopyFromMaterial(IDispatch** source) {
@@ -267,8 +260,7 @@ HRESULT FakeMaterial::CalcSinglePhaseProp(VARIANT props, BSTR phase) {
 
 HRESULT FakeMaterial::GetSinglePhasePropList(VARIANT* list) {
   const HRESULT hr = script->Call("GetSinglePhasePropList");
-  return FAILED(hr) ? hr
-                    : script->Answer(com::MakeStrings(std::vector<std::string>{"enthalpy", "volume"}), list);
+  return FAILED(hr) ? hr : script->Answer(com::MakeStrings(std::vector<std::string>{"enthalpy", "volume"}), list);
 }
 
 HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR solutionType) {
@@ -281,8 +273,7 @@ HRESULT FakeMaterial::CalcEquilibrium(VARIANT first, VARIANT second, BSTR soluti
   const char* given = describe(second) == "enthalpy//Overall"    ? "enthalpy"
                       : describe(second) == "enthalpyF//Overall" ? "enthalpyF"
                                                                  : nullptr;
-  Flash(describe(first) + ", " + describe(second) + ", " + com::ToUtf8(solutionType),
-        SUCCEEDED(hr) ? given : nullptr);
+  Flash(describe(first) + ", " + describe(second) + ", " + com::ToUtf8(solutionType), SUCCEEDED(hr) ? given : nullptr);
   return hr;
 }
 
@@ -290,9 +281,8 @@ HRESULT FakeMaterial::GetCompoundConstant(VARIANT props, VARIANT ids, VARIANT* v
   return Constant("GetCompoundConstant", props, ids, values);
 }
 
-HRESULT FakeMaterial::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* names,
-                                      VARIANT* boilingTemperatures, VARIANT* molecularWeights,
-                                      VARIANT* casNumbers) {
+HRESULT FakeMaterial::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* names, VARIANT* boilingTemperatures,
+                                      VARIANT* molecularWeights, VARIANT* casNumbers) {
   const HRESULT hr = script->Call("GetCompoundList");
   if (FAILED(hr)) return hr;
   const auto give = [](com::Variant value, VARIANT* result) {

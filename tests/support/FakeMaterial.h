@@ -62,9 +62,9 @@ struct FakeState {
 };
 
 /// A material object of both generations that answers at once from its state.
-class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMaterialObject, ICapeThermoMaterial,
-                                                  ICapeThermoPropertyRoutine, ICapeThermoEquilibriumRoutine,
-                                                  ICapeThermoCompounds, ICapeThermoPhases> {
+class FakeMaterial final
+    : public com::Implements<FakeObject, ICapeThermoMaterialObject, ICapeThermoMaterial, ICapeThermoPropertyRoutine,
+                             ICapeThermoEquilibriumRoutine, ICapeThermoCompounds, ICapeThermoPhases> {
  public:
   explicit FakeMaterial(std::shared_ptr<HostScript> hostScript, FakeState initial = {});
 
@@ -74,8 +74,7 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
   HRESULT GetUniversalConstant(VARIANT, VARIANT*) override { return E_NOTIMPL; }
   HRESULT GetComponentConstant(VARIANT props, VARIANT ids, VARIANT* values) override;
   HRESULT CalcProp(VARIANT props, VARIANT phases, BSTR calcType) override;
-  HRESULT GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis,
-                  VARIANT* values) override;
+  HRESULT GetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis, VARIANT* values) override;
   HRESULT SetProp(BSTR property, BSTR phase, VARIANT ids, BSTR calcType, BSTR basis, VARIANT values) override;
   HRESULT CalcEquilibrium(BSTR flashType, VARIANT props) override;
   HRESULT SetIndependentVar(VARIANT, VARIANT) override { return E_NOTIMPL; }
@@ -103,8 +102,7 @@ class FakeMaterial final : public com::Implements<FakeObject, ICapeThermoMateria
   HRESULT SetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT values) override;
   HRESULT SetTwoPhaseProp(BSTR, VARIANT, BSTR, VARIANT) override { return E_NOTIMPL; }
   // ICapeThermoPropertyRoutine
-  HRESULT CalcAndGetLnPhi(BSTR, double, double, VARIANT, LONG, VARIANT*, VARIANT*, VARIANT*,
-                          VARIANT*) override {
+  HRESULT CalcAndGetLnPhi(BSTR, double, double, VARIANT, LONG, VARIANT*, VARIANT*, VARIANT*, VARIANT*) override {
     return E_NOTIMPL;
   }
   HRESULT CalcSinglePhaseProp(VARIANT props, BSTR phase) override;

@@ -44,9 +44,8 @@ struct FakePackageState {
 
 /// A reaction package that answers at once from its state. A property that it has a routine for must be
 /// calculated before it is asked for.
-class FakeReactionPackage final
-    : public com::Implements<FakeObject, ICapeReactionProperties, ICapeReactionChemistry,
-                             ICapeReactionsRoutine, ICapeThermoMaterialContext> {
+class FakeReactionPackage final : public com::Implements<FakeObject, ICapeReactionProperties, ICapeReactionChemistry,
+                                                         ICapeReactionsRoutine, ICapeThermoMaterialContext> {
  public:
   FakeReactionPackage(std::shared_ptr<HostScript> hostScript, FakePackageState initial)
       : Implements(std::move(hostScript), "package"), state(std::move(initial)) {}
@@ -65,15 +64,13 @@ class FakeReactionPackage final
                 [&](const FakeReaction& reaction) { std::memcpy(type, &reaction.type, sizeof *type); });
   }
   HRESULT GetReactionRateBasis(BSTR id, CapeReactionRateBasis* basis) override {
-    return Tell("GetReactionRateBasis", id, [&](const FakeReaction& reaction) {
-      std::memcpy(basis, &reaction.rateBasis, sizeof *basis);
-    });
+    return Tell("GetReactionRateBasis", id,
+                [&](const FakeReaction& reaction) { std::memcpy(basis, &reaction.rateBasis, sizeof *basis); });
   }
   HRESULT GetNumberOfReactionCompounds(BSTR, LONG*) override { return E_NOTIMPL; }
   HRESULT GetReactionCompoundIds(BSTR id, VARIANT* ids, VARIANT*, VARIANT*) override {
-    return Tell("GetReactionCompoundIds", id, [&](const FakeReaction& reaction) {
-      script->Answer(com::MakeStrings(reaction.compounds), ids);
-    });
+    return Tell("GetReactionCompoundIds", id,
+                [&](const FakeReaction& reaction) { script->Answer(com::MakeStrings(reaction.compounds), ids); });
   }
   HRESULT GetStoichiometricCoefficients(BSTR id, VARIANT* coefficients) override {
     return Tell("GetStoichiometricCoefficients", id, [&](const FakeReaction& reaction) {
@@ -108,8 +105,7 @@ class FakeReactionPackage final
   // ICapeReactionsRoutine
   HRESULT CalcReactionProp(VARIANT properties, BSTR phase, VARIANT ids, BSTR basis) override {
     const std::string property = com::ReadStrings(properties).at(0);
-    const HRESULT hr =
-        script->Call("CalcReactionProp", com::Name(com::ToBstr(property)), {phase, ids, basis});
+    const HRESULT hr = script->Call("CalcReactionProp", com::Name(com::ToBstr(property)), {phase, ids, basis});
     if (SUCCEEDED(hr)) calculated.insert(property);
     return hr;
   }
@@ -136,8 +132,7 @@ class FakeReactionPackage final
         Refuses<ICapeReactionsRoutine>(iid, "QueryInterface ICapeReactionsRoutine") ||
         Refuses<ICapeThermoMaterialContext>(iid, "QueryInterface ICapeThermoMaterialContext"))
       return nullptr;
-    constexpr GUID kThermoContext = {
-        0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
+    constexpr GUID kThermoContext = {0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
     if (iid == kThermoContext) return state.offersThermoContext ? static_cast<IDispatch*>(&older) : nullptr;
     return Implements::FindInterface(iid);
   }
@@ -185,8 +180,7 @@ class FakeReactionPackage final
     return found == state.reactions.end() ? nullptr : &*found;
   }
 
-  [[nodiscard]] std::optional<double> ValueOf(const FakeReaction& reaction,
-                                              const std::string& property) const {
+  [[nodiscard]] std::optional<double> ValueOf(const FakeReaction& reaction, const std::string& property) const {
     const FakeConditions conditions = MaterialConditions(reaction.phase);
     if (const auto formula = reaction.formulas.find(property); formula != reaction.formulas.end())
       return material ? std::optional(formula->second(conditions)) : std::nullopt;

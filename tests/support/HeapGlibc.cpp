@@ -8,8 +8,7 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((
 namespace morvelan::test {
 
 std::size_t HeapInUse() {
-  return __sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes()
-                                                 : mallinfo2().uordblks;
+  return __sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes() : mallinfo2().uordblks;
 }
 
 }  // namespace morvelan::test

@@ -32,8 +32,8 @@ HRESULT LoadBytes(Unit* unit, std::string bytes) {
 inline testing::AssertionResult SameBytes(const std::string& found, const std::string& expected) {
   if (found == expected) return testing::AssertionSuccess();
   const auto same = std::ranges::mismatch(found, expected).in1 - found.begin();
-  return testing::AssertionFailure() << found.size() << " bytes found, " << expected.size()
-                                     << " expected, the first " << same << " are the same";
+  return testing::AssertionFailure() << found.size() << " bytes found, " << expected.size() << " expected, the first "
+                                     << same << " are the same";
 }
 
 /// Units that meet damaged streams, and a good stream for them that holds something else.
@@ -163,8 +163,7 @@ inline std::string DescriptionOf(const UnitDoor& door) {
     text += "port " + TextFrom(port.Get(), &ICapeIdentification::get_ComponentName) +
             (direction == CAPE_INLET ? ", inlet" : ", outlet") + "\n";
   }
-  for (const auto& parameter : ItemsOf<ICapeParameter>(door.Parameters()))
-    text += ParameterText(parameter) + "\n";
+  for (const auto& parameter : ItemsOf<ICapeParameter>(door.Parameters())) text += ParameterText(parameter) + "\n";
   com::Bstr selected;
   EXPECT_EQ(door.reports->get_selectedReport(selected.Put()), S_OK);
   com::Variant reports;

@@ -37,8 +37,7 @@ class TestUnit final : public BaseUnit {
     if (onDone) onDone();
   }
   HRESULT SaveUnit(UnitWriter& writer) override { return onSave ? onSave(writer) : S_OK; }
-  std::function<void()> LoadUnit(UnitReader& reader, int version,
-                                 const std::vector<ParameterRecord>&) override {
+  std::function<void()> LoadUnit(UnitReader& reader, int version, const std::vector<ParameterRecord>&) override {
     loadedVersion = version;
     return onLoad ? onLoad(reader) : nullptr;
   }

@@ -63,8 +63,7 @@ std::string WholeDescriptionOf(const UnitDoor& door) {
   if (!configuration) return text;
   EXPECT_EQ(configuration->GetConfiguration(json.Put()), S_OK);
   const auto keys = nlohmann::ordered_json::parse(com::ToUtf8(json.Get()));
-  for (const auto& entry : keys.items())
-    text += "configuration " + entry.key() + ": " + entry.value().dump() + "\n";
+  for (const auto& entry : keys.items()) text += "configuration " + entry.key() + ": " + entry.value().dump() + "\n";
   return text;
 }
 
@@ -94,8 +93,7 @@ void Configure(const com::PublishedClass& unitClass, const KeptUnit& unit) {
   ASSERT_EQ(other != std::end(kOtherConfigurations), static_cast<bool>(configuration))
       << "a unit with a configuration has a row in the table, and no other";
   if (configuration)
-    EXPECT_EQ(configuration->SetConfiguration(com::ToBstr(other->json).Get()), S_OK)
-        << ErrorOf(configuration.Get());
+    EXPECT_EQ(configuration->SetConfiguration(com::ToBstr(other->json).Get()), S_OK) << ErrorOf(configuration.Get());
 }
 
 /// A unit in which all differs that a host may change.
@@ -163,8 +161,7 @@ KeptUnit NewUnit(const std::string& name) {
 }
 
 TEST(PublishedPersistence, HasAsManyPortsAsCanBe) {
-  constexpr std::size_t kPlace =
-      CountPlace(std::size("Number of inlets") - 1, std::size("Number of inlet ports") - 1);
+  constexpr std::size_t kPlace = CountPlace(std::size("Number of inlets") - 1, std::size("Number of inlet ports") - 1);
   struct {
     std::int32_t saved;
     LONG inlets;
@@ -186,9 +183,8 @@ TEST(PublishedPersistence, HasAsManyPortsAsCanBe) {
 TEST(PublishedPersistence, LetsGoOfTheStreamsAtPortsThatAStreamLacks) {
   const std::string two = SavedBytes(NewUnit("Mixer").stream.Get());
   const KeptUnit unit = NewUnit("Mixer");
-  EXPECT_EQ(
-      unit.object.As<IUnitConfiguration>()->SetConfiguration(com::ToBstr(R"({"numberOfInlets": 4})").Get()),
-      S_OK);
+  EXPECT_EQ(unit.object.As<IUnitConfiguration>()->SetConfiguration(com::ToBstr(R"({"numberOfInlets": 4})").Get()),
+            S_OK);
   std::vector<com::Ref<FakeMaterial>> materials;
   std::vector<com::Ref<ICapeUnitPort>> ports;
   for (int i = 1; i <= 4; ++i) {
@@ -212,9 +208,8 @@ TEST(PublishedPersistence, ExplainsSplitFactorsThatDoNotFitItsOutlets) {
   }
   std::string message;
   EXPECT_FALSE(unit.door.IsValid(message));
-  EXPECT_EQ(
-      message,
-      "invalid value for parameter Split factors: Invalid number of array elements for split factor value");
+  EXPECT_EQ(message,
+            "invalid value for parameter Split factors: Invalid number of array elements for split factor value");
 }
 
 // ---- Streams kept for ever

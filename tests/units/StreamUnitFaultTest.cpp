@@ -103,8 +103,7 @@ void CheckExplanation(const UnitBench& bench, const std::string& call, const Fau
     EXPECT_NE(error.description.find(Explain("<why>", call, mode)), std::string::npos) << error.description;
   // Writing a property of the unit's own choice passes on the host's words alone.
   if (!call.starts_with("SetProp enthalpy") && !call.starts_with("SetOverallProp enthalpy"))
-    EXPECT_NE(Letters(error.description).find(Letters(Subject(call))), std::string::npos)
-        << error.description;
+    EXPECT_NE(Letters(error.description).find(Letters(Subject(call))), std::string::npos) << error.description;
   EXPECT_EQ(bench.door.Report("Status"), "Calculation failed:\r\n" + error.description + "\r\n");
 }
 
@@ -140,8 +139,7 @@ std::string ParametersText(const UnitBench& bench) {
 }
 
 /// Lets call `k` of a calculation fail; true when the unit went on with the excuse of its calculation.
-bool FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo11, int k,
-              UnitBench& undisturbed) {
+bool FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo11, int k, UnitBench& undisturbed) {
   const auto bench = Prepared(calculation, thermo11);
   const int objects = bench->script->liveObjects;
   const std::vector<ULONG> references = References(*bench);
@@ -149,8 +147,8 @@ bool FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo
   Provoke(*bench->script, mode, k);
   const HRESULT outcome = bench->door.unit->Calculate();
   const std::string call = bench->script->calls.at(static_cast<std::size_t>(k) - 1);
-  SCOPED_TRACE(testing::Message() << calculation.className << ' ' << calculation.title << ", thermo 1.1: "
-                                  << thermo11 << ", " << mode.title << ", call " << k << ": " << call);
+  SCOPED_TRACE(testing::Message() << calculation.className << ' ' << calculation.title << ", thermo 1.1: " << thermo11
+                                  << ", " << mode.title << ", call " << k << ": " << call);
   const bool excused = outcome == S_OK && HasExcuse(*bench, calculation);
   if (outcome != S_OK) {
     CheckExplanation(*bench, call, mode);

@@ -128,8 +128,7 @@ struct UnitBench {
     return types;
   }
   [[nodiscard]] std::ptrdiff_t CallsOf(const std::string& label) const {
-    return std::ranges::count_if(script->calls,
-                                 [&](const std::string& call) { return call.starts_with(label); });
+    return std::ranges::count_if(script->calls, [&](const std::string& call) { return call.starts_with(label); });
   }
 
   FakeState feed;
@@ -162,8 +161,7 @@ struct UnitBench {
   }
 };
 
-inline void CheckFailedCalculation(const UnitDoor& door, const std::string& description,
-                                   const std::string& name) {
+inline void CheckFailedCalculation(const UnitDoor& door, const std::string& description, const std::string& name) {
   EXPECT_EQ(door.unit->Calculate(), kUnitFailed);
   EXPECT_EQ(ErrorOf(door.unit.Get()), (Texts{name, description, "Calculate", "ICapeUnit"}));
   EXPECT_EQ(door.Report("Status"), "Calculation failed:\r\n" + description + "\r\n");

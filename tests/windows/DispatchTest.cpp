@@ -78,8 +78,7 @@ TEST(Dispatch, HandsAReactionPackageToAReactor) {
     EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {com::kNoValue}).code, S_OK);
     EXPECT_EQ(package->References(), held);
   }
-  EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {MakeInteger(1).Get()}).code,
-            DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(CallByName(reactor.Get(), "SetReactionObject", kCall, {MakeInteger(1).Get()}).code, DISP_E_TYPEMISMATCH);
 }
 
 struct Put {
@@ -93,17 +92,13 @@ struct Put {
 TEST(Dispatch, TakesAScriptsFormsOfValues) {
   const ParameterDeclaration kParameters[] = {
       {.name = "Real", .description = "", .defaultValue = 0.5, .lowerBound = -10, .upperBound = 10},
-      {.name = "Integer",
-       .description = "",
-       .defaultValue = std::int32_t{1},
-       .lowerBound = -10,
-       .upperBound = 10},
+      {.name = "Integer", .description = "", .defaultValue = std::int32_t{1}, .lowerBound = -10, .upperBound = 10},
       {.name = "Option", .description = "", .defaultValue = "a", .options = {"a", "b"}},
       {.name = "Boolean", .description = "", .defaultValue = false},
       {.name = "Array", .description = "", .defaultValue = std::vector{1.0}},
   };
-  const auto object = com::Make<TestUnit>(
-      UnitDeclaration{.name = "", .description = "", .ports = {}, .parameters = kParameters});
+  const auto object =
+      com::Make<TestUnit>(UnitDeclaration{.name = "", .description = "", .ports = {}, .parameters = kParameters});
   const auto unit = com::Query<IDispatch>(static_cast<ICapeUnit*>(object.Get()));
   EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
   const Ref<IDispatch> parameters = ObjectByName(unit.Get(), "parameters");
@@ -126,13 +121,11 @@ TEST(Dispatch, TakesAScriptsFormsOfValues) {
       {"Boolean", MakeBoolean(true), S_OK, "-1", VT_BOOL},
       {"Boolean", MakeInteger(1), DISP_E_EXCEPTION, "invalid argument type", VT_BOOL},
       {"Array", com::MakeVariants(numbers), S_OK, "2 3 ", VT_ARRAY | VT_VARIANT},
-      {"Array", MakeDouble(1.0), DISP_E_EXCEPTION, "invalid type for array parameter value",
-       VT_ARRAY | VT_VARIANT},
+      {"Array", MakeDouble(1.0), DISP_E_EXCEPTION, "invalid type for array parameter value", VT_ARRAY | VT_VARIANT},
   };
   for (const Put& put : kPuts) {
     SCOPED_TRACE(std::string(put.parameter) + " = " + TextOf(put.given.Get()));
-    const Ref<IDispatch> parameter =
-        ObjectByName(parameters.Get(), "Item", {MakeString(put.parameter).Get()});
+    const Ref<IDispatch> parameter = ObjectByName(parameters.Get(), "Item", {MakeString(put.parameter).Get()});
     ASSERT_TRUE(parameter);
     const Outcome outcome = CallByName(parameter.Get(), "value", kPut, {put.given.Get()});
     const Outcome value = CallByName(parameter.Get(), "value", kGet);
@@ -166,8 +159,7 @@ TEST(Dispatch, HandsTextsBackHoweverAScriptPassesThem) {
   reference.pbstrVal = &text;
   EXPECT_EQ(CallByName(unit.Get(), "Validate", kCall, {reference}).code, S_OK);
   EXPECT_EQ(com::ToUtf8(com::Bstr(text).Get()), wanted);
-  EXPECT_EQ(TextOf(CallByName(unit.Get(), "ProduceReport").result.Get()), wanted)
-      << "a text as the only result";
+  EXPECT_EQ(TextOf(CallByName(unit.Get(), "ProduceReport").result.Get()), wanted) << "a text as the only result";
 }
 
 TEST(Dispatch, ExplainsFailures) {
@@ -186,8 +178,8 @@ TEST(Dispatch, ExplainsFailures) {
   EXPECT_EQ(com::ToUtf8(source.Get()), "NoOperation");
   const auto support = unit.As<ISupportErrorInfo>();
   ASSERT_TRUE(support);
-  for (const GUID& iid : {__uuidof(ICapeUnit), __uuidof(ICapeUtilities), __uuidof(ICapeUnitReport),
-                          __uuidof(ICapeIdentification)})
+  for (const GUID& iid :
+       {__uuidof(ICapeUnit), __uuidof(ICapeUtilities), __uuidof(ICapeUnitReport), __uuidof(ICapeIdentification)})
     EXPECT_EQ(support->InterfaceSupportsErrorInfo(iid), S_OK) << com::ToText(iid);
 }
 

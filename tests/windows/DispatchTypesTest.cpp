@@ -48,8 +48,7 @@ Identifiers WantedIdentifiers(const std::string& type) {
   DISPID place = 0;
   for (const std::string& face : AllFacesOf(type)) {
     ++place;
-    for (const auto& [name, id] : StandardInterfaces().at(face).members)
-      wanted.emplace(name, place * 0x10000 + id);
+    for (const auto& [name, id] : StandardInterfaces().at(face).members) wanted.emplace(name, place * 0x10000 + id);
   }
   return wanted;
 }
@@ -61,8 +60,7 @@ Identifiers ListedIdentifiers(ITypeInfo* info) {
     com::Bstr name;
     info->GetDocumentation(function->memid, name.Put(), nullptr, nullptr, nullptr);
     // The members of IDispatch are listed too, for nobody to call.
-    if (!(function->wFuncFlags & FUNCFLAG_FRESTRICTED))
-      listed.emplace(com::ToUtf8(name.Get()), function->memid);
+    if (!(function->wFuncFlags & FUNCFLAG_FRESTRICTED)) listed.emplace(com::ToUtf8(name.Get()), function->memid);
     info->ReleaseFuncDesc(function);
   }
   return listed;
@@ -123,8 +121,7 @@ TEST(DispatchTypes, AreThoseOfTheUnitsObjects) {
 }
 
 TEST(DispatchTypes, AreThoseOfEveryKindOfObject) {
-  constexpr PortDeclaration kPorts[] = {{"Inlet", "", CAPE_INLET},
-                                        {"Heat", "", CAPE_INLET, CAPE_ENERGY, kEnergyItems}};
+  constexpr PortDeclaration kPorts[] = {{"Inlet", "", CAPE_INLET}, {"Heat", "", CAPE_INLET, CAPE_ENERGY, kEnergyItems}};
   const ParameterDeclaration kParameters[] = {
       {.name = "Real", .description = "", .defaultValue = 1.0},
       {.name = "Integer", .description = "", .defaultValue = std::int32_t{1}},

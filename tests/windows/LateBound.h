@@ -31,8 +31,8 @@ inline HRESULT FindName(IDispatch* object, const std::string& name, DISPID& id) 
 inline Outcome InvokeMember(IDispatch* object, DISPID id, WORD flags, DISPPARAMS& parameters) {
   Outcome outcome;
   EXCEPINFO exception{};
-  outcome.code = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, outcome.result.Put(),
-                                &exception, nullptr);
+  outcome.code =
+      object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, outcome.result.Put(), &exception, nullptr);
   const com::Bstr source(exception.bstrSource);
   const com::Bstr help(exception.bstrHelpFile);
   outcome.description = com::ToUtf8(com::Bstr(exception.bstrDescription).Get());
@@ -43,8 +43,7 @@ inline Outcome InvokeMember(IDispatch* object, DISPID id, WORD flags, DISPPARAMS
 inline Outcome CallByName(IDispatch* object, const std::string& name, WORD flags = DISPATCH_METHOD,
                           std::vector<VARIANT> arguments = {}) {
   DISPID id = DISPID_UNKNOWN;
-  if (const HRESULT hr = FindName(object, name, id); FAILED(hr))
-    return {.code = hr, .result = {}, .description = {}};
+  if (const HRESULT hr = FindName(object, name, id); FAILED(hr)) return {.code = hr, .result = {}, .description = {}};
   std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
   DISPID put = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};

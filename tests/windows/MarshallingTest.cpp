@@ -33,9 +33,9 @@ class RegisteredInterfaces {
   RegisteredInterfaces(const RegisteredInterfaces&) = delete;
   RegisteredInterfaces& operator=(const RegisteredInterfaces&) = delete;
   ~RegisteredInterfaces() {
-    EXPECT_EQ(UnRegisterTypeLib(identity.guid, identity.wMajorVerNum, identity.wMinorVerNum, identity.lcid,
-                                identity.syskind),
-              S_OK);
+    EXPECT_EQ(
+        UnRegisterTypeLib(identity.guid, identity.wMajorVerNum, identity.wMinorVerNum, identity.lcid, identity.syskind),
+        S_OK);
     // With it went what the library had registered.
     EXPECT_EQ(LoadedLibrary(MORVELAN_LIBRARY).Call("DllRegisterServer"), S_OK);
   }
@@ -97,8 +97,7 @@ std::string CallThroughInterfaces(const Ref<ICapeUnit>& unit) {
   const auto version = door.Parameter("Thermo Version");
   if (!version) return log.str() + " no parameter";
   log << ' ' << door.ParameterText("Thermo Version") << std::hex;
-  log << ' ' << version->put_value(com::MakeString("1.1").Get()) << ' '
-      << door.ParameterText("Thermo Version");
+  log << ' ' << version->put_value(com::MakeString("1.1").Get()) << ' ' << door.ParameterText("Thermo Version");
   log << ' ' << version->put_value(com::MakeString("2.0").Get()) << ' ' << ErrorOf(version.Get()).description;
   return log.str();
 }
@@ -138,8 +137,7 @@ void VisitUnit(bool interfacesAreKnown) {
     EXPECT_EQ(nameAnswers, "0 0 80020009 unknown report name in put_selectedReport");
     if (interfacesAreKnown) {
       EXPECT_EQ(byInterfaces.code, S_OK);
-      EXPECT_EQ(interfaceAnswers,
-                "0 0 \"not all material ports are connected\" 1 1.0 0 1.1 80040501 invalid choice");
+      EXPECT_EQ(interfaceAnswers, "0 0 \"not all material ports are connected\" 1 1.0 0 1.1 80040501 invalid choice");
     } else {
       EXPECT_TRUE(byInterfaces.code == E_NOINTERFACE || byInterfaces.code == REGDB_E_IIDNOTREG)
           << std::hex << byInterfaces.code;

@@ -34,8 +34,7 @@ class Image {
     std::set<std::string> names;
     const auto* exports = At<IMAGE_EXPORT_DIRECTORY>(Directory(IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress);
     EXPECT_EQ(exports->NumberOfFunctions, exports->NumberOfNames) << "some have no name";
-    for (DWORD i = 0; i < exports->NumberOfNames; ++i)
-      names.insert(At<char>(At<DWORD>(exports->AddressOfNames)[i]));
+    for (DWORD i = 0; i < exports->NumberOfNames; ++i) names.insert(At<char>(At<DWORD>(exports->AddressOfNames)[i]));
     return names;
   }
 
@@ -46,19 +45,17 @@ class Image {
 TEST(ModuleImage, NeedsTheSystemAndNothingElse) {
   const LoadedLibrary library(MORVELAN_LIBRARY);
   const Image image(library.Handle());
-  constexpr const char* kSystem[] = {"ADVAPI32.dll", "COMDLG32.dll", "GDI32.dll",
-                                     "KERNEL32.dll", "msvcrt.dll",   "ole32.dll",
-                                     "OLEAUT32.dll", "SHELL32.dll",  "USER32.dll"};
+  constexpr const char* kSystem[] = {"ADVAPI32.dll", "COMDLG32.dll", "GDI32.dll",   "KERNEL32.dll", "msvcrt.dll",
+                                     "ole32.dll",    "OLEAUT32.dll", "SHELL32.dll", "USER32.dll"};
   for (const std::string& name : image.Imports())
-    EXPECT_TRUE(std::ranges::any_of(kSystem, [&](const char* own) { return com::EqualNoCase(own, name); }))
-        << name;
+    EXPECT_TRUE(std::ranges::any_of(kSystem, [&](const char* own) { return com::EqualNoCase(own, name); })) << name;
   EXPECT_EQ(image.Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT).VirtualAddress, 0u);
 }
 
 TEST(ModuleImage, OffersItsEntryPointsAndNothingElse) {
   const LoadedLibrary library(MORVELAN_LIBRARY);
-  const std::set<std::string> wanted = {"DllCanUnloadNow", "DllGetClassObject", "DllInstall",
-                                        "DllRegisterServer", "DllUnregisterServer"};
+  const std::set<std::string> wanted = {"DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
+                                        "DllUnregisterServer"};
   EXPECT_EQ(Image(library.Handle()).Exports(), wanted);
 }
 

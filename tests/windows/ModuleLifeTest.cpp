@@ -77,9 +77,7 @@ TEST(ModuleLife, StaysWhileItIsNeeded) {
       {"collection of a unit that is gone",
        [](const LoadedLibrary& library) -> Ref<IUnknown> { return UnitDoor(MakeUnit(library)).Ports(); }},
       {"port of a unit that is gone",
-       [](const LoadedLibrary& library) -> Ref<IUnknown> {
-         return UnitDoor(MakeUnit(library)).Port("Inlet");
-       }},
+       [](const LoadedLibrary& library) -> Ref<IUnknown> { return UnitDoor(MakeUnit(library)).Port("Inlet"); }},
       {"parameter of a unit that is gone",
        [](const LoadedLibrary& library) -> Ref<IUnknown> {
          return UnitDoor(MakeUnit(library)).Parameter("Thermo Version");
@@ -185,12 +183,11 @@ std::string HostState() {
   SetUnhandledExceptionFilter(filter);
   std::ostringstream state;
   state << "locale " << std::setlocale(LC_ALL, nullptr) << ", of the thread " << GetThreadLocale()
-        << "\nfloating point " << FloatingPointControl() << "\ncurrent folder "
-        << Folder(GetCurrentDirectoryW) << "\nfolder of libraries " << Folder(GetDllDirectoryW)
-        << "\nstandard handles " << GetStdHandle(STD_INPUT_HANDLE) << ' ' << GetStdHandle(STD_OUTPUT_HANDLE)
-        << ' ' << GetStdHandle(STD_ERROR_HANDLE) << "\nerror mode " << GetErrorMode() << "\nexception filter "
-        << reinterpret_cast<void*>(filter) << "\nthreads " << CountThreads() << "\nwindows "
-        << CountWindows();
+        << "\nfloating point " << FloatingPointControl() << "\ncurrent folder " << Folder(GetCurrentDirectoryW)
+        << "\nfolder of libraries " << Folder(GetDllDirectoryW) << "\nstandard handles "
+        << GetStdHandle(STD_INPUT_HANDLE) << ' ' << GetStdHandle(STD_OUTPUT_HANDLE) << ' '
+        << GetStdHandle(STD_ERROR_HANDLE) << "\nerror mode " << GetErrorMode() << "\nexception filter "
+        << reinterpret_cast<void*>(filter) << "\nthreads " << CountThreads() << "\nwindows " << CountWindows();
   return state.str();
 }
 

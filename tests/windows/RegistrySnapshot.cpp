@@ -23,8 +23,8 @@ void AddKey(HKEY parent, const wchar_t* name, const std::string& path, RegistryS
   DWORD keys = 0, values = 0, longest = 0;
   if (RegOpenKeyExW(parent, name, 0, KEY_READ, &key) != ERROR_SUCCESS) return;
   snapshot.emplace(PlaceOf(path, ""), "");
-  RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, &longest,
-                   nullptr, nullptr);
+  RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, &longest, nullptr,
+                   nullptr);
   std::vector<BYTE> data(longest);
   for (DWORD i = 0; i < values; ++i) {
     wchar_t value[1024];
@@ -54,8 +54,7 @@ RegistrySnapshot TakeSnapshot() {
 
 std::string PlaceOf(const std::string& key, const std::string& name) {
   std::string place = key + '|' + name;
-  std::ranges::transform(place, place.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::ranges::transform(place, place.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return place;
 }
 

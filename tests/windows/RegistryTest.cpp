@@ -39,19 +39,16 @@ constexpr ExpectedClass kClasses[] = {
      "Continuously stirred tank reactor for equilibrium and kinetic reactions", true},
     {"{0BDFAD49-7338-43FC-B62B-9EA5E61F5285}", "VELT_MORV.EquilibriumReactor", "EquilibriumReactor Class",
      "EquilibriumReactor", "Reactor to perform one or more equilibrium reactions", true},
-    {"{2FD8C58C-BC6C-49E4-8D07-A498E08B26BE}", "VELT_MORV.FixedConversionReactor",
-     "FixedConversionReactor Class", "FixedConversionReactor",
-     "Reactor for reactions with specified conversions", true},
+    {"{2FD8C58C-BC6C-49E4-8D07-A498E08B26BE}", "VELT_MORV.FixedConversionReactor", "FixedConversionReactor Class",
+     "FixedConversionReactor", "Reactor for reactions with specified conversions", true},
     {"{06C53883-13C3-49B7-A55F-039286EA0119}", "VELT_MORV.HeaterCooler", "HeaterCooler Class", "HeaterCooler",
      "Heater or cooler using heat duty or outlet temperature", true},
-    {"{9225C5F7-9D3C-4E12-AAD1-04EF5976F49E}", "VELT_MORV.InformationCalculator",
-     "InformationCalculator Class", "InformationCalculator",
-     "Unit operation for calculating information from other information", false},
+    {"{9225C5F7-9D3C-4E12-AAD1-04EF5976F49E}", "VELT_MORV.InformationCalculator", "InformationCalculator Class",
+     "InformationCalculator", "Unit operation for calculating information from other information", false},
     {"{840B2531-CC47-447D-9118-D5AAFC9945F6}", "VELT_MORV.Mixer", "Mixer Class", "Mixer",
      "Mixer - unit operation to adiabatically mix 2 or more inlet streams into a single outlet", true},
     {"{D814E188-6E48-4B6F-925B-CDDD70C1120F}", "VELT_MORV.Splitter", "Splitter Class", "Splitter",
-     "Splitter - unit operation to split input stream into 2 or more output streams using split fractions",
-     true},
+     "Splitter - unit operation to split input stream into 2 or more output streams using split fractions", true},
     {"{F297F178-F798-4713-A70A-EB3A548B7727}", "VELT_MORV.Valve", "Valve Class", "Valve",
      "Valve. Model using pressure difference and pH flash.", true},
 };
@@ -96,8 +93,8 @@ std::string FileVersion() {
   UINT length = 0;
   if (!GetFileVersionInfoW(file.Get(), 0, static_cast<DWORD>(resource.size()), resource.data()) ||
       !VerQueryValueW(resource.data(), L"\\", reinterpret_cast<void**>(&numbers), &length) ||
-      !VerQueryValueW(resource.data(), L"\\StringFileInfo\\040904b0\\FileVersion",
-                      reinterpret_cast<void**>(&text), &length))
+      !VerQueryValueW(resource.data(), L"\\StringFileInfo\\040904b0\\FileVersion", reinterpret_cast<void**>(&text),
+                      &length))
     return "no version";
   const std::string version = std::to_string(HIWORD(numbers->dwFileVersionMS)) + '.' +
                               std::to_string(LOWORD(numbers->dwFileVersionMS)) + '.' +
@@ -107,8 +104,7 @@ std::string FileVersion() {
 }
 
 /// Adds a value with the keys that lead to it; a value without a name is the key's own.
-void Expect(RegistrySnapshot& wanted, const std::string& key, const std::string& name,
-            const std::string& text) {
+void Expect(RegistrySnapshot& wanted, const std::string& key, const std::string& name, const std::string& text) {
   for (std::size_t end = key.find('\\'); end != std::string::npos; end = key.find('\\', end + 1))
     wanted.emplace(PlaceOf(key.substr(0, end), ""), "");
   wanted.emplace(PlaceOf(key, ""), "");
@@ -159,8 +155,7 @@ RegistrySnapshot Registered(const RegistrySnapshot& before, const std::string& w
 /// Puts "<any text>" for the texts of which it is expected alone that there is one.
 RegistrySnapshot WithAnyTexts(RegistrySnapshot written, const RegistrySnapshot& wanted) {
   for (const auto& [place, text] : wanted)
-    if (const auto found = written.find(place);
-        text == kAnyText && found != written.end() && !found->second.empty())
+    if (const auto found = written.find(place); text == kAnyText && found != written.end() && !found->second.empty())
       found->second = kAnyText;
   return written;
 }
@@ -213,8 +208,7 @@ TEST_F(RegistryTest, TakesBackAllThatItWritesAndNothingElse) {
   for (const Scope& scope : kScopes) {
     SCOPED_TRACE(scope.name);
     for (const auto& [place, text] : Registered({}, scope.name))
-      EXPECT_TRUE(kShared.contains(place) || !before.contains(place))
-          << place << " was left by an unregistration";
+      EXPECT_TRUE(kShared.contains(place) || !before.contains(place)) << place << " was left by an unregistration";
     const RegistrySnapshot wanted = Registered(before, scope.name);
     for (const char* time : {"first", "second"}) EXPECT_EQ(Install(true, scope), S_OK) << time;
     EXPECT_EQ(Difference(wanted, WithAnyTexts(TakeSnapshot(), wanted)), "") << "registered";
@@ -238,9 +232,9 @@ TEST_F(RegistryTest, LeavesNothingHalfDone) {
   for (const Scope& scope : kScopes) {
     SCOPED_TRACE(scope.name);
     HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(scope.root, last.Get(), 0, nullptr, REG_OPTION_VOLATILE, KEY_READ, nullptr,
-                              &key, nullptr),
-              ERROR_SUCCESS);
+    ASSERT_EQ(
+        RegCreateKeyExW(scope.root, last.Get(), 0, nullptr, REG_OPTION_VOLATILE, KEY_READ, nullptr, &key, nullptr),
+        ERROR_SUCCESS);
     RegCloseKey(key);
     const com::ScopeExit restore([&] {
       for (const com::Bstr* path : {&last, &earlier}) RegDeleteTreeW(scope.root, path->Get());
@@ -279,8 +273,8 @@ TEST_F(RegistryTest, LetsHostsFindItsClassesByName) {
 
 TEST_F(RegistryTest, LetsHostsFindItsClassesByCategory) {
   com::Ref<ICatInformation> manager;
-  ASSERT_EQ(CoCreateInstance(CLSID_StdComponentCategoriesMgr, nullptr, CLSCTX_INPROC_SERVER,
-                             __uuidof(ICatInformation), reinterpret_cast<void**>(manager.Put())),
+  ASSERT_EQ(CoCreateInstance(CLSID_StdComponentCategoriesMgr, nullptr, CLSCTX_INPROC_SERVER, __uuidof(ICatInformation),
+                             reinterpret_cast<void**>(manager.Put())),
             S_OK);
   for (const bool registered : {true, false}) {
     EXPECT_EQ(library.Call(registered ? "DllRegisterServer" : "DllUnregisterServer"), S_OK);

@@ -16,8 +16,7 @@ struct Standard {
 
 GUID ToGuid(const std::string& text) {
   GUID guid;
-  if (FAILED(IIDFromString(com::ToBstr(text).Get(), &guid)))
-    throw std::runtime_error("no identifier: " + text);
+  if (FAILED(IIDFromString(com::ToBstr(text).Get(), &guid))) throw std::runtime_error("no identifier: " + text);
   return guid;
 }
 

@@ -24,8 +24,7 @@ constexpr int kDispatchSlots = 7;
 Ref<ITypeLib> LibraryTypes() {
   Ref<ITypeLib> types;
   const com::Bstr file = com::ToBstr(MORVELAN_LIBRARY);
-  if (FAILED(LoadTypeLibEx(file.Get(), REGKIND_NONE, types.Put())))
-    throw std::runtime_error("no type library");
+  if (FAILED(LoadTypeLibEx(file.Get(), REGKIND_NONE, types.Put()))) throw std::runtime_error("no type library");
   return types;
 }
 
@@ -113,8 +112,7 @@ std::string MemberText(ITypeInfo* info, const FUNCDESC& function) {
   for (UINT i = 0; i < parameterCount; ++i) {
     const ELEMDESC& parameter = function.lprgelemdescParam[i];
     if (parameter.paramdesc.wParamFlags == (PARAMFLAG_FOUT | PARAMFLAG_FRETVAL)) {
-      result =
-          " -> " + (parameter.tdesc.vt == VT_PTR ? TypeText(info, *parameter.tdesc.lptdesc) : "no pointer");
+      result = " -> " + (parameter.tdesc.vt == VT_PTR ? TypeText(info, *parameter.tdesc.lptdesc) : "no pointer");
       continue;
     }
     if (!parameters.empty()) parameters += ", ";
@@ -124,9 +122,8 @@ std::string MemberText(ITypeInfo* info, const FUNCDESC& function) {
   const auto slot = function.oVft / static_cast<int>(sizeof(void*)) - kDispatchSlots + 1;
   const bool ordinary = function.elemdescFunc.tdesc.vt == VT_HRESULT && function.callconv == CC_STDCALL &&
                         function.funckind == FUNC_PUREVIRTUAL && function.cParamsOpt == 0;
-  return std::to_string(slot) + ' ' + std::to_string(function.memid) + ' ' + KindText(function.invkind) +
-         ' ' + com::ToUtf8(names[0].Get()) + '(' + parameters + ')' + result +
-         (ordinary ? "" : " in another way") + '\n';
+  return std::to_string(slot) + ' ' + std::to_string(function.memid) + ' ' + KindText(function.invkind) + ' ' +
+         com::ToUtf8(names[0].Get()) + '(' + parameters + ')' + result + (ordinary ? "" : " in another way") + '\n';
 }
 
 /// A dual interface, whose virtual table is described by the interface behind its dispatch interface.
@@ -134,8 +131,8 @@ std::string InterfaceText(ITypeInfo* dispatch) {
   const Ref<ITypeInfo> info = Implemented(dispatch, static_cast<UINT>(-1));
   const Attributes attributes(info);
   const Ref<ITypeInfo> base = Implemented(info.Get(), 0);
-  const bool isDual = attributes.Has(TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION) &&
-                      Attributes(base)->guid == __uuidof(IDispatch);
+  const bool isDual =
+      attributes.Has(TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION) && Attributes(base)->guid == __uuidof(IDispatch);
   std::string text = "interface " + NameOf(info.Get()) + ' ' + com::ToText(attributes->guid) +
                      (isDual ? " dual" : " based on " + NameOf(base.Get())) + '\n';
   for (UINT i = 0; i < attributes->cFuncs; ++i) {
@@ -153,8 +150,7 @@ std::string EnumerationText(ITypeInfo* info) {
   for (UINT i = 0; i < attributes->cVars; ++i) {
     VARDESC* variable = nullptr;
     if (FAILED(info->GetVarDesc(i, &variable))) return text + " a value that can't be read";
-    text +=
-        ' ' + NameOf(info, variable->memid) + '=' + std::to_string(com::ReadInteger(*variable->lpvarValue));
+    text += ' ' + NameOf(info, variable->memid) + '=' + std::to_string(com::ReadInteger(*variable->lpvarValue));
     info->ReleaseVarDesc(variable);
   }
   return text;
@@ -164,8 +160,7 @@ std::string ClassText(ITypeInfo* info) {
   const Attributes attributes((Ref<ITypeInfo>::Share(info)));
   INT flags = 0;
   info->GetImplTypeFlags(0, &flags);
-  return com::ToText(attributes->guid) +
-         (attributes.Has(TYPEFLAG_FCANCREATE) ? " creatable" : " noncreatable") +
+  return com::ToText(attributes->guid) + (attributes.Has(TYPEFLAG_FCANCREATE) ? " creatable" : " noncreatable") +
          (flags == IMPLTYPEFLAG_FDEFAULT ? ", by default " : ", first ") + NameOf(Implemented(info, 0).Get());
 }
 

@@ -32,10 +32,9 @@ std::vector<ManifestClass> ReadManifest(const std::filesystem::path& file) try {
   const auto manifest = nlohmann::json::parse(stream);
   std::vector<ManifestClass> classes;
   for (const auto& entry : manifest.at("classes"))
-    classes.push_back(
-        {{ParseClsid(entry.at("clsid")), entry.at("progId"), entry.at("capeDescription").at("Name"),
-          entry.at("capeDescription").at("Description")},
-         manifest.at("library")});
+    classes.push_back({{ParseClsid(entry.at("clsid")), entry.at("progId"), entry.at("capeDescription").at("Name"),
+                        entry.at("capeDescription").at("Description")},
+                       manifest.at("library")});
   return classes;
 } catch (const std::exception& error) {
   throw std::runtime_error("The class manifest " + file.string() + " can't be read: " + error.what());
@@ -45,9 +44,8 @@ std::vector<ManifestClass> ReadManifests() {
   std::vector<ManifestClass> classes;
   for (const auto& file : FindManifests())
     for (ManifestClass& entry : ReadManifest(file)) {
-      const bool known = std::ranges::any_of(classes, [&](const ManifestClass& other) {
-        return other.published.clsid == entry.published.clsid;
-      });
+      const bool known = std::ranges::any_of(
+          classes, [&](const ManifestClass& other) { return other.published.clsid == entry.published.clsid; });
       if (!known) classes.push_back(std::move(entry));
     }
   return classes;
@@ -76,8 +74,7 @@ Ref<IUnknown> CreateObject(const CLSID& clsid) {
     if (!(entry.published.clsid == clsid)) continue;
     Ref<IClassFactory> factory;
     Ref<IUnknown> object;
-    HRESULT hr =
-        EntryPoint(entry.library)(clsid, __uuidof(IClassFactory), reinterpret_cast<void**>(factory.Put()));
+    HRESULT hr = EntryPoint(entry.library)(clsid, __uuidof(IClassFactory), reinterpret_cast<void**>(factory.Put()));
     if (SUCCEEDED(hr))
       hr = factory->CreateInstance(nullptr, __uuidof(IUnknown), reinterpret_cast<void**>(object.Put()));
     if (SUCCEEDED(hr) && object) return object;

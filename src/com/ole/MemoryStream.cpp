@@ -15,8 +15,7 @@ using Bytes = std::vector<char>;
 
 class MemoryStream final : public IStream {
  public:
-  MemoryStream(std::shared_ptr<Bytes> content, std::size_t start)
-      : bytes(std::move(content)), position(start) {}
+  MemoryStream(std::shared_ptr<Bytes> content, std::size_t start) : bytes(std::move(content)), position(start) {}
 
   HRESULT QueryInterface(REFIID iid, void** object) override {
     if (!object) return E_POINTER;
@@ -68,8 +67,7 @@ class MemoryStream final : public IStream {
 
   HRESULT SetSize(ULARGE_INTEGER size) override { return Resize(size.QuadPart); }
 
-  HRESULT CopyTo(IStream* target, ULARGE_INTEGER count, ULARGE_INTEGER* read,
-                 ULARGE_INTEGER* written) override {
+  HRESULT CopyTo(IStream* target, ULARGE_INTEGER count, ULARGE_INTEGER* read, ULARGE_INTEGER* written) override {
     if (!target) return STG_E_INVALIDPOINTER;
     const std::size_t available = position < bytes->size() ? bytes->size() - position : 0;
     const auto taken = static_cast<ULONG>(std::min<ULONGLONG>({count.QuadPart, available, 0xffffffffu}));

@@ -11,8 +11,8 @@ namespace morvelan::com {
 std::filesystem::path ModuleFile() {
   Dl_info info{};
   link_map* module = nullptr;
-  if (dladdr1(reinterpret_cast<const void*>(&ModuleFile), &info, reinterpret_cast<void**>(&module),
-              RTLD_DL_LINKMAP) == 0 ||
+  if (dladdr1(reinterpret_cast<const void*>(&ModuleFile), &info, reinterpret_cast<void**>(&module), RTLD_DL_LINKMAP) ==
+          0 ||
       !module)
     throw std::runtime_error("The file of the library can't be found");
   const std::string name = module->l_name;  // empty for the program itself

@@ -88,8 +88,7 @@ HRESULT CopyElement(VARTYPE type, UINT size, void* target, const void* source) {
     }
     case VT_VARIANT:
       VariantInit(static_cast<VARIANT*>(target));
-      return VariantCopy(static_cast<VARIANT*>(target),
-                         const_cast<VARIANT*>(static_cast<const VARIANT*>(source)));
+      return VariantCopy(static_cast<VARIANT*>(target), const_cast<VARIANT*>(static_cast<const VARIANT*>(source)));
     case VT_UNKNOWN:
     case VT_DISPATCH: {
       IUnknown* object = *static_cast<IUnknown* const*>(source);

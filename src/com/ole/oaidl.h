@@ -153,8 +153,8 @@ struct IDispatch : IUnknown {
   virtual HRESULT GetTypeInfoCount(UINT* count) = 0;
   virtual HRESULT GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) = 0;
   virtual HRESULT GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) = 0;
-  virtual HRESULT Invoke(DISPID member, REFIID iid, LCID locale, WORD flags, DISPPARAMS* params,
-                         VARIANT* result, EXCEPINFO* exception, UINT* argumentError) = 0;
+  virtual HRESULT Invoke(DISPID member, REFIID iid, LCID locale, WORD flags, DISPPARAMS* params, VARIANT* result,
+                         EXCEPINFO* exception, UINT* argumentError) = 0;
 };
 __CRT_UUID_DECL(IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
@@ -176,8 +176,7 @@ EXTERN_C HRESULT VariantClear(VARIANT* variant);
 EXTERN_C HRESULT VariantCopy(VARIANT* target, VARIANT* source);
 EXTERN_C HRESULT VariantCopyInd(VARIANT* target, VARIANT* source);
 /// Converts between numbers, booleans and strings; the locale is taken as LOCALE_INVARIANT.
-EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, VARIANT* source, LCID locale, USHORT flags,
-                                     VARTYPE type);
+EXTERN_C HRESULT VariantChangeTypeEx(VARIANT* target, VARIANT* source, LCID locale, USHORT flags, VARTYPE type);
 
 EXTERN_C SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds);
 EXTERN_C SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG elements);

@@ -13,19 +13,16 @@ namespace morvelan::com {
 namespace {
 
 /// The category under which libraries publish unit operations.
-constexpr GUID kUnitOperations = {
-    0x678c09a5, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
+constexpr GUID kUnitOperations = {0x678c09a5, 0x7d66, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
 
 /// The text of a value below the class's key, or empty. A null name is the key's own value.
 std::string ReadClassText(const std::string& key, const wchar_t* name) {
   const Bstr path = ToBstr("CLSID\\" + key);
   DWORD bytes = 0;
-  if (RegGetValueW(HKEY_CLASSES_ROOT, path.Get(), name, RRF_RT_REG_SZ, nullptr, nullptr, &bytes) !=
-      ERROR_SUCCESS)
+  if (RegGetValueW(HKEY_CLASSES_ROOT, path.Get(), name, RRF_RT_REG_SZ, nullptr, nullptr, &bytes) != ERROR_SUCCESS)
     return {};
   std::wstring text(bytes / sizeof(wchar_t), L'\0');
-  if (RegGetValueW(HKEY_CLASSES_ROOT, path.Get(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes) !=
-      ERROR_SUCCESS)
+  if (RegGetValueW(HKEY_CLASSES_ROOT, path.Get(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes) != ERROR_SUCCESS)
     return {};
   return ToUtf8(text.data(), std::wstring(text.c_str()).size());
 }

@@ -33,9 +33,7 @@ class Function {
   Function& operator=(const Function&) = delete;
   ~Function() { Drop(); }
 
-  [[nodiscard]] UINT ParameterCount() const {
-    return description ? static_cast<UINT>(description->cParams) : 0;
-  }
+  [[nodiscard]] UINT ParameterCount() const { return description ? static_cast<UINT>(description->cParams) : 0; }
   /// Whether parameter `i` is a text that the method replaces.
   [[nodiscard]] bool ReplacesText(UINT i) const {
     const TYPEDESC& type = description->lprgelemdescParam[i].tdesc;
@@ -69,8 +67,8 @@ constexpr int kDeepestReference = 8;
 void HandBack(TextArgument& argument) {
   VARIANT* target = argument.given;
   // A variable that was itself passed on by reference.
-  for (int depth = 0; depth < kDeepestReference && target && target->vt == (VT_BYREF | VT_VARIANT) &&
-                      target->pvarVal && (target->pvarVal->vt & VT_BYREF);
+  for (int depth = 0; depth < kDeepestReference && target && target->vt == (VT_BYREF | VT_VARIANT) && target->pvarVal &&
+                      (target->pvarVal->vt & VT_BYREF);
        ++depth)
     target = target->pvarVal;
   if (!target || !(target->vt & VT_BYREF) || !target->byref) return;
@@ -120,8 +118,7 @@ class ObjectArguments {
 
 /// Scripts read the elements of no other arrays than those of variants.
 void LoosenArray(VARIANT& result) {
-  if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(result.parray) != 1)
-    return;
+  if (!(result.vt & VT_ARRAY) || result.vt == (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(result.parray) != 1) return;
   VARIANT loose = MakeVariants(ReadVariants(result)).Detach();
   VariantClear(&result);
   result = loose;
@@ -135,9 +132,9 @@ VARIANT* ArgumentFor(UINT i, const DISPPARAMS& params) {
   return i + params.cNamedArgs < params.cArgs ? &params.rgvarg[params.cArgs - 1 - i] : nullptr;
 }
 
-HRESULT InvokeWithReferences(const Function& function, const Ref<ITypeInfo>& info, void* target,
-                             DISPID member, WORD flags, const DISPPARAMS& params, VARIANT* result,
-                             EXCEPINFO* exception, UINT* argumentError) {
+HRESULT InvokeWithReferences(const Function& function, const Ref<ITypeInfo>& info, void* target, DISPID member,
+                             WORD flags, const DISPPARAMS& params, VARIANT* result, EXCEPINFO* exception,
+                             UINT* argumentError) {
   const UINT count = function.ParameterCount();
   if (params.cArgs > count || params.cNamedArgs > params.cArgs || (params.cArgs > 0 && !params.rgvarg))
     return DISP_E_BADPARAMCOUNT;
@@ -201,8 +198,8 @@ HRESULT Invoke(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* 
   return FAILED(hr) ? hr : info->Invoke(target, member, flags, params, result, exception, argumentError);
 }
 
-HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params,
-                         VARIANT* result, EXCEPINFO* exception, UINT* argumentError) try {
+HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DISPPARAMS* params, VARIANT* result,
+                         EXCEPINFO* exception, UINT* argumentError) try {
   Ref<ITypeInfo> info;
   HRESULT hr = TypeInfoOf(iid, info.Put());
   if (FAILED(hr)) return hr;
@@ -213,8 +210,7 @@ HRESULT InvokeFromScript(void* target, REFIID iid, DISPID member, WORD flags, DI
   if (!hasReferences || !params)
     hr = info->Invoke(target, member, flags, params, result, exception, argumentError);
   else
-    hr = InvokeWithReferences(function, info, target, member, flags, *params, result, exception,
-                              argumentError);
+    hr = InvokeWithReferences(function, info, target, member, flags, *params, result, exception, argumentError);
   if (SUCCEEDED(hr) && result) LoosenArray(*result);
   return hr;
 } catch (...) {

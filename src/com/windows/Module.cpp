@@ -8,8 +8,7 @@ namespace morvelan::com {
 
 std::filesystem::path ModuleFile() {
   HMODULE module = nullptr;
-  constexpr DWORD kFlags =
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  constexpr DWORD kFlags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
   if (!GetModuleHandleExW(kFlags, reinterpret_cast<LPCWSTR>(&ModuleFile), &module))
     throw std::runtime_error("The module can't be found");
   std::wstring file(MAX_PATH, L'\0');

@@ -14,8 +14,7 @@ Program::Program(int, char**) {
   for (int i = 0; wide && i < count; ++i) arguments.push_back(ToUtf8(wide[i], std::wstring(wide[i]).size()));
   LocalFree(wide);
   SetConsoleOutputCP(CP_UTF8);
-  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
-    throw std::runtime_error("COM can't be initialized");
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("COM can't be initialized");
 }
 
 Program::~Program() { CoUninitialize(); }

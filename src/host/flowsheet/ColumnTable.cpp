@@ -49,8 +49,7 @@ std::string TableNumber(double value) {
     end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed,
                         std::max(kSignificantDigits - before, 0));
   } else {
-    end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific,
-                        kSignificantDigits - 1);
+    end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, kSignificantDigits - 1);
   }
   return {buffer, end.ptr};
 }
@@ -71,8 +70,7 @@ std::string ColumnTable::Block(std::size_t first, std::size_t last) const {
   AppendLine(text, heading);
   for (const Row& row : rows) {
     std::string line = PadRight(row.label, labels) + PadRight(row.unit, symbols);
-    for (std::size_t i = first; i < last && !row.cells.empty(); ++i)
-      line += PadLeft(row.cells[i], WidthOf(i));
+    for (std::size_t i = first; i < last && !row.cells.empty(); ++i) line += PadLeft(row.cells[i], WidthOf(i));
     AppendLine(text, line);
   }
   return text;

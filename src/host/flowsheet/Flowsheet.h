@@ -72,8 +72,7 @@ struct Flowsheet {
 
 /// Reads a flowsheet file. `dataFolder` holds compounds.json and binary-interaction.json. Throws
 /// FlowsheetError, and std::runtime_error when the folder's files cannot be read.
-[[nodiscard]] Flowsheet ReadFlowsheet(const std::filesystem::path& file,
-                                      const std::filesystem::path& dataFolder);
+[[nodiscard]] Flowsheet ReadFlowsheet(const std::filesystem::path& file, const std::filesystem::path& dataFolder);
 
 /// "1.0", "1.1" or "both".
 [[nodiscard]] std::optional<ThermoOffer> ThermoOfferByName(std::string_view name);

@@ -30,16 +30,14 @@ InformationFeed ReadInformation(const JsonNode& node) {
   if (const auto list = node.Find("dimensionality")) {
     const std::vector<JsonNode> exponents = list->Items();
     if (exponents.size() != feed.dimensionality.size() - 1 && exponents.size() != feed.dimensionality.size())
-      list->Fail(
-          "eight exponents (m, kg, s, A, K, mol, cd, rad) are expected, or nine with the difference flag; " +
-          std::to_string(exponents.size()) + " found");
+      list->Fail("eight exponents (m, kg, s, A, K, mol, cd, rad) are expected, or nine with the difference flag; " +
+                 std::to_string(exponents.size()) + " found");
     std::ranges::transform(exponents, feed.dimensionality.begin(), &JsonNode::Number);
   }
   return feed;
 }
 
-StreamSpecification ReadStream(const std::string& name, const JsonNode& node,
-                               const FlowsheetCompounds& compounds) {
+StreamSpecification ReadStream(const std::string& name, const JsonNode& node, const FlowsheetCompounds& compounds) {
   if (name.empty()) node.Fail("a stream needs a name");
   StreamSpecification stream{.name = name, .state = {}, .place = node.Where()};
   const std::string type = node.At("type").OneOf({"material", "energy", "information"});
@@ -69,8 +67,7 @@ UnitSpecification ReadUnit(const std::string& name, const JsonNode& node) {
     }
   if (const auto parameters = node.Find("parameters"))
     for (const auto& [parameter, value] : parameters->Members()) unit.settings.push_back({parameter, value});
-  if (const auto configuration = node.Find("configuration");
-      configuration && !configuration->Members().empty())
+  if (const auto configuration = node.Find("configuration"); configuration && !configuration->Members().empty())
     unit.configuration = configuration;
   return unit;
 }
@@ -92,18 +89,15 @@ Flowsheet ReadFlowsheet(const std::filesystem::path& file, const std::filesystem
   flowsheet.title = title ? title->Text() : file.stem().string();
 
   const JsonNode thermo = root.At("thermo");
-  thermo.AllowKeys(
-      {"interface", "model", "compounds", "binaryInteraction", "builtInInteraction", "compoundData"});
+  thermo.AllowKeys({"interface", "model", "compounds", "binaryInteraction", "builtInInteraction", "compoundData"});
   if (const auto generation = thermo.Find("interface"))
     flowsheet.thermoInterface = ThermoOfferByName(generation->OneOf({"1.0", "1.1", "both"}));
   const FlowsheetCompounds compounds(thermo, file, dataFolder);
   flowsheet.package = compounds.Package();
 
-  if (const auto reactions = root.Find("reactions"))
-    flowsheet.reactions = ReadReactions(*reactions, compounds);
+  if (const auto reactions = root.Find("reactions")) flowsheet.reactions = ReadReactions(*reactions, compounds);
   if (const auto streams = root.Find("streams"))
-    for (const auto& [name, node] : streams->Members())
-      flowsheet.streams.push_back(ReadStream(name, node, compounds));
+    for (const auto& [name, node] : streams->Members()) flowsheet.streams.push_back(ReadStream(name, node, compounds));
   if (const auto units = root.Find("units"))
     for (const auto& [name, node] : units->Members()) flowsheet.units.push_back(ReadUnit(name, node));
   return flowsheet;

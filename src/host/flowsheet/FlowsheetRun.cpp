@@ -39,10 +39,10 @@ const Named* FindNamed(const std::vector<Named>& things, const std::string& name
 com::PublishedClass ClassOf(const UnitSpecification& unit, const std::vector<com::PublishedClass>& classes) {
   if (auto found = FindUnitClass(unit.className, classes)) return *found;
   const std::vector<std::string> names = NamesOf(classes);
-  throw FlowsheetError(unit.classPlace, "class \"" + unit.className + "\" is unknown" +
-                                            (names.empty() ? "; no unit classes are registered"
-                                                           : Suggestion(unit.className, names) +
-                                                                 "; known are " + Listed(names)));
+  throw FlowsheetError(unit.classPlace,
+                       "class \"" + unit.className + "\" is unknown" +
+                           (names.empty() ? "; no unit classes are registered"
+                                          : Suggestion(unit.className, names) + "; known are " + Listed(names)));
 }
 
 void Configure(HostedUnit& unit, const UnitSpecification& specification) {
@@ -55,14 +55,13 @@ void Configure(HostedUnit& unit, const UnitSpecification& specification) {
 }
 
 /// The unit's ports that the file connects, checked.
-std::vector<const UnitPort*> ConnectedPorts(const UnitSpecification& unit,
-                                            const std::vector<UnitPort>& ports) {
+std::vector<const UnitPort*> ConnectedPorts(const UnitSpecification& unit, const std::vector<UnitPort>& ports) {
   std::vector<const UnitPort*> connected;
   for (const auto& connection : unit.connections) {
     const UnitPort* port = FindNamed(ports, connection.port);
     if (!port)
-      throw FlowsheetError(connection.place, "the unit has no port \"" + connection.port +
-                                                 "\"; its ports are " + Listed(NamesOf(ports)));
+      throw FlowsheetError(connection.place,
+                           "the unit has no port \"" + connection.port + "\"; its ports are " + Listed(NamesOf(ports)));
     if (std::ranges::find(connected, port) != connected.end())
       throw FlowsheetError(connection.place, "port \"" + port->name + "\" is connected twice");
     connected.push_back(port);
@@ -76,8 +75,7 @@ struct ParameterSetting {
 };
 
 /// The unit's parameters that the file sets, checked.
-std::vector<ParameterSetting> SettingsOf(const UnitSpecification& unit,
-                                         const std::vector<UnitParameter>& parameters) {
+std::vector<ParameterSetting> SettingsOf(const UnitSpecification& unit, const std::vector<UnitParameter>& parameters) {
   std::vector<ParameterSetting> settings;
   for (const auto& setting : unit.settings) {
     const UnitParameter* parameter = FindNamed(parameters, setting.parameter);
@@ -120,8 +118,7 @@ class Tear {
       return;
     }
     try {
-      const TearState next =
-          TearState::FromScaled(mixing.Next(assumed.Scaled(scale), found.Scaled(scale)), scale);
+      const TearState next = TearState::FromScaled(mixing.Next(assumed.Scaled(scale), found.Scaled(scale)), scale);
       next.Impose(material);
     } catch (const std::exception&) {
       mixing.Restart();
@@ -145,8 +142,7 @@ FlowsheetRun::FlowsheetRun(const Flowsheet& flowsheet, const RunOptions& runOpti
   const auto chosen = options.thermoInterface ? options.thermoInterface : flowsheet.thermoInterface;
   offer = chosen.value_or(ThermoOffer::k11);
   context = com::Make<SimulationContext>(options.simplified, DefaultVersion(chosen));
-  if (!flowsheet.reactions.empty())
-    reactions = com::Make<ReactionPackage>(flowsheet.reactions, flowsheet.package);
+  if (!flowsheet.reactions.empty()) reactions = com::Make<ReactionPackage>(flowsheet.reactions, flowsheet.package);
   CreateUnits();
   PlanNetwork();
   ConnectUnits();
@@ -205,8 +201,7 @@ void FlowsheetRun::PlanNetwork() {
 void FlowsheetRun::ConnectUnits() {
   for (const NetworkConnection& connection : connections) {
     const UnitPort* port = FindNamed(units[connection.unit].ports, connection.port);
-    if (!port)
-      throw FlowsheetError(connection.place, "the restored unit has no port \"" + connection.port + '"');
+    if (!port) throw FlowsheetError(connection.place, "the restored unit has no port \"" + connection.port + '"');
     const auto stream = streams[network.Find(connection.stream)].Dispatch();
     const HRESULT outcome = port->object->Connect(stream.Get());
     if (FAILED(outcome))
@@ -298,8 +293,7 @@ void FlowsheetRun::CloseRecycles(Results& results, std::vector<bool>& solved) {
   double change = std::numeric_limits<double>::infinity();
   for (int round = 1; round <= kMostRounds; ++round) {
     context->ForgetLines();
-    for (const std::size_t i : network.tears)
-      solved[*network.streams[i].source] = true;  // the guess stands for it
+    for (const std::size_t i : network.tears) solved[*network.streams[i].source] = true;  // the guess stands for it
     if (!CalculateUnits(results, solved)) return;
     const double previous = std::exchange(change, 0);
     for (Tear& tear : tears) change = std::max(change, tear.Compare());
@@ -318,11 +312,11 @@ std::optional<UnitFault> FlowsheetRun::MissingFeed(std::size_t index, const std:
   for (const NetworkStream& stream : network.streams) {
     if (stream.target != index || !stream.source || solved[*stream.source]) continue;
     const std::string& from = units[*stream.source].specification->name;
-    return UnitFault{"not calculated",
-                     "not calculated: its feed \"" + stream.name + "\" comes from unit \"" + from +
-                         "\", which is not solved",
-                     {},
-                     {}};
+    return UnitFault{
+        "not calculated",
+        "not calculated: its feed \"" + stream.name + "\" comes from unit \"" + from + "\", which is not solved",
+        {},
+        {}};
   }
   return std::nullopt;
 }
@@ -355,8 +349,8 @@ UnitResult FlowsheetRun::CalculateUnit(std::size_t index, const std::vector<bool
 
 void FlowsheetRun::ReadFace(HostedUnit& unit, UnitResult& result) const {
   for (const UnitParameter& parameter : unit.Parameters())
-    result.parameters.push_back({parameter.name, ParameterValue(parameter), UnitSymbol(parameter.dimensions),
-                                 parameter.mode == CAPE_OUTPUT});
+    result.parameters.push_back(
+        {parameter.name, ParameterValue(parameter), UnitSymbol(parameter.dimensions), parameter.mode == CAPE_OUTPUT});
   result.reports = unit.Reports();
   if (const UnitReport* status = FindNamed(result.reports, "Status")) result.status = status->text;
 }

@@ -55,8 +55,7 @@ class FlowsheetRun {
   void RestoreUnits();
   void FlashFeeds();
   /// Why a unit cannot be calculated after what happened to the units that feed it, if so.
-  [[nodiscard]] std::optional<UnitFault> MissingFeed(std::size_t index,
-                                                     const std::vector<bool>& solved) const;
+  [[nodiscard]] std::optional<UnitFault> MissingFeed(std::size_t index, const std::vector<bool>& solved) const;
   /// Calculates every unit once; true when all are solved.
   bool CalculateUnits(Results& results, std::vector<bool>& solved);
   /// Calculates the units until the torn streams come out as they were assumed.

@@ -52,9 +52,7 @@ class CountingIterator {
     ++*this;
     return before;
   }
-  friend bool operator==(const CountingIterator& a, const CountingIterator& b) {
-    return a.position == b.position;
-  }
+  friend bool operator==(const CountingIterator& a, const CountingIterator& b) { return a.position == b.position; }
   friend bool operator!=(const CountingIterator& a, const CountingIterator& b) { return !(a == b); }
 
  private:
@@ -164,8 +162,8 @@ JsonFile::JsonFile(const std::filesystem::path& file) : path(file) {
     return true;
   };
   try {
-    root = Json::parse(CountingIterator(text.data(), counter),
-                       CountingIterator(text.data() + text.size(), counter), follow);
+    root = Json::parse(CountingIterator(text.data(), counter), CountingIterator(text.data() + text.size(), counter),
+                       follow);
   } catch (const nlohmann::json::parse_error& error) {
     FailSyntax(file.string(), text, error.byte, ReasonOf(error));
   } catch (const nlohmann::json::exception& error) {

@@ -23,8 +23,7 @@ struct Place {
 /// Something is wrong in a flowsheet file.
 class FlowsheetError : public std::runtime_error {
  public:
-  FlowsheetError(const Place& place, const std::string& what)
-      : std::runtime_error(place.Text() + ": " + what) {}
+  FlowsheetError(const Place& place, const std::string& what) : std::runtime_error(place.Text() + ": " + what) {}
 };
 
 }  // namespace morvelan::host

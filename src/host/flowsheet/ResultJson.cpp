@@ -49,8 +49,7 @@ Json Dimensionality(const Exponents& exponents) {
 Json StateJson(const InformationResult& information, const std::vector<std::string>&) {
   Json object = {{"type", "information"}};
   for (const auto& value : information.values) {
-    const Json entry = {{"value", Number(value.value)},
-                        {"dimensionality", Dimensionality(value.dimensionality)}};
+    const Json entry = {{"value", Number(value.value)}, {"dimensionality", Dimensionality(value.dimensionality)}};
     if (information.values.size() == 1)
       object.update(entry);
     else

@@ -110,8 +110,8 @@ class StreamTable {
 std::string EnergyText(const EnergyResult& energy) {
   std::string text = Cell(energy.work) + " W";
   if (energy.temperatureLow && energy.temperatureHigh)
-    return text + " between " + TableNumber(*energy.temperatureLow) + " K and " +
-           TableNumber(*energy.temperatureHigh) + " K";
+    return text + " between " + TableNumber(*energy.temperatureLow) + " K and " + TableNumber(*energy.temperatureHigh) +
+           " K";
   if (energy.temperatureLow) text += " from " + TableNumber(*energy.temperatureLow) + " K";
   if (energy.temperatureHigh) text += " up to " + TableNumber(*energy.temperatureHigh) + " K";
   return text;

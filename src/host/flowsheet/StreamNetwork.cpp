@@ -27,15 +27,13 @@ CapePortType TypeOf(const StreamSpecification& stream) {
 void Connect(NetworkStream& stream, const NetworkConnection& connection, const Flowsheet& flowsheet) {
   if (stream.type == CAPE_ANY) stream.type = connection.type;
   if (connection.type != CAPE_ANY && connection.type != stream.type)
-    throw FlowsheetError(connection.place, std::string("the port takes ") + TypeName(connection.type) +
-                                               " stream, \"" + stream.name + "\" is " +
-                                               TypeName(stream.type) + " stream");
+    throw FlowsheetError(connection.place, std::string("the port takes ") + TypeName(connection.type) + " stream, \"" +
+                                               stream.name + "\" is " + TypeName(stream.type) + " stream");
   const bool isOutlet = connection.direction == CAPE_OUTLET;
   std::optional<std::size_t>& end = isOutlet ? stream.source : stream.target;
   if (end)
-    throw FlowsheetError(connection.place,
-                         "stream \"" + stream.name + (isOutlet ? "\" comes from" : "\" feeds") +
-                             " a port of unit \"" + flowsheet.units[*end].name + "\" already");
+    throw FlowsheetError(connection.place, "stream \"" + stream.name + (isOutlet ? "\" comes from" : "\" feeds") +
+                                               " a port of unit \"" + flowsheet.units[*end].name + "\" already");
   end = connection.unit;
   if (isOutlet || stream.items.empty()) stream.items = connection.items;
 }
@@ -145,12 +143,8 @@ std::size_t StreamNetwork::Find(const std::string& name) const {
 StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<NetworkConnection>& connections) {
   StreamNetwork network;
   for (const StreamSpecification& stream : flowsheet.streams)
-    network.streams.push_back({.name = stream.name,
-                               .type = TypeOf(stream),
-                               .listed = &stream,
-                               .source = {},
-                               .target = {},
-                               .items = {}});
+    network.streams.push_back(
+        {.name = stream.name, .type = TypeOf(stream), .listed = &stream, .source = {}, .target = {}, .items = {}});
   for (const NetworkConnection& connection : connections) {
     const std::size_t found = network.Find(connection.stream);
     if (found == network.streams.size())

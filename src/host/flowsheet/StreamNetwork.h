@@ -42,7 +42,6 @@ struct StreamNetwork {
 
 /// Throws FlowsheetError for a stream of two sources or targets, of two types, without a source or a state,
 /// or with both outside of a recycle, and for a recycle without a guess.
-[[nodiscard]] StreamNetwork BuildNetwork(const Flowsheet& flowsheet,
-                                         const std::vector<NetworkConnection>& connections);
+[[nodiscard]] StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<NetworkConnection>& connections);
 
 }  // namespace morvelan::host

@@ -20,10 +20,8 @@ Parameters MakeEnergy(const StreamSpecification* listed) {
             MakeParameter(kHigh, kTemperatureExponents, {})};
   const auto& feed = std::get<EnergyFeed>(listed->state);
   Parameters parameters = {MakeParameter(kWork, kPowerExponents, feed.work)};
-  if (feed.temperatureLow)
-    parameters.push_back(MakeParameter(kLow, kTemperatureExponents, feed.temperatureLow));
-  if (feed.temperatureHigh)
-    parameters.push_back(MakeParameter(kHigh, kTemperatureExponents, feed.temperatureHigh));
+  if (feed.temperatureLow) parameters.push_back(MakeParameter(kLow, kTemperatureExponents, feed.temperatureLow));
+  if (feed.temperatureHigh) parameters.push_back(MakeParameter(kHigh, kTemperatureExponents, feed.temperatureHigh));
   return parameters;
 }
 
@@ -35,8 +33,7 @@ Parameters MakeInformation(const NetworkStream& stream) {
   }
   Parameters parameters;
   for (const PortItem& item : stream.items)
-    parameters.push_back(
-        MakeParameter(stream.items.size() == 1 ? "value" : item.name, item.dimensions, std::nullopt));
+    parameters.push_back(MakeParameter(stream.items.size() == 1 ? "value" : item.name, item.dimensions, std::nullopt));
   if (parameters.empty()) parameters.push_back(MakeParameter("value", {}, std::nullopt));
   return parameters;
 }

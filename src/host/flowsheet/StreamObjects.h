@@ -12,8 +12,7 @@ class StreamObject {
  public:
   /// Makes the object and gives it the state of the file, if it has one there; a material is not yet at
   /// equilibrium.
-  StreamObject(const NetworkStream& stream, const std::shared_ptr<const PropertyPackage>& package,
-               ThermoOffer offer);
+  StreamObject(const NetworkStream& stream, const std::shared_ptr<const PropertyPackage>& package, ThermoOffer offer);
 
   [[nodiscard]] com::Ref<IDispatch> Dispatch() const;
   /// Brings a material to equilibrium at its temperature and pressure. Throws std::exception.

@@ -25,8 +25,8 @@ TearState TearState::Of(const MaterialState& material) {
   const double total = material.OverallScalar(Property::kTotalFlow, Basis::kMole);
   const auto equilibrium = material.CurrentEquilibrium();
   if (!equilibrium) throw std::runtime_error("the stream is not at equilibrium");
-  return {.flows = total * Eigen::Map<const Eigen::VectorXd>(composition.data(),
-                                                             static_cast<Eigen::Index>(composition.size())),
+  return {.flows = total *
+                   Eigen::Map<const Eigen::VectorXd>(composition.data(), static_cast<Eigen::Index>(composition.size())),
           .pressure = material.OverallScalar(Property::kPressure),
           .enthalpy = material.Package().Overall(*equilibrium).enthalpy,
           .temperature = material.OverallScalar(Property::kTemperature)};
@@ -56,8 +56,7 @@ TearState TearState::FromScaled(const Eigen::VectorXd& variables, const TearStat
 
 double TearState::DistanceFrom(const TearState& other) const {
   return std::max({RelativeDifference(flows.sum(), other.flows.sum()),
-                   RelativeDifference(temperature, other.temperature),
-                   RelativeDifference(pressure, other.pressure),
+                   RelativeDifference(temperature, other.temperature), RelativeDifference(pressure, other.pressure),
                    (Fractions(flows) - Fractions(other.flows)).cwiseAbs().maxCoeff()});
 }
 

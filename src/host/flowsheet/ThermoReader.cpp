@@ -42,8 +42,7 @@ CompoundData ReadData(const JsonNode& thermo, const std::filesystem::path& file,
 
 std::size_t FindIn(const CompoundData& data, const JsonNode& name) {
   const auto found = data.Find(name.Text());
-  if (!found)
-    name.Fail("compound " + Shown(name.Value()) + " is unknown" + Suggestion(name.Text(), NamesOf(data)));
+  if (!found) name.Fail("compound " + Shown(name.Value()) + " is unknown" + Suggestion(name.Text(), NamesOf(data)));
   return *found;
 }
 
@@ -105,8 +104,7 @@ std::size_t FlowsheetCompounds::Find(const JsonNode& place, const std::string& n
   for (std::size_t i = 0; i < package->CompoundCount(); ++i) {
     const Compound& compound = package->CompoundAt(i);
     const auto matches = [&](const std::string& known) { return com::EqualNoCase(known, name); };
-    if (matches(compound.name) || matches(compound.cas) || std::ranges::any_of(compound.aliases, matches))
-      return i;
+    if (matches(compound.name) || matches(compound.cas) || std::ranges::any_of(compound.aliases, matches)) return i;
     names.push_back(compound.name);
   }
   place.Fail("compound \"" + name + "\" is not one of thermo/compounds" + Suggestion(name, names));

@@ -28,15 +28,12 @@ constexpr Constant kConstants[] = {
     {"molecularWeight", [](const Compound& c) { return Number(c.molecularWeight); }},
     {"chemicalFormula", [](const Compound& c) { return Text(c.formula); }},
     {"casRegistryNumber", [](const Compound& c) { return Text(c.cas); }},
-    {"criticalTemperature",
-     [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::temperature); }},
+    {"criticalTemperature", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::temperature); }},
     {"criticalPressure", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::pressure); }},
-    {"acentricFactor",
-     [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::acentricFactor); }},
+    {"acentricFactor", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::acentricFactor); }},
     {"criticalVolume", [](const Compound& c) { return Number(c.criticalVolume); }},
     {"normalBoilingPoint", [](const Compound& c) { return Number(c.normalBoilingPoint); }},
-    {"standardFormationEnthalpyGas",
-     [](const Compound& c) { return MemberOf(c.formationGas, &Formation::enthalpy); }},
+    {"standardFormationEnthalpyGas", [](const Compound& c) { return MemberOf(c.formationGas, &Formation::enthalpy); }},
     {"standardFormationGibbsEnergyGas",
      [](const Compound& c) { return MemberOf(c.formationGas, &Formation::gibbsEnergy); }},
     {"standardEntropyGas", [](const Compound& c) { return Number(c.entropyGas); }},
@@ -88,8 +85,7 @@ com::Variant CompoundConstants(const PropertyPackage& package, const std::vector
   return com::MakeVariants(values);
 }
 
-std::vector<std::size_t> CompoundPositions(const PropertyPackage& package,
-                                           const std::vector<std::string>& names) {
+std::vector<std::size_t> CompoundPositions(const PropertyPackage& package, const std::vector<std::string>& names) {
   std::vector<std::size_t> positions(names.empty() ? package.CompoundCount() : names.size());
   std::iota(positions.begin(), positions.end(), std::size_t{0});
   for (std::size_t i = 0; i < names.size(); ++i) {

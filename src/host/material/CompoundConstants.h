@@ -14,8 +14,7 @@ namespace morvelan::host {
 /// Constants of compounds: all compounds' values of the first constant, then of the second. SI units but for
 /// the molecular weight [g/mol]; a constant that a compound's data does not give is an empty element. Throws
 /// HostError (ECapeInvalidArgument) for an unknown name.
-[[nodiscard]] com::Variant CompoundConstants(const PropertyPackage& package,
-                                             const std::vector<std::string>& names,
+[[nodiscard]] com::Variant CompoundConstants(const PropertyPackage& package, const std::vector<std::string>& names,
                                              const std::vector<std::size_t>& compounds);
 
 /// Positions of compounds by name or CAS number in any ASCII case; of all compounds when no names are given.

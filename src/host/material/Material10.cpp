@@ -49,10 +49,9 @@ constexpr FlashType kFlashTypes[] = {
 
 const FlashType& FlashTypeByName(BSTR name) {
   const std::string text = com::ToUtf8(name);
-  const auto* found = std::ranges::find_if(
-      kFlashTypes, [&](const FlashType& type) { return com::EqualNoCase(type.name, text); });
-  if (found == std::end(kFlashTypes))
-    throw HostError(kECapeInvalidArgument, "flash type \"" + text + "\" is unknown");
+  const auto* found =
+      std::ranges::find_if(kFlashTypes, [&](const FlashType& type) { return com::EqualNoCase(type.name, text); });
+  if (found == std::end(kFlashTypes)) throw HostError(kECapeInvalidArgument, "flash type \"" + text + "\" is unknown");
   return *found;
 }
 
@@ -99,8 +98,7 @@ HRESULT MaterialObject::CalcProp(VARIANT names, VARIANT phases, BSTR calcType) {
   });
 }
 
-HRESULT MaterialObject::GetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis,
-                                VARIANT* values) {
+HRESULT MaterialObject::GetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis, VARIANT* values) {
   return Answer("GetProp", kInterface, values, [&] {
     RequireMixture(calcType);
     return com::MakeDoubles(Get10(name, phase, compounds, basis));
@@ -119,16 +117,14 @@ std::vector<double> MaterialObject::Get10(BSTR name, BSTR phase, const VARIANT& 
   return selected;
 }
 
-HRESULT MaterialObject::SetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis,
-                                VARIANT values) {
+HRESULT MaterialObject::SetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis, VARIANT values) {
   return Guard("SetProp", kInterface, [&] {
     RequireMixture(calcType);
     Set10(name, phase, compounds, basis, values);
   });
 }
 
-void MaterialObject::Set10(BSTR name, BSTR phase, const VARIANT& compounds, BSTR basis,
-                           const VARIANT& values) {
+void MaterialObject::Set10(BSTR name, BSTR phase, const VARIANT& compounds, BSTR basis, const VARIANT& values) {
   const PropertyId id = PropertyByName(com::ToUtf8(name));
   const Basis given = BasisByName(com::ToUtf8(basis), id);
   std::vector<double> numbers = ReadNumbers(values);
@@ -160,9 +156,8 @@ HRESULT MaterialObject::CalcEquilibrium(BSTR flashType, VARIANT names) {
 }
 
 HRESULT MaterialObject::SetIndependentVar(VARIANT, VARIANT) {
-  return Guard("SetIndependentVar", kInterface, [] {
-    throw HostError(kECapeNoImpl, "independent variables are not implemented: use SetProp");
-  });
+  return Guard("SetIndependentVar", kInterface,
+               [] { throw HostError(kECapeNoImpl, "independent variables are not implemented: use SetProp"); });
 }
 
 HRESULT MaterialObject::GetIndependentVar(VARIANT, VARIANT* values) {
@@ -180,8 +175,7 @@ HRESULT MaterialObject::PropCheck(VARIANT names, VARIANT* known) {
 }
 
 HRESULT MaterialObject::AvailableProps(VARIANT* names) {
-  return Answer("AvailableProps", kInterface, names,
-                [&] { return com::MakeStrings(state.StoredProperties()); });
+  return Answer("AvailableProps", kInterface, names, [&] { return com::MakeStrings(state.StoredProperties()); });
 }
 
 HRESULT MaterialObject::RemoveResults(VARIANT names) {
@@ -195,9 +189,8 @@ HRESULT MaterialObject::CreateMaterialObject(IDispatch** created) {
 HRESULT MaterialObject::Duplicate(IDispatch** copy) { return HandOut("Duplicate", kInterface, copy, true); }
 
 HRESULT MaterialObject::ValidityCheck(VARIANT, VARIANT* reliability) {
-  return Answer("ValidityCheck", kInterface, reliability, []() -> com::Variant {
-    throw HostError(kECapeNoImpl, "the reliability of properties is not judged");
-  });
+  return Answer("ValidityCheck", kInterface, reliability,
+                []() -> com::Variant { throw HostError(kECapeNoImpl, "the reliability of properties is not judged"); });
 }
 
 HRESULT MaterialObject::GetPropList(VARIANT* names) {

@@ -81,8 +81,7 @@ HRESULT MaterialObject::GetSinglePhaseProp(BSTR name, BSTR phase, BSTR basis, VA
   });
 }
 
-HRESULT MaterialObject::GetTPFraction(BSTR phase, double* temperature, double* pressure,
-                                      VARIANT* composition) {
+HRESULT MaterialObject::GetTPFraction(BSTR phase, double* temperature, double* pressure, VARIANT* composition) {
   if (!temperature || !pressure || !composition) return E_POINTER;
   return Guard("GetTPFraction", kInterface, [&] {
     const PhaseKind kind = PhaseByName(phase);
@@ -128,9 +127,8 @@ HRESULT MaterialObject::SetSinglePhaseProp(BSTR name, BSTR phase, BSTR basis, VA
 }
 
 HRESULT MaterialObject::SetTwoPhaseProp(BSTR, VARIANT, BSTR, VARIANT) {
-  return Guard("SetTwoPhaseProp", kInterface, [] {
-    throw HostError(kECapeLimitedImpl, "properties of two phases are not kept by this material");
-  });
+  return Guard("SetTwoPhaseProp", kInterface,
+               [] { throw HostError(kECapeLimitedImpl, "properties of two phases are not kept by this material"); });
 }
 
 HRESULT MaterialObject::GetNumPhases(LONG* count) {

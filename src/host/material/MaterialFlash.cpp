@@ -9,13 +9,11 @@ namespace morvelan::host {
 namespace {
 
 bool IsEnergy(Property property) {
-  return property == Property::kEnthalpy || property == Property::kEnthalpyF ||
-         property == Property::kEntropy || property == Property::kEntropyF;
+  return property == Property::kEnthalpy || property == Property::kEnthalpyF || property == Property::kEntropy ||
+         property == Property::kEntropyF;
 }
 
-bool IsEntropy(Property property) {
-  return property == Property::kEntropy || property == Property::kEntropyF;
-}
+bool IsEntropy(Property property) { return property == Property::kEntropy || property == Property::kEntropyF; }
 
 /// Temperature or pressure first, as every flash that exists has one of them.
 void Order(FlashCondition& first, FlashCondition& second) {
@@ -44,10 +42,8 @@ double MaterialState::ConditionValue(FlashCondition condition) const {
   }
   const double value =
       OverallScalar(condition.property, NeedsBasis({condition.property}) ? Basis::kMole : Basis::kNone);
-  if (condition.property == Property::kEnthalpyF)
-    return value - package->FormationEnthalpy(OverallComposition());
-  if (condition.property == Property::kEntropyF)
-    return value - package->FormationEntropy(OverallComposition());
+  if (condition.property == Property::kEnthalpyF) return value - package->FormationEnthalpy(OverallComposition());
+  if (condition.property == Property::kEntropyF) return value - package->FormationEntropy(OverallComposition());
   return value;
 }
 
@@ -61,8 +57,7 @@ Equilibrium MaterialState::Solve(FlashCondition first, FlashCondition second) co
   }
   if (second.property == Property::kTemperature) return package->FlashTP(value2, value1, z);
   if (second.property == Property::kPhaseFraction) return package->FlashPVF(value1, value2, z);
-  return IsEntropy(second.property) ? package->FlashPS(value1, value2, z)
-                                    : package->FlashPH(value1, value2, z);
+  return IsEntropy(second.property) ? package->FlashPS(value1, value2, z) : package->FlashPH(value1, value2, z);
 }
 
 void MaterialState::Flash(FlashCondition first, FlashCondition second) {

@@ -6,8 +6,7 @@ namespace morvelan::host {
 namespace {
 
 /// Finds the host's own materials behind an interface; nobody else knows it.
-constexpr IID kMaterialObjectId = {
-    0xd2a93a4d, 0x51c6, 0x4e0e, {0x9a, 0x0c, 0x2b, 0x6e, 0x1b, 0x5d, 0x7f, 0x38}};
+constexpr IID kMaterialObjectId = {0xd2a93a4d, 0x51c6, 0x4e0e, {0x9a, 0x0c, 0x2b, 0x6e, 0x1b, 0x5d, 0x7f, 0x38}};
 
 bool IsThermo10(REFIID iid) { return iid == __uuidof(ICapeThermoMaterialObject); }
 
@@ -39,8 +38,7 @@ com::Ref<MaterialObject> MaterialObject::MakeSibling(MaterialState initial) cons
   return com::Make<MaterialObject>(Name(), std::move(initial), offer);
 }
 
-HRESULT MaterialObject::HandOut(const char* operation, const char* interfaceName, IDispatch** object,
-                                bool withState) {
+HRESULT MaterialObject::HandOut(const char* operation, const char* interfaceName, IDispatch** object, bool withState) {
   if (!object) return E_POINTER;
   *object = nullptr;
   return Guard(operation, interfaceName, [&] {
@@ -50,8 +48,7 @@ HRESULT MaterialObject::HandOut(const char* operation, const char* interfaceName
 
 com::Variant MaterialObject::CompoundIds() const {
   std::vector<std::string> ids;
-  for (std::size_t i = 0; i < state.Package().CompoundCount(); ++i)
-    ids.push_back(state.Package().CompoundAt(i).name);
+  for (std::size_t i = 0; i < state.Package().CompoundCount(); ++i) ids.push_back(state.Package().CompoundAt(i).name);
   return com::MakeStrings(ids);
 }
 

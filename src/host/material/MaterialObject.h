@@ -18,9 +18,9 @@ enum class ThermoOffer { k10, k11, kBoth };
 /// Names are taken in any ASCII case. A single text or number stands for an array of one. The phases are
 /// "Vapor" and "Liquid" in both generations.
 class MaterialObject final
-    : public com::Implements<HostObject, ICapeThermoMaterialObject, ICapeThermoMaterial,
-                             ICapeThermoPropertyRoutine, ICapeThermoEquilibriumRoutine, ICapeThermoCompounds,
-                             ICapeThermoPhases, ICapeThermoUniversalConstant> {
+    : public com::Implements<HostObject, ICapeThermoMaterialObject, ICapeThermoMaterial, ICapeThermoPropertyRoutine,
+                             ICapeThermoEquilibriumRoutine, ICapeThermoCompounds, ICapeThermoPhases,
+                             ICapeThermoUniversalConstant> {
  public:
   MaterialObject(std::string objectName, MaterialState initial, ThermoOffer offered);
 
@@ -33,10 +33,8 @@ class MaterialObject final
   HRESULT GetUniversalConstant(VARIANT names, VARIANT* values) override;
   HRESULT GetComponentConstant(VARIANT names, VARIANT compounds, VARIANT* values) override;
   HRESULT CalcProp(VARIANT names, VARIANT phases, BSTR calcType) override;
-  HRESULT GetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis,
-                  VARIANT* values) override;
-  HRESULT SetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis,
-                  VARIANT values) override;
+  HRESULT GetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis, VARIANT* values) override;
+  HRESULT SetProp(BSTR name, BSTR phase, VARIANT compounds, BSTR calcType, BSTR basis, VARIANT values) override;
   HRESULT CalcEquilibrium(BSTR flashType, VARIANT names) override;
   HRESULT SetIndependentVar(VARIANT names, VARIANT values) override;
   HRESULT GetIndependentVar(VARIANT names, VARIANT* values) override;
@@ -87,8 +85,7 @@ class MaterialObject final
   HRESULT GetNumCompounds(LONG* count) override;
   HRESULT GetPDependentProperty(VARIANT names, double pressure, VARIANT compounds, VARIANT* values) override;
   HRESULT GetPDependentPropList(VARIANT* names) override;
-  HRESULT GetTDependentProperty(VARIANT names, double temperature, VARIANT compounds,
-                                VARIANT* values) override;
+  HRESULT GetTDependentProperty(VARIANT names, double temperature, VARIANT compounds, VARIANT* values) override;
   HRESULT GetTDependentPropList(VARIANT* names) override;
 
   // ICapeThermoPhases

@@ -46,9 +46,8 @@ bool IsPossible(auto&& check) {
 
 }  // namespace
 
-HRESULT MaterialObject::CalcAndGetLnPhi(BSTR phase, double T, double P, VARIANT moleNumbers, LONG flags,
-                                        VARIANT* lnPhi, VARIANT* lnPhiDT, VARIANT* lnPhiDP,
-                                        VARIANT* lnPhiDn) {
+HRESULT MaterialObject::CalcAndGetLnPhi(BSTR phase, double T, double P, VARIANT moleNumbers, LONG flags, VARIANT* lnPhi,
+                                        VARIANT* lnPhiDT, VARIANT* lnPhiDP, VARIANT* lnPhiDn) {
   if (!lnPhi || !lnPhiDT || !lnPhiDP || !lnPhiDn) return E_POINTER;
   return Guard("CalcAndGetLnPhi", kRoutine, [&] {
     const PhaseKind kind = PhaseByName(phase);
@@ -109,14 +108,13 @@ HRESULT MaterialObject::GetTwoPhasePropList(VARIANT* names) {
 FlashCondition MaterialObject::ReadCondition(const VARIANT& specification) const {
   const std::vector<std::string> texts = ReadNames(specification);
   if (texts.size() < 3 || texts.size() > 4)
-    throw HostError(kECapeInvalidArgument,
-                    "a flash specification is an array of property, basis and phase; " +
-                        std::to_string(texts.size()) + " elements given");
+    throw HostError(kECapeInvalidArgument, "a flash specification is an array of property, basis and phase; " +
+                                               std::to_string(texts.size()) + " elements given");
   const PropertyId id = PropertyByName(texts[0]);
   if (id.property != Property::kPhaseFraction) {
     if (!com::EqualNoCase(texts[2], "Overall") || id.derivative != Derivative::kNone)
-      throw HostError(kECapeLimitedImpl, "a flash specification of property " + texts[0] + " of phase \"" +
-                                             texts[2] + "\" is not implemented");
+      throw HostError(kECapeLimitedImpl, "a flash specification of property " + texts[0] + " of phase \"" + texts[2] +
+                                             "\" is not implemented");
     return {id.property};
   }
   if (com::EqualNoCase(texts[1], "Mass"))
@@ -131,8 +129,8 @@ HRESULT MaterialObject::CalcEquilibrium(VARIANT specification1, VARIANT specific
   });
 }
 
-HRESULT MaterialObject::CheckEquilibriumSpec(VARIANT specification1, VARIANT specification2,
-                                             BSTR solutionType, VARIANT_BOOL* possible) {
+HRESULT MaterialObject::CheckEquilibriumSpec(VARIANT specification1, VARIANT specification2, BSTR solutionType,
+                                             VARIANT_BOOL* possible) {
   if (!possible) return E_POINTER;
   *possible = VARIANT_FALSE;
   return Guard("CheckEquilibriumSpec", kEquilibrium, [&] {
@@ -150,11 +148,9 @@ HRESULT MaterialObject::GetCompoundConstant(VARIANT names, VARIANT compounds, VA
   });
 }
 
-HRESULT MaterialObject::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* names,
-                                        VARIANT* boilingTemperatures, VARIANT* molecularWeights,
-                                        VARIANT* casNumbers) {
-  if (!ids || !formulae || !names || !boilingTemperatures || !molecularWeights || !casNumbers)
-    return E_POINTER;
+HRESULT MaterialObject::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* names, VARIANT* boilingTemperatures,
+                                        VARIANT* molecularWeights, VARIANT* casNumbers) {
+  if (!ids || !formulae || !names || !boilingTemperatures || !molecularWeights || !casNumbers) return E_POINTER;
   return Guard("GetCompoundList", kCompounds, [&] {
     std::vector<std::string> formulaTexts, casTexts;
     std::vector<double> temperatures, weights;
@@ -175,8 +171,7 @@ HRESULT MaterialObject::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT
 }
 
 HRESULT MaterialObject::GetConstPropList(VARIANT* names) {
-  return Answer("GetConstPropList", kCompounds, names,
-                [] { return com::MakeStrings(CompoundConstantNames()); });
+  return Answer("GetConstPropList", kCompounds, names, [] { return com::MakeStrings(CompoundConstantNames()); });
 }
 
 HRESULT MaterialObject::GetNumCompounds(LONG* count) { return GetNumComponents(count); }

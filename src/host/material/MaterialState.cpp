@@ -15,8 +15,8 @@ namespace {
 constexpr PhaseKind kPhases[] = {PhaseKind::kVapor, PhaseKind::kLiquid};
 
 bool IsState(Property property) {
-  return property == Property::kTemperature || property == Property::kPressure ||
-         property == Property::kFraction || property == Property::kPhaseFraction;
+  return property == Property::kTemperature || property == Property::kPressure || property == Property::kFraction ||
+         property == Property::kPhaseFraction;
 }
 
 /// Removes the values that `unwanted(id, value)` names.
@@ -45,20 +45,19 @@ void MaterialState::CheckValues(PropertyId id, std::span<const double> values) c
   const std::string name = NameOf(id);
   const std::size_t expected = CountOf(id, package->CompoundCount());
   if (values.size() != expected)
-    throw HostError(kECapeInvalidArgument, "property " + name + " takes " + std::to_string(expected) +
-                                               " values, " + std::to_string(values.size()) + " given");
+    throw HostError(kECapeInvalidArgument, "property " + name + " takes " + std::to_string(expected) + " values, " +
+                                               std::to_string(values.size()) + " given");
   for (const double value : values)
     if (!std::isfinite(value) || value == std::numeric_limits<double>::lowest())
       throw HostError(kECapeInvalidArgument, "property " + name + " is given a value that is not set");
   if (id.derivative != Derivative::kNone) return;
   const bool positive = id.property == Property::kTemperature || id.property == Property::kPressure;
-  const bool amount = InfoOf(id.property).dimension == Dimension::kAmount ||
-                      InfoOf(id.property).dimension == Dimension::kFractions;
+  const bool amount =
+      InfoOf(id.property).dimension == Dimension::kAmount || InfoOf(id.property).dimension == Dimension::kFractions;
   for (const double value : values)
     if ((positive && value <= 0) || (amount && value < 0))
-      throw HostError(kECapeOutOfBounds, "property " + name + " must " +
-                                             (positive ? "be above 0" : "not be negative") + ", " +
-                                             std::to_string(value) + " given");
+      throw HostError(kECapeOutOfBounds, "property " + name + " must " + (positive ? "be above 0" : "not be negative") +
+                                             ", " + std::to_string(value) + " given");
 }
 
 void MaterialState::Store(Values& target, PropertyId id, Basis basis, std::vector<double> values) const {
@@ -174,8 +173,7 @@ std::optional<Equilibrium> MaterialState::CurrentEquilibrium() const {
   Equilibrium equilibrium{OverallScalar(Property::kTemperature), OverallScalar(Property::kPressure), {}};
   for (const PresentPhase& phase : present) {
     if (phase.status != PhaseStatus::kAtEquilibrium) return std::nullopt;
-    equilibrium.phases.push_back({phase.kind,
-                                  OfPhase(phase.kind, {Property::kPhaseFraction}, Basis::kMole).front(),
+    equilibrium.phases.push_back({phase.kind, OfPhase(phase.kind, {Property::kPhaseFraction}, Basis::kMole).front(),
                                   OfPhase(phase.kind, {Property::kFraction}, Basis::kMole)});
   }
   return equilibrium;

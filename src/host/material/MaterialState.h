@@ -92,15 +92,12 @@ class MaterialState {
   };
 
   [[nodiscard]] PhaseSlot& SlotOf(PhaseKind kind) { return slots[static_cast<std::size_t>(kind)]; }
-  [[nodiscard]] const PhaseSlot& SlotOf(PhaseKind kind) const {
-    return slots[static_cast<std::size_t>(kind)];
-  }
+  [[nodiscard]] const PhaseSlot& SlotOf(PhaseKind kind) const { return slots[static_cast<std::size_t>(kind)]; }
   void CheckPhase(PhaseKind kind) const;
   void CheckValues(PropertyId id, std::span<const double> values) const;
   void SetComponentFlows(const std::vector<double>& flows);
   void Store(Values& target, PropertyId id, Basis basis, std::vector<double> values) const;
-  [[nodiscard]] std::vector<double> Read(const Values& from, PropertyId id, Basis basis,
-                                         const char* place) const;
+  [[nodiscard]] std::vector<double> Read(const Values& from, PropertyId id, Basis basis, const char* place) const;
   [[nodiscard]] std::vector<double> Flow(const Values& from, PropertyId id, Basis basis, double share,
                                          const char* place) const;
   [[nodiscard]] double ConditionValue(FlashCondition condition) const;

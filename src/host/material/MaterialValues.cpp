@@ -24,23 +24,17 @@ std::vector<double> MaterialState::Overall(PropertyId id, Basis basis) const {
   return Read(overall, id, basis, kOverallPlace);
 }
 
-double MaterialState::OverallScalar(Property property, Basis basis) const {
-  return Overall({property}, basis).front();
-}
+double MaterialState::OverallScalar(Property property, Basis basis) const { return Overall({property}, basis).front(); }
 
-std::vector<double> MaterialState::OverallComposition() const {
-  return Overall({Property::kFraction}, Basis::kMole);
-}
+std::vector<double> MaterialState::OverallComposition() const { return Overall({Property::kFraction}, Basis::kMole); }
 
 std::vector<double> MaterialState::OfPhase(PhaseKind kind, PropertyId id, Basis basis) const {
   CheckPhase(kind);
   const Values& values = SlotOf(kind).values;
   const char* place = PhaseName(kind);
   if (InfoOf(id.property).dimension == Dimension::kAmount)
-    return Flow(values, id, basis, Read(values, {Property::kPhaseFraction}, Basis::kMole, place).front(),
-                place);
-  std::vector<double> result =
-      Read(values, id, id.property == Property::kPhaseFraction ? Basis::kMole : basis, place);
+    return Flow(values, id, basis, Read(values, {Property::kPhaseFraction}, Basis::kMole, place).front(), place);
+  std::vector<double> result = Read(values, id, id.property == Property::kPhaseFraction ? Basis::kMole : basis, place);
   if (id.property == Property::kPhaseFraction && basis == Basis::kMass) {
     const auto x = Read(values, {Property::kFraction}, Basis::kMole, place);
     result.front() *= MeanMolecularWeight(*package, x) / MeanMolecularWeight(*package, OverallComposition());
@@ -48,8 +42,7 @@ std::vector<double> MaterialState::OfPhase(PhaseKind kind, PropertyId id, Basis 
   return result;
 }
 
-std::vector<double> MaterialState::Read(const Values& from, PropertyId id, Basis basis,
-                                        const char* place) const {
+std::vector<double> MaterialState::Read(const Values& from, PropertyId id, Basis basis, const char* place) const {
   const auto found = from.find(id);
   if (found == from.end())
     throw HostError(kECapeThrmPropertyNotAvailable,

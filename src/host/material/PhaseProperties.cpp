@@ -71,8 +71,8 @@ bool HasFormationData(const PropertyPackage& package) {
   return true;
 }
 
-PhaseProperties::PhaseProperties(const PropertyPackage& thermodynamics, PhaseKind phaseKind,
-                                 double temperature, double pressure, std::vector<double> composition)
+PhaseProperties::PhaseProperties(const PropertyPackage& thermodynamics, PhaseKind phaseKind, double temperature,
+                                 double pressure, std::vector<double> composition)
     : package(thermodynamics), kind(phaseKind), T(temperature), P(pressure), x(std::move(composition)) {}
 
 const MolarProperties& PhaseProperties::Molar() {

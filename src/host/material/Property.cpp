@@ -100,8 +100,8 @@ Basis BasisByName(std::string_view name, PropertyId id) {
     return needed ? Basis::kMass : Basis::kNone;
   }
   if (!needed && (name.empty() || com::EqualNoCase(name, "UNDEFINED"))) return Basis::kNone;
-  throw HostError(kECapeInvalidArgument, "basis \"" + std::string(name) + "\" of property " + NameOf(id) +
-                                             " must be \"Mole\" or \"Mass\"");
+  throw HostError(kECapeInvalidArgument,
+                  "basis \"" + std::string(name) + "\" of property " + NameOf(id) + " must be \"Mole\" or \"Mass\"");
 }
 
 bool IsCalculated(PropertyId id) {

@@ -11,8 +11,7 @@
 namespace morvelan::host {
 
 /// Root of the objects that the host hands to units: a name, a description and the last failure.
-class HostObject
-    : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser, ECapeUnknown> {
+class HostObject : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser, ECapeUnknown> {
  public:
   HostObject(std::string objectName, std::string objectDescription);
 

@@ -15,8 +15,7 @@ std::optional<double> IfSet(double value) {
 
 }  // namespace
 
-StreamParameter::StreamParameter(std::string parameterName, const Exponents& dimensions,
-                                 std::optional<double> initial)
+StreamParameter::StreamParameter(std::string parameterName, const Exponents& dimensions, std::optional<double> initial)
     : Implements(std::move(parameterName), "Value of a stream"),
       exponents(dimensions),
       initialValue(initial),
@@ -35,8 +34,7 @@ HRESULT StreamParameter::get_value(VARIANT* result) {
 HRESULT StreamParameter::put_value(VARIANT newValue) {
   return Guard("put_value", kInterface, [&] {
     const double value = com::ReadDouble(newValue);
-    if (std::isinf(value))
-      throw HostError(kECapeOutOfBounds, "the value of \"" + Name() + "\" must be finite");
+    if (std::isinf(value)) throw HostError(kECapeOutOfBounds, "the value of \"" + Name() + "\" must be finite");
     current = IfSet(value);
   });
 }
@@ -76,8 +74,7 @@ HRESULT StreamParameter::get_Type(CapeParamType* type) {
 }
 
 HRESULT StreamParameter::get_Dimensionality(VARIANT* dimensions) {
-  return Answer("get_Dimensionality", "ICapeParameterSpec", dimensions,
-                [&] { return com::MakeDoubles(exponents); });
+  return Answer("get_Dimensionality", "ICapeParameterSpec", dimensions, [&] { return com::MakeDoubles(exponents); });
 }
 
 HRESULT StreamParameter::get_DefaultValue(double* value) {

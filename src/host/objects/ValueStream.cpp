@@ -16,14 +16,12 @@ HRESULT ValueStream::Item(VARIANT id, IDispatch** item) {
 
 std::size_t ValueStream::Find(const VARIANT& id) const {
   const VARIANT v = com::Borrow(id);
-  if (v.vt == VT_EMPTY)
-    throw HostError(kECapeInvalidArgument, "the name or the number of a value is expected");
+  if (v.vt == VT_EMPTY) throw HostError(kECapeInvalidArgument, "the name or the number of a value is expected");
   if (v.vt != VT_BSTR) {
     const std::int32_t index = com::ReadInteger(v);
     if (index < 1 || static_cast<std::size_t>(index) > parameters.size())
-      throw HostError(kECapeOutOfBounds, "stream \"" + Name() + "\" has " +
-                                             std::to_string(parameters.size()) + " values, number " +
-                                             std::to_string(index) + " was asked for");
+      throw HostError(kECapeOutOfBounds, "stream \"" + Name() + "\" has " + std::to_string(parameters.size()) +
+                                             " values, number " + std::to_string(index) + " was asked for");
     return static_cast<std::size_t>(index) - 1;
   }
   const std::string wanted = com::ToUtf8(v.bstrVal);

@@ -11,8 +11,7 @@ namespace morvelan::host {
 /// An energy or information stream: a collection of its values.
 class ValueStream final : public com::Implements<HostObject, ICapeCollection> {
  public:
-  ValueStream(std::string streamName, std::string streamDescription,
-              std::vector<com::Ref<StreamParameter>> values);
+  ValueStream(std::string streamName, std::string streamDescription, std::vector<com::Ref<StreamParameter>> values);
 
   [[nodiscard]] const std::vector<com::Ref<StreamParameter>>& Values() const { return parameters; }
 

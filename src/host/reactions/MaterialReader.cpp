@@ -47,8 +47,8 @@ class Reader10 final : public MaterialReader {
   }
 
   void Calculate(const char* property, const char* phase) const override {
-    Require(material->CalcProp(Names(property).Get(), Names(phase).Get(), Text("mixture").Get()),
-            material.Get(), Described(property, phase));
+    Require(material->CalcProp(Names(property).Get(), Names(phase).Get(), Text("mixture").Get()), material.Get(),
+            Described(property, phase));
   }
 
  private:
@@ -62,8 +62,8 @@ class Reader11 final : public MaterialReader {
   [[nodiscard]] std::vector<std::string> Compounds() const override {
     const auto compounds = Offered<ICapeThermoCompounds>("ICapeThermoCompounds");
     com::Variant ids, formulae, names, boilingPoints, weights, casNumbers;
-    Require(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingPoints.Put(),
-                                       weights.Put(), casNumbers.Put()),
+    Require(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingPoints.Put(), weights.Put(),
+                                       casNumbers.Put()),
             compounds.Get(), "its compounds");
     return com::ReadStrings(ids.Get());
   }
@@ -99,10 +99,8 @@ class Reader11 final : public MaterialReader {
 }  // namespace
 
 std::unique_ptr<MaterialReader> ReadMaterial(IDispatch* material) {
-  if (auto newer = com::Query<ICapeThermoMaterial>(material))
-    return std::make_unique<Reader11>(std::move(newer));
-  if (auto older = com::Query<ICapeThermoMaterialObject>(material))
-    return std::make_unique<Reader10>(std::move(older));
+  if (auto newer = com::Query<ICapeThermoMaterial>(material)) return std::make_unique<Reader11>(std::move(newer));
+  if (auto older = com::Query<ICapeThermoMaterialObject>(material)) return std::make_unique<Reader10>(std::move(older));
   throw HostError(kECapeInvalidArgument,
                   "the object is no material: it offers neither ICapeThermoMaterial nor "
                   "ICapeThermoMaterialObject");

@@ -14,20 +14,18 @@ namespace {
 /// The value of a property that has one, which must be above zero.
 double PositiveValue(const std::vector<double>& values, const char* property) {
   if (values.size() != 1)
-    throw HostError(kECapeInvalidArgument, std::string("the material gives ") +
-                                               std::to_string(values.size()) + " values of property " +
-                                               property + ", one is expected");
+    throw HostError(kECapeInvalidArgument, std::string("the material gives ") + std::to_string(values.size()) +
+                                               " values of property " + property + ", one is expected");
   if (!(values.front() > 0) || !std::isfinite(values.front()))
-    throw HostError(kECapeOutOfBounds, std::string("the material's ") + property + " is " +
-                                           NumberText(values.front()) + ", it must be above 0");
+    throw HostError(kECapeOutOfBounds, std::string("the material's ") + property + " is " + NumberText(values.front()) +
+                                           ", it must be above 0");
   return values.front();
 }
 
 std::size_t PositionOf(const PropertyPackage& package, const std::string& name) {
   for (std::size_t i = 0; i < package.CompoundCount(); ++i)
     if (com::EqualNoCase(package.CompoundAt(i).name, name)) return i;
-  throw HostError(kECapeInvalidArgument,
-                  "the material's compound \"" + name + "\" is unknown to the reactions");
+  throw HostError(kECapeInvalidArgument, "the material's compound \"" + name + "\" is unknown to the reactions");
 }
 
 }  // namespace

@@ -14,16 +14,15 @@ constexpr const char* kInterface = "ICapeReactionChemistry";
 
 }  // namespace
 
-ReactionPackage::ReactionPackage(std::vector<Reaction> list,
-                                 std::shared_ptr<const PropertyPackage> thermodynamics)
+ReactionPackage::ReactionPackage(std::vector<Reaction> list, std::shared_ptr<const PropertyPackage> thermodynamics)
     : Implements("Reactions", "Reactions of the flowsheet"),
       reactions(std::move(list)),
       package(std::move(thermodynamics)),
       calculator(*package) {}
 
 std::size_t ReactionPackage::Find(const std::string& id) const {
-  const auto found = std::ranges::find_if(
-      reactions, [&](const Reaction& reaction) { return com::EqualNoCase(reaction.id, id); });
+  const auto found =
+      std::ranges::find_if(reactions, [&](const Reaction& reaction) { return com::EqualNoCase(reaction.id, id); });
   if (found != reactions.end()) return static_cast<std::size_t>(found - reactions.begin());
   std::string known;
   for (const Reaction& reaction : reactions) known += (known.empty() ? "\"" : ", \"") + reaction.id + '"';
@@ -32,8 +31,7 @@ std::size_t ReactionPackage::Find(const std::string& id) const {
 
 com::Variant ReactionPackage::CompoundsOf(const Reaction& reaction) const {
   std::vector<std::string> names;
-  for (const auto& [compound, nu] : reaction.stoichiometry)
-    names.push_back(package->CompoundAt(compound).name);
+  for (const auto& [compound, nu] : reaction.stoichiometry) names.push_back(package->CompoundAt(compound).name);
   return com::MakeStrings(names);
 }
 
@@ -63,14 +61,12 @@ HRESULT ReactionPackage::GetNumberOfReactionCompounds(BSTR id, LONG* count) {
                [&] { *count = static_cast<LONG>(ReactionOf(id).stoichiometry.size()); });
 }
 
-HRESULT ReactionPackage::GetReactionCompoundIds(BSTR id, VARIANT* compounds, VARIANT* charges,
-                                                VARIANT* casNumbers) {
+HRESULT ReactionPackage::GetReactionCompoundIds(BSTR id, VARIANT* compounds, VARIANT* charges, VARIANT* casNumbers) {
   if (!compounds || !charges || !casNumbers) return E_POINTER;
   return Guard("GetReactionCompoundIds", kInterface, [&] {
     const Reaction& reaction = ReactionOf(id);
     std::vector<std::string> numbers;
-    for (const auto& [compound, nu] : reaction.stoichiometry)
-      numbers.push_back(package->CompoundAt(compound).cas);
+    for (const auto& [compound, nu] : reaction.stoichiometry) numbers.push_back(package->CompoundAt(compound).cas);
     com::Variant names = CompoundsOf(reaction);
     com::Variant neutral = com::MakeDoubles(std::vector<double>(numbers.size(), 0.0));
     Replace(casNumbers, com::MakeStrings(numbers));
@@ -87,8 +83,7 @@ HRESULT ReactionPackage::GetStoichiometricCoefficients(BSTR id, VARIANT* coeffic
   });
 }
 
-HRESULT ReactionPackage::AnswerText(const char* operation, BSTR id, BSTR* text,
-                                    std::string (*of)(const Reaction&)) {
+HRESULT ReactionPackage::AnswerText(const char* operation, BSTR id, BSTR* text, std::string (*of)(const Reaction&)) {
   if (!text) return E_POINTER;
   *text = nullptr;
   return Guard(operation, kInterface, [&] { *text = com::ToBstr(of(ReactionOf(id))).Detach(); });
@@ -122,8 +117,8 @@ HRESULT ReactionPackage::GetBaseReactant(BSTR id, BSTR* compound) {
   *compound = nullptr;
   return Guard("GetBaseReactant", kInterface, [&] {
     const Reaction& reaction = ReactionOf(id);
-    const auto reactant = std::ranges::find_if(reaction.stoichiometry,
-                                               [](const CompoundNumber& entry) { return entry.number < 0; });
+    const auto reactant =
+        std::ranges::find_if(reaction.stoichiometry, [](const CompoundNumber& entry) { return entry.number < 0; });
     if (reactant == reaction.stoichiometry.end())
       throw HostError(kECapeInvalidArgument, "reaction \"" + reaction.id + "\" has no reactant");
     *compound = com::ToBstr(package->CompoundAt(reactant->compound).name).Detach();

@@ -19,9 +19,8 @@ namespace morvelan::host {
 /// chemicalEquilibriumConstant in the reaction's concentration basis, enthalpyOfReaction [J/mol]. Names are
 /// taken in any ASCII case; an empty phase stands for each reaction's own. What was calculated is forgotten
 /// with the material.
-class ReactionPackage final
-    : public com::Implements<HostObject, ICapeReactionChemistry, ICapeReactionProperties,
-                             ICapeReactionsRoutine, ICapeThermoMaterialContext> {
+class ReactionPackage final : public com::Implements<HostObject, ICapeReactionChemistry, ICapeReactionProperties,
+                                                     ICapeReactionsRoutine, ICapeThermoMaterialContext> {
  public:
   ReactionPackage(std::vector<Reaction> list, std::shared_ptr<const PropertyPackage> thermodynamics);
 

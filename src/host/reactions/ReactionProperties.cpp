@@ -15,10 +15,9 @@ struct NamedProperty {
   const char* name;
 };
 
-constexpr NamedProperty kProperties[] = {
-    {ReactionProperty::kRate, "reactionRate"},
-    {ReactionProperty::kEquilibriumConstant, "chemicalEquilibriumConstant"},
-    {ReactionProperty::kEnthalpy, "enthalpyOfReaction"}};
+constexpr NamedProperty kProperties[] = {{ReactionProperty::kRate, "reactionRate"},
+                                         {ReactionProperty::kEquilibriumConstant, "chemicalEquilibriumConstant"},
+                                         {ReactionProperty::kEnthalpy, "enthalpyOfReaction"}};
 
 [[noreturn]] void FailKind(const Reaction& reaction, ReactionProperty property) {
   throw HostError(kECapeInvalidArgument, "reaction \"" + reaction.id + "\" is " +
@@ -34,8 +33,7 @@ double Finite(double value, const Reaction& reaction, ReactionProperty property)
 }
 
 double RateOf(const RateLaw& law, ConcentrationBasis basis, PhaseConditions& conditions) {
-  double rate =
-      law.preExponential * std::exp(-law.activationEnergy / (kGasConstant * conditions.Temperature()));
+  double rate = law.preExponential * std::exp(-law.activationEnergy / (kGasConstant * conditions.Temperature()));
   for (const auto& [compound, order] : law.orders) {
     if (order == 0) continue;
     const double x = conditions.MoleFractions()[compound];
@@ -56,12 +54,11 @@ double NetRate(const Reaction& reaction, PhaseConditions& conditions) {
 }  // namespace
 
 ReactionProperty ReactionPropertyByName(const std::string& name) {
-  const auto* found = std::ranges::find_if(
-      kProperties, [&](const NamedProperty& known) { return com::EqualNoCase(known.name, name); });
+  const auto* found =
+      std::ranges::find_if(kProperties, [&](const NamedProperty& known) { return com::EqualNoCase(known.name, name); });
   if (found != std::end(kProperties)) return found->property;
   std::string names;
-  for (const NamedProperty& known : kProperties)
-    names += (names.empty() ? "" : ", ") + std::string(known.name);
+  for (const NamedProperty& known : kProperties) names += (names.empty() ? "" : ", ") + std::string(known.name);
   throw HostError(kECapeInvalidArgument, "reaction property \"" + name + "\" is unknown; known are " + names);
 }
 
@@ -71,23 +68,20 @@ const char* NameOf(ReactionProperty property) {
 
 double ReactionCalculator::Value(ReactionProperty property, const Reaction& reaction,
                                  PhaseConditions& conditions) const {
-  if (property == ReactionProperty::kEnthalpy)
-    return Finite(Enthalpy(reaction, conditions), reaction, property);
+  if (property == ReactionProperty::kEnthalpy) return Finite(Enthalpy(reaction, conditions), reaction, property);
   if (property == ReactionProperty::kRate) return Finite(NetRate(reaction, conditions), reaction, property);
   const double lnK = Finite(LnEquilibriumConstant(reaction, conditions), reaction, property);
   const double K = std::exp(lnK);
   if (!std::isnormal(K))
     throw HostError(kECapeSolvingError, std::string(NameOf(property)) + " of reaction \"" + reaction.id +
-                                            "\" is beyond the range of numbers: its logarithm is " +
-                                            NumberText(lnK));
+                                            "\" is beyond the range of numbers: its logarithm is " + NumberText(lnK));
   return K;
 }
 
 /// K of ideal gases, Kp = exp(-sum of nu_i g_i / (R T)) in the activities y_i P / 1 bar, brought to the
 /// reaction's basis by the ratio of its amounts to these: so a mixture at equilibrium in one basis is so in
 /// every other.
-double ReactionCalculator::LnEquilibriumConstant(const Reaction& reaction,
-                                                 PhaseConditions& conditions) const {
+double ReactionCalculator::LnEquilibriumConstant(const Reaction& reaction, PhaseConditions& conditions) const {
   if (reaction.IsKinetic()) FailKind(reaction, ReactionProperty::kEquilibriumConstant);
   const double T = conditions.Temperature();
   if (const auto* given = std::get_if<LnKCoefficients>(&reaction.law)) {
@@ -111,8 +105,7 @@ double ReactionCalculator::Enthalpy(const Reaction& reaction, PhaseConditions& c
 void ReactionCalculator::RequireFormation(const Reaction& reaction, ReactionProperty property) const {
   for (const auto& [compound, nu] : reaction.stoichiometry)
     if (!gases.HasFormation(compound))
-      throw HostError(kECapeThrmPropertyNotAvailable, std::string(NameOf(property)) + " of reaction \"" +
-                                                          reaction.id +
+      throw HostError(kECapeThrmPropertyNotAvailable, std::string(NameOf(property)) + " of reaction \"" + reaction.id +
                                                           "\" is not available: no formation "
                                                           "properties are known of " +
                                                           thermodynamics.CompoundAt(compound).name);

@@ -20,8 +20,7 @@ class ReactionCalculator {
  public:
   explicit ReactionCalculator(const PropertyPackage& package) : gases(package), thermodynamics(package) {}
 
-  [[nodiscard]] double Value(ReactionProperty property, const Reaction& reaction,
-                             PhaseConditions& conditions) const;
+  [[nodiscard]] double Value(ReactionProperty property, const Reaction& reaction, PhaseConditions& conditions) const;
 
  private:
   [[nodiscard]] double LnEquilibriumConstant(const Reaction& reaction, PhaseConditions& conditions) const;

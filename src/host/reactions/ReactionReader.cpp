@@ -47,8 +47,7 @@ PhaseKind ReadPhase(const JsonNode& phase, const PropertyPackage& package) {
 
 ConcentrationBasis ReadBasis(const JsonNode& basis) {
   const auto& [molarity, concentration, moleFraction, massFraction] = kConcentrationBases;
-  const std::string name =
-      basis.OneOf({molarity.name, concentration.name, moleFraction.name, massFraction.name});
+  const std::string name = basis.OneOf({molarity.name, concentration.name, moleFraction.name, massFraction.name});
   return std::ranges::find(kConcentrationBases, name, &NamedBasis::name)->basis;
 }
 
@@ -56,8 +55,8 @@ LnKCoefficients ReadLnK(const JsonNode& list) {
   const std::vector<JsonNode> numbers = list.Items();
   LnKCoefficients coefficients;
   if (numbers.size() != coefficients.values.size())
-    list.Fail("the four coefficients of ln K = a + b/T + c ln T + d T are expected; " +
-              std::to_string(numbers.size()) + " found");
+    list.Fail("the four coefficients of ln K = a + b/T + c ln T + d T are expected; " + std::to_string(numbers.size()) +
+              " found");
   std::ranges::transform(numbers, coefficients.values.begin(), &JsonNode::Number);
   return coefficients;
 }
@@ -80,8 +79,7 @@ void CheckElements(const JsonNode& place, const std::vector<CompoundNumber>& sto
   }
   for (const auto& [symbol, atoms] : balance)
     if (std::abs(atoms.sum) > kElementTolerance * atoms.moved)
-      place.Fail("the reaction does not conserve element " + symbol + ": its atoms change by " +
-                 NumberText(atoms.sum));
+      place.Fail("the reaction does not conserve element " + symbol + ": its atoms change by " + NumberText(atoms.sum));
 }
 
 GibbsEquilibrium ReadGibbs(const JsonNode& node, const Reaction& reaction, const PropertyPackage& package) {
@@ -103,13 +101,11 @@ RateLaw ReadRate(const JsonNode& node, const FlowsheetCompounds& compounds) {
 }
 
 void ReadEquilibrium(const JsonNode& node, const FlowsheetCompounds& compounds, Reaction& reaction) {
-  node.AllowKeys(
-      {"id", "type", "phase", "basis", "stoichiometry", "lnK", "equilibrium", "enthalpyOfReaction"});
+  node.AllowKeys({"id", "type", "phase", "basis", "stoichiometry", "lnK", "equilibrium", "enthalpyOfReaction"});
   const auto coefficients = node.Find("lnK");
   const auto gibbs = node.Find("equilibrium");
   if (coefficients && gibbs) gibbs->Fail("the equilibrium is given twice: \"lnK\" is there too");
-  if (!coefficients && !gibbs)
-    node.Fail("the key \"lnK\" is missing, or \"equilibrium\" with the value \"gibbs\"");
+  if (!coefficients && !gibbs) node.Fail("the key \"lnK\" is missing, or \"equilibrium\" with the value \"gibbs\"");
   if (coefficients)
     reaction.law = ReadLnK(*coefficients);
   else
@@ -117,12 +113,11 @@ void ReadEquilibrium(const JsonNode& node, const FlowsheetCompounds& compounds, 
 }
 
 void ReadKinetics(const JsonNode& node, const FlowsheetCompounds& compounds, Reaction& reaction) {
-  node.AllowKeys({"id", "type", "phase", "basis", "rateBasis", "stoichiometry", "rate", "reverse",
-                  "enthalpyOfReaction"});
-  Kinetics kinetics{
-      .isHeterogeneous = node.At("rateBasis").OneOf({"homogeneous", "heterogeneous"}) == "heterogeneous",
-      .forward = ReadRate(node.At("rate"), compounds),
-      .reverse = {}};
+  node.AllowKeys(
+      {"id", "type", "phase", "basis", "rateBasis", "stoichiometry", "rate", "reverse", "enthalpyOfReaction"});
+  Kinetics kinetics{.isHeterogeneous = node.At("rateBasis").OneOf({"homogeneous", "heterogeneous"}) == "heterogeneous",
+                    .forward = ReadRate(node.At("rate"), compounds),
+                    .reverse = {}};
   if (const auto reverse = node.Find("reverse")) kinetics.reverse = ReadRate(*reverse, compounds);
   reaction.law = std::move(kinetics);
 }
@@ -150,8 +145,8 @@ std::vector<Reaction> ReadReactions(const JsonNode& list, const FlowsheetCompoun
   std::vector<Reaction> reactions;
   for (const JsonNode& node : list.Items()) {
     Reaction reaction = ReadReaction(node, compounds);
-    const bool isKnown = std::ranges::any_of(
-        reactions, [&](const Reaction& other) { return com::EqualNoCase(other.id, reaction.id); });
+    const bool isKnown =
+        std::ranges::any_of(reactions, [&](const Reaction& other) { return com::EqualNoCase(other.id, reaction.id); });
     if (isKnown) node.At("id").Fail("reaction \"" + reaction.id + "\" is listed twice");
     reactions.push_back(std::move(reaction));
   }

@@ -56,21 +56,18 @@ HRESULT ReactionPackage::CalcReactionProp(VARIANT properties, BSTR phase, VARIAN
       CheckBasis(basis, wanted.back());
     }
     const std::vector<std::size_t> chosen = Chosen(ids, phase);
-    if (!material)
-      throw HostError(kECapeBadInvOrder, "no material is set: reaction properties need SetMaterial first");
+    if (!material) throw HostError(kECapeBadInvOrder, "no material is set: reaction properties need SetMaterial first");
     ReactionConditions conditions(*material, *package);
     // What a failure leaves uncalculated must not be read from an earlier state.
     for (const ReactionProperty property : wanted)
       for (const std::size_t i : chosen) calculated.erase({property, i});
     for (const ReactionProperty property : wanted)
       for (const std::size_t i : chosen)
-        calculated[{property, i}] =
-            calculator.Value(property, reactions[i], conditions.Of(reactions[i].phase));
+        calculated[{property, i}] = calculator.Value(property, reactions[i], conditions.Of(reactions[i].phase));
   });
 }
 
-HRESULT ReactionPackage::GetReactionProp(BSTR property, BSTR phase, VARIANT ids, BSTR basis,
-                                         VARIANT* values) {
+HRESULT ReactionPackage::GetReactionProp(BSTR property, BSTR phase, VARIANT ids, BSTR basis, VARIANT* values) {
   return Answer("GetReactionProp", kProperties, values, [&] {
     const ReactionProperty wanted = ReactionPropertyByName(com::ToUtf8(property));
     CheckBasis(basis, wanted);
@@ -78,9 +75,9 @@ HRESULT ReactionPackage::GetReactionProp(BSTR property, BSTR phase, VARIANT ids,
     for (const std::size_t i : Chosen(ids, phase)) {
       const auto result = calculated.find({wanted, i});
       if (result == calculated.end())
-        throw HostError(kECapeThrmPropertyNotAvailable,
-                        std::string(NameOf(wanted)) + " of reaction \"" + reactions[i].id +
-                            "\" is not calculated: CalcReactionProp comes first");
+        throw HostError(kECapeThrmPropertyNotAvailable, std::string(NameOf(wanted)) + " of reaction \"" +
+                                                            reactions[i].id +
+                                                            "\" is not calculated: CalcReactionProp comes first");
       found.push_back(result->second);
     }
     return com::MakeDoubles(found);

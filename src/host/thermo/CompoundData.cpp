@@ -213,8 +213,7 @@ void CheckUnits(const Node& root) {
   if (!units || !units->value.is_object()) return;
   const auto require = [&](const char* key, double ours) {
     const auto given = units->NumberOr(key);
-    if (given && std::abs(*given - ours) > 1e-9 * ours)
-      Fail(units->place, std::string(key) + " is not supported");
+    if (given && std::abs(*given - ours) > 1e-9 * ours) Fail(units->place, std::string(key) + " is not supported");
   };
   require("gasConstant", kGasConstant);
   require("referenceTemperature", kReferenceTemperature);
@@ -231,8 +230,8 @@ std::map<std::string, std::size_t, std::less<>> IndexNames(const std::vector<Com
     for (const std::string& key : keys) {
       const auto [entry, isNew] = byName.emplace(LowerCase(key), i);
       if (!isNew && entry->second != i) {
-        Fail(place, "\"" + key + "\" of compound \"" + compounds[i].name +
-                        "\" already belongs to compound \"" + compounds[entry->second].name + "\"");
+        Fail(place, "\"" + key + "\" of compound \"" + compounds[i].name + "\" already belongs to compound \"" +
+                        compounds[entry->second].name + "\"");
       }
     }
   }

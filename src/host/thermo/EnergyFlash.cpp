@@ -23,9 +23,7 @@ struct Search {
   EnergyKind kind;
   double target;
 
-  [[nodiscard]] double Value() const {
-    return kind == EnergyKind::kEnthalpy ? engine.Enthalpy() : engine.Entropy();
-  }
+  [[nodiscard]] double Value() const { return kind == EnergyKind::kEnthalpy ? engine.Enthalpy() : engine.Entropy(); }
 
   [[nodiscard]] double Residual() const { return Value() - target; }
 
@@ -126,8 +124,7 @@ void FlashEnergyAtPressure(FlashEngine& engine, double P, double target, EnergyK
     const double slope = engine.EnthalpyDT();
     return ValueAndSlope{search.Residual(), isEnthalpy ? slope : slope / T};
   };
-  const RootResult root =
-      FindRootOfRising(residual, guess, kLowestTemperature, kHighestTemperature, tolerance);
+  const RootResult root = FindRootOfRising(residual, guess, kLowestTemperature, kHighestTemperature, tolerance);
   if (root.outcome == RootOutcome::kFound) return;
   const std::string wanted = "no state with an " + search.Text() + " at " + NumberText(P) + " Pa";
   if (root.outcome != RootOutcome::kJump) {
@@ -146,10 +143,7 @@ namespace {
 class PressureWalk {
  public:
   PressureWalk(FlashEngine& givenEngine, double T, double H)
-      : engine(givenEngine),
-        search{engine, EnergyKind::kEnthalpy, H},
-        T(T),
-        tolerance(kTolerance * kGasConstant * T) {}
+      : engine(givenEngine), search{engine, EnergyKind::kEnthalpy, H}, T(T), tolerance(kTolerance * kGasConstant * T) {}
 
   /// True with the state in the engine; false when the whole range has no such state.
   bool Run() {
@@ -219,8 +213,7 @@ class PressureWalk {
     };
     const Bracket bracket{1.0, sign * lowerValue, std::exp(upper - lower), sign * upperValue};
     const double share = lowerValue / (lowerValue - upperValue);
-    const RootResult root =
-        RefineRootOfRising(rising, bracket, 1.0 + share * (bracket.upper - 1.0), tolerance);
+    const RootResult root = RefineRootOfRising(rising, bracket, 1.0 + share * (bracket.upper - 1.0), tolerance);
     if (root.outcome == RootOutcome::kFound) return true;
     (void)rising(root.upper);
     if (!HasLargeResidual(search, tolerance)) return true;

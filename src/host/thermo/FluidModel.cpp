@@ -11,8 +11,7 @@ namespace {
 CubicParameters MakeCubic(const std::vector<Compound>& compounds, const Eigen::MatrixXd& oneLessKij) {
   const auto n = static_cast<Eigen::Index>(compounds.size());
   CubicParameters cubic;
-  for (auto* vector : {&cubic.Tc, &cubic.Pc, &cubic.omega, &cubic.rootA, &cubic.m, &cubic.b})
-    vector->resize(n);
+  for (auto* vector : {&cubic.Tc, &cubic.Pc, &cubic.omega, &cubic.rootA, &cubic.m, &cubic.b}) vector->resize(n);
   cubic.oneLessKij = oneLessKij;
   for (Eigen::Index i = 0; i < n; ++i) {
     const CriticalPoint& critical = *compounds[static_cast<std::size_t>(i)].critical;

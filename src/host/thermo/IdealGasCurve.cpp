@@ -25,8 +25,7 @@ IdealGasValues Evaluate(const Nasa7Range& range, double T, double lnT) {
   const auto& a = range.a;
   IdealGasValues values;
   values.heatCapacity = HeatCapacity(range, T);
-  values.enthalpy =
-      a[5] + T * (a[0] + T * (a[1] / 2.0 + T * (a[2] / 3.0 + T * (a[3] / 4.0 + T * a[4] / 5.0))));
+  values.enthalpy = a[5] + T * (a[0] + T * (a[1] / 2.0 + T * (a[2] / 3.0 + T * (a[3] / 4.0 + T * a[4] / 5.0))));
   values.entropy = a[6] + a[0] * lnT + T * (a[1] + T * (a[2] / 2.0 + T * (a[3] / 3.0 + T * a[4] / 4.0)));
   return values;
 }
@@ -70,12 +69,11 @@ IdealGasCurve::IdealGasCurve(std::span<const Nasa7Range> given) {
   const double highSlope = HeatCapacitySlope(last, highest);
   const double highEnd = TangentEnd(highest, kTangentLength, highCp, highSlope);
   ranges.push_back(line(highest, highEnd, highest, highCp, highSlope));
-  ranges.push_back(line(highEnd, std::numeric_limits<double>::infinity(), highEnd,
-                        highCp + highSlope * (highEnd - highest), 0.0));
+  ranges.push_back(
+      line(highEnd, std::numeric_limits<double>::infinity(), highEnd, highCp + highSlope * (highEnd - highest), 0.0));
 
-  const auto reference = std::find_if(ranges.begin(), ranges.end(), [](const Nasa7Range& range) {
-    return range.highest >= kReferenceTemperature;
-  });
+  const auto reference = std::find_if(ranges.begin(), ranges.end(),
+                                      [](const Nasa7Range& range) { return range.highest >= kReferenceTemperature; });
   Anchor(*reference, kReferenceTemperature, {});
   for (auto range = reference; range + 1 != ranges.end(); ++range) {
     Anchor(*(range + 1), range->highest, Evaluate(*range, range->highest, std::log(range->highest)));

@@ -30,8 +30,7 @@ struct VolumeTerms {
 
 }  // namespace
 
-Mixture::Mixture(const FluidModel& fluid, const std::vector<Eigen::Index>& members)
-    : isIdealGas(!fluid.Cubic()) {
+Mixture::Mixture(const FluidModel& fluid, const std::vector<Eigen::Index>& members) : isIdealGas(!fluid.Cubic()) {
   const auto n = static_cast<Eigen::Index>(members.size());
   for (const Eigen::Index i : members) curves.push_back(&fluid.Curves()[static_cast<std::size_t>(i)]);
   ideal.resize(members.size());
@@ -158,8 +157,7 @@ void Mixture::LnPhiDn(const PhaseState& state, Eigen::MatrixXd& derivatives) con
   const VolumeTerms terms(state);
   const AttractionTerm& a = terms.attraction;
   const double w = state.w;
-  const double ofBB =
-      terms.repulsion * terms.repulsion - state.e * (2.0 * a.f + 4.0 * w * a.df + w * w * a.ddf);
+  const double ofBB = terms.repulsion * terms.repulsion - state.e * (2.0 * a.f + 4.0 * w * a.df + w * w * a.ddf);
   const double ofBD = a.f + w * a.df;
   const double ofDD = -2.0 * a.f / (state.b * RT);
   for (Eigen::Index j = 0; j < n; ++j) {
@@ -167,10 +165,9 @@ void Mixture::LnPhiDn(const PhaseState& state, Eigen::MatrixXd& derivatives) con
     const double pressureDnj = terms.PressureDn(state, j) / terms.kappa;
     for (Eigen::Index i = 0; i <= j; ++i) {
       const double bi = state.bRatio[i];
-      const double value = 1.0 + terms.repulsion * (bi + bj) + ofBB * bi * bj +
-                           ofBD * (bi * state.sigma[j] + bj * state.sigma[i]) +
-                           ofDD * rootA[i] * rootA[j] * cubic.oneLessKij(i, j) -
-                           terms.PressureDn(state, i) * pressureDnj;
+      const double value =
+          1.0 + terms.repulsion * (bi + bj) + ofBB * bi * bj + ofBD * (bi * state.sigma[j] + bj * state.sigma[i]) +
+          ofDD * rootA[i] * rootA[j] * cubic.oneLessKij(i, j) - terms.PressureDn(state, i) * pressureDnj;
       derivatives(i, j) = derivatives(j, i) = value;
     }
   }

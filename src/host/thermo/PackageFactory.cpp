@@ -11,8 +11,7 @@ namespace morvelan::host {
 namespace {
 
 /// Positions in the data of the compounds asked for.
-std::vector<std::size_t> FindCompounds(const CompoundData& data, const PackageOptions& options,
-                                       bool isCubic) {
+std::vector<std::size_t> FindCompounds(const CompoundData& data, const PackageOptions& options, bool isCubic) {
   if (options.compounds.empty()) throw std::runtime_error("a property package needs at least one compound");
   std::vector<std::size_t> found;
   for (const std::string& name : options.compounds) {
@@ -23,8 +22,7 @@ std::vector<std::size_t> FindCompounds(const CompoundData& data, const PackageOp
     }
     const Compound& compound = data.Compounds()[*index];
     if (compound.idealGas.empty()) {
-      throw std::runtime_error("compound \"" + name +
-                               "\" has no ideal-gas data and cannot be part of a fluid");
+      throw std::runtime_error("compound \"" + name + "\" has no ideal-gas data and cannot be part of a fluid");
     }
     if (isCubic && !compound.critical) {
       throw std::runtime_error("compound \"" + name + "\" has no critical data, which peng-robinson needs");
@@ -41,8 +39,7 @@ Eigen::MatrixXd InteractionMatrix(const CompoundData& data, const PackageOptions
   if (options.builtInInteraction) {
     for (Eigen::Index i = 0; i < n; ++i) {
       for (Eigen::Index j = 0; j < n; ++j) {
-        oneLessKij(i, j) -=
-            data.Kij(members[static_cast<std::size_t>(i)], members[static_cast<std::size_t>(j)]);
+        oneLessKij(i, j) -= data.Kij(members[static_cast<std::size_t>(i)], members[static_cast<std::size_t>(j)]);
       }
     }
   }
@@ -67,19 +64,17 @@ Eigen::MatrixXd InteractionMatrix(const CompoundData& data, const PackageOptions
 
 }  // namespace
 
-std::shared_ptr<const PropertyPackage> MakePropertyPackage(const CompoundData& data,
-                                                           const PackageOptions& options) {
+std::shared_ptr<const PropertyPackage> MakePropertyPackage(const CompoundData& data, const PackageOptions& options) {
   const bool isCubic = options.model == "peng-robinson";
   if (!isCubic && options.model != "ideal-gas") {
-    throw std::runtime_error("unknown property model \"" + options.model +
-                             "\"; known are peng-robinson and ideal-gas");
+    throw std::runtime_error("unknown property model \"" + options.model + "\"; known are peng-robinson and ideal-gas");
   }
   const std::vector<std::size_t> members = FindCompounds(data, options, isCubic);
   Eigen::MatrixXd oneLessKij = InteractionMatrix(data, options, members);
   std::vector<Compound> compounds;
   for (const std::size_t index : members) compounds.push_back(data.Compounds()[index]);
-  auto fluid = std::make_shared<const FluidModel>(
-      std::move(compounds), isCubic ? std::optional(std::move(oneLessKij)) : std::nullopt);
+  auto fluid = std::make_shared<const FluidModel>(std::move(compounds),
+                                                  isCubic ? std::optional(std::move(oneLessKij)) : std::nullopt);
   return std::make_shared<const PropertyPackage>(std::move(fluid));
 }
 

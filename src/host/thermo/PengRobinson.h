@@ -15,9 +15,7 @@ inline constexpr double kCriticalW = 3.9513730355914394;
 inline constexpr double kCriticalE = kOmegaA / kOmegaB;
 
 /// Slope m in sqrt(alpha) = 1 + m (1 - sqrt(T/Tc)) (1976, eq. 18; used for all acentric factors).
-[[nodiscard]] constexpr double AlphaSlope(double omega) {
-  return 0.37464 + omega * (1.54226 - omega * 0.26992);
-}
+[[nodiscard]] constexpr double AlphaSlope(double omega) { return 0.37464 + omega * (1.54226 - omega * 0.26992); }
 
 /// Volumes at given p and e. With one real root (above the covolume) both are that root.
 struct CubicVolumes {
@@ -46,15 +44,11 @@ struct AttractionTerm {
 /// point the second follows from the first, so that of two volumes at the same T, P and composition the
 /// smaller is the liquid and the larger the vapour. Above it the dense fluid turns into "vapour" continuously
 /// along a/(vRT) = const, about 10 to 50 percent above the critical temperature.
-[[nodiscard]] constexpr bool IsLiquid(double w, double e) {
-  return w < kCriticalW && e * kCriticalW > kCriticalE * w;
-}
+[[nodiscard]] constexpr bool IsLiquid(double w, double e) { return w < kCriticalW && e * kCriticalW > kCriticalE * w; }
 
 /// Whether a fluid is a liquid beyond doubt: colder than the critical point of its one-fluid equivalent, and
 /// more than twice as dense. Vapours near critical points of mixtures are denser and colder than IsLiquid
 /// allows, but not so.
-[[nodiscard]] constexpr bool IsDefiniteLiquid(double w, double e) {
-  return w < 0.48 * kCriticalW && e > kCriticalE;
-}
+[[nodiscard]] constexpr bool IsDefiniteLiquid(double w, double e) { return w < 0.48 * kCriticalW && e > kCriticalE; }
 
 }  // namespace morvelan::host

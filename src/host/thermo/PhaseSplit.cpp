@@ -25,8 +25,7 @@ double RoundingError(const TwoPhases& phases) {
 }
 
 bool IsTrivial(const TwoPhases& phases) {
-  return phases.lnK.cwiseAbs().maxCoeff() < 1e-6 &&
-         std::abs(phases.vapor.w - phases.liquid.w) < 1e-5 * phases.liquid.w;
+  return phases.lnK.cwiseAbs().maxCoeff() < 1e-6 && std::abs(phases.vapor.w - phases.liquid.w) < 1e-5 * phases.liquid.w;
 }
 
 }  // namespace
@@ -39,12 +38,11 @@ bool PhaseSplit::Evaluate(const Mixture& mixture, double P, const Eigen::VectorX
   SplitCompositions(z, K, *fractions, phases.y, phases.x);
   mixture.Evaluate(PhaseKind::kVapor, P, phases.y, phases.vapor);
   mixture.Evaluate(PhaseKind::kLiquid, P, phases.x, phases.liquid);
-  const Eigen::VectorXd target =
-      (phases.liquid.lnPhi - phases.vapor.lnPhi).cwiseMax(-kLnLimit).cwiseMin(kLnLimit);
+  const Eigen::VectorXd target = (phases.liquid.lnPhi - phases.vapor.lnPhi).cwiseMax(-kLnLimit).cwiseMin(kLnLimit);
   phases.excess = phases.lnK - target;
   phases.error = phases.excess.cwiseAbs().maxCoeff();
-  phases.gibbs = fractions->vapor * MixingGibbs(phases.y, phases.vapor) +
-                 fractions->liquid * MixingGibbs(phases.x, phases.liquid);
+  phases.gibbs =
+      fractions->vapor * MixingGibbs(phases.y, phases.vapor) + fractions->liquid * MixingGibbs(phases.x, phases.liquid);
   return true;
 }
 
@@ -69,8 +67,8 @@ void PhaseSplit::Factorise(const Mixture& mixture, const Eigen::VectorXd& z, con
   }
 }
 
-Eigen::VectorXd PhaseSplit::SolveHessian(const Mixture& mixture, const Eigen::VectorXd& z,
-                                         const TwoPhases& phases, const Eigen::VectorXd& r) {
+Eigen::VectorXd PhaseSplit::SolveHessian(const Mixture& mixture, const Eigen::VectorXd& z, const TwoPhases& phases,
+                                         const Eigen::VectorXd& r) {
   Factorise(mixture, z, phases);
   Eigen::VectorXd v = scale.cwiseProduct(r);
   factors.solveInPlace(v);

@@ -19,14 +19,11 @@ namespace {
 
 void RequireRange(const char* what, double value, double lowest, double highest, const char* unit) {
   if (value >= lowest && value <= highest) return;
-  throw std::invalid_argument(std::string(what) + " of " + NumberText(value) + " " + unit +
-                              " is not between " + NumberText(lowest) + " and " + NumberText(highest) + " " +
-                              unit);
+  throw std::invalid_argument(std::string(what) + " of " + NumberText(value) + " " + unit + " is not between " +
+                              NumberText(lowest) + " and " + NumberText(highest) + " " + unit);
 }
 
-void RequireTemperature(double T) {
-  RequireRange("temperature", T, kLowestTemperature, kHighestTemperature, "K");
-}
+void RequireTemperature(double T) { RequireRange("temperature", T, kLowestTemperature, kHighestTemperature, "K"); }
 
 void RequirePressure(double P) { RequireRange("pressure", P, kLowestPressure, kHighestPressure, "Pa"); }
 
@@ -153,8 +150,7 @@ Equilibrium PropertyPackage::FlashVaporFraction(bool isPressure, double value, d
   return engine.Result();
 }
 
-MolarProperties PropertyPackage::Properties(PhaseKind kind, double T, double P,
-                                            std::span<const double> x) const {
+MolarProperties PropertyPackage::Properties(PhaseKind kind, double T, double P, std::span<const double> x) const {
   WholePhase phase(*fluid, kind, T, P, x);
   const BulkProperties bulk = phase.mixture.Bulk(phase.state);
   MolarProperties known;
@@ -166,8 +162,7 @@ MolarProperties PropertyPackage::Properties(PhaseKind kind, double T, double P,
 }
 
 /// Adds what follows from enthalpy, entropy and volume.
-MolarProperties PropertyPackage::Complete(MolarProperties known, double T, double P,
-                                          std::span<const double> x) const {
+MolarProperties PropertyPackage::Complete(MolarProperties known, double T, double P, std::span<const double> x) const {
   known.gibbsEnergy = known.enthalpy - T * known.entropy;
   known.density = 1.0 / known.volume;
   known.compressibility = P * known.volume / (kGasConstant * T);
@@ -179,13 +174,11 @@ MolarProperties PropertyPackage::Complete(MolarProperties known, double T, doubl
   return known;
 }
 
-std::vector<double> PropertyPackage::LnPhi(PhaseKind kind, double T, double P,
-                                           std::span<const double> x) const {
+std::vector<double> PropertyPackage::LnPhi(PhaseKind kind, double T, double P, std::span<const double> x) const {
   return ToVector(WholePhase(*fluid, kind, T, P, x).state.lnPhi);
 }
 
-PhaseDerivatives PropertyPackage::Derivatives(PhaseKind kind, double T, double P,
-                                              std::span<const double> x) const {
+PhaseDerivatives PropertyPackage::Derivatives(PhaseKind kind, double T, double P, std::span<const double> x) const {
   constexpr double R = kGasConstant;
   WholePhase phase(*fluid, kind, T, P, x);
   const BulkProperties bulk = phase.mixture.Bulk(phase.state);
@@ -252,8 +245,7 @@ double PropertyPackage::SumFormation(std::span<const double> x, double (*of)(con
   for (std::size_t i = 0; i < x.size(); ++i) {
     if (x[i] == 0.0) continue;
     const Compound& compound = CompoundAt(i);
-    if (!compound.formationGas)
-      throw std::runtime_error("no formation properties are known of " + compound.name);
+    if (!compound.formationGas) throw std::runtime_error("no formation properties are known of " + compound.name);
     sum += x[i] * of(*compound.formationGas);
   }
   return sum;

@@ -101,16 +101,13 @@ class PropertyPackage {
 
   /// Properties of a phase of composition x. Where the equation of state has one volume only at these
   /// conditions vapour and liquid are the same.
-  [[nodiscard]] MolarProperties Properties(PhaseKind kind, double T, double P,
-                                           std::span<const double> x) const;
+  [[nodiscard]] MolarProperties Properties(PhaseKind kind, double T, double P, std::span<const double> x) const;
 
   /// Natural logarithms of the fugacity coefficients, one per compound, absent ones (at infinite dilution)
   /// included.
-  [[nodiscard]] std::vector<double> LnPhi(PhaseKind kind, double T, double P,
-                                          std::span<const double> x) const;
+  [[nodiscard]] std::vector<double> LnPhi(PhaseKind kind, double T, double P, std::span<const double> x) const;
 
-  [[nodiscard]] PhaseDerivatives Derivatives(PhaseKind kind, double T, double P,
-                                             std::span<const double> x) const;
+  [[nodiscard]] PhaseDerivatives Derivatives(PhaseKind kind, double T, double P, std::span<const double> x) const;
 
   /// Properties of all phases of an equilibrium together, per mole of mixture.
   [[nodiscard]] MolarProperties Overall(const Equilibrium& equilibrium) const;
@@ -125,8 +122,7 @@ class PropertyPackage {
  private:
   [[nodiscard]] Equilibrium FlashVaporFraction(bool isPressure, double value, double vaporFraction,
                                                std::span<const double> z) const;
-  [[nodiscard]] MolarProperties Complete(MolarProperties known, double T, double P,
-                                         std::span<const double> x) const;
+  [[nodiscard]] MolarProperties Complete(MolarProperties known, double T, double P, std::span<const double> x) const;
   [[nodiscard]] bool HasFormation(std::span<const double> x) const;
   [[nodiscard]] double SumFormation(std::span<const double> x, double (*of)(const Formation&)) const;
 

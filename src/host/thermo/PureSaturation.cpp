@@ -71,8 +71,8 @@ std::optional<double> SaturationTemperature(Mixture& mixture, double P) {
       const double lnRatio = std::log(P / *saturation);
       (lnRatio > 0.0 ? lower : upper) = T;
       // Clapeyron: d ln P/dT = (Hv - Hl)/(R T^2 (Zv - Zl)), taken as linear in 1/T.
-      const double slope = (mixture.Bulk(vapor).enthalpy - mixture.Bulk(liquid).enthalpy) /
-                           (kGasConstant * T * (vapor.Z - liquid.Z));
+      const double slope =
+          (mixture.Bulk(vapor).enthalpy - mixture.Bulk(liquid).enthalpy) / (kGasConstant * T * (vapor.Z - liquid.Z));
       next = T / (1.0 - lnRatio / slope);
     } else {
       upper = T;

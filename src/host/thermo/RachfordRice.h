@@ -14,8 +14,7 @@ struct PhaseFractions {
 
 /// Solves sum_i z_i (K_i - 1)/(1 + V (K_i - 1)) = 0 for the vapour fraction V strictly between 0 and 1
 /// (Rachford and Rice, J. Pet. Technol. 4 (1952) 19). Nothing when the mixture is not two-phase at these K.
-[[nodiscard]] std::optional<PhaseFractions> SolveRachfordRice(const Eigen::VectorXd& z,
-                                                              const Eigen::VectorXd& K);
+[[nodiscard]] std::optional<PhaseFractions> SolveRachfordRice(const Eigen::VectorXd& z, const Eigen::VectorXd& K);
 
 /// Compositions of both phases, of sum one.
 void SplitCompositions(const Eigen::VectorXd& z, const Eigen::VectorXd& K, const PhaseFractions& fractions,

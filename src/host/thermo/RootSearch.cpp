@@ -25,8 +25,8 @@ RootResult Enclose(const SlopedFunction& function, const Bracket& bracket, doubl
     return 0.0;
   };
   std::uintmax_t maxSteps = 200;
-  const auto [a, b] = boost::math::tools::toms748_solve(
-      value, bracket.lower, bracket.upper, bracket.lowerValue, bracket.upperValue, IsNarrow, maxSteps);
+  const auto [a, b] = boost::math::tools::toms748_solve(value, bracket.lower, bracket.upper, bracket.lowerValue,
+                                                        bracket.upperValue, IsNarrow, maxSteps);
   if (isFound) return {RootOutcome::kFound, root, root};
   return {RootOutcome::kJump, a, b};
 }
@@ -43,8 +43,7 @@ void Shrink(Bracket& bracket, double x, double value) {
 
 }  // namespace
 
-RootResult RefineRootOfRising(const SlopedFunction& function, Bracket bracket, double guess,
-                              double tolerance) {
+RootResult RefineRootOfRising(const SlopedFunction& function, Bracket bracket, double guess, double tolerance) {
   constexpr int kNewtonSteps = 12;
   double x = guess;
   for (int step = 0; step < kNewtonSteps; ++step) {

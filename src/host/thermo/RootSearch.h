@@ -27,8 +27,8 @@ struct RootResult {
 
 /// Finds x in [lowest, highest] where a function that never falls is zero within `tolerance`, from a guess;
 /// x above zero. The function may have kinks and jumps.
-[[nodiscard]] RootResult FindRootOfRising(const SlopedFunction& function, double guess, double lowest,
-                                          double highest, double tolerance);
+[[nodiscard]] RootResult FindRootOfRising(const SlopedFunction& function, double guess, double lowest, double highest,
+                                          double tolerance);
 
 /// Two places between which a root lies.
 struct Bracket {

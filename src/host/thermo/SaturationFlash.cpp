@@ -132,8 +132,7 @@ bool SaturationFlash::Newton(Eigen::Index specified, double value) {
     if (!step.allFinite()) return false;
     double length = 1.0;
     for (Eigen::Index k = 0; k < n + 2; ++k) {
-      length =
-          std::min(length, kStepLimit[std::max<Eigen::Index>(0, k - n + 1)] / (std::abs(step[k]) + 1e-300));
+      length = std::min(length, kStepLimit[std::max<Eigen::Index>(0, k - n + 1)] / (std::abs(step[k]) + 1e-300));
     }
     lastStep = length * step.cwiseAbs().maxCoeff();
     X += length * step;
@@ -216,8 +215,7 @@ bool SaturationFlash::IsRegular() {
 }
 
 bool SaturationFlash::IsTrivial() const {
-  return X.head(n).cwiseAbs().maxCoeff() < 1e-5 &&
-         std::abs(phases.vapor.w - phases.liquid.w) < 1e-4 * phases.liquid.w;
+  return X.head(n).cwiseAbs().maxCoeff() < 1e-5 && std::abs(phases.vapor.w - phases.liquid.w) < 1e-4 * phases.liquid.w;
 }
 
 /// Whether the converged state is a vapour over a liquid.

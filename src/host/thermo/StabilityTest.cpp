@@ -16,8 +16,7 @@ constexpr double kLnLimit = 600.0;  // keeps exp() finite
 
 }  // namespace
 
-void StabilityTest::Evaluate(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind,
-                             TrialPhase& trial) {
+void StabilityTest::Evaluate(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial) {
   trial.lnW = trial.lnW.cwiseMax(-kLnLimit).cwiseMin(kLnLimit);
   W = trial.lnW.array().exp();
   sum = W.sum();
@@ -49,8 +48,8 @@ void StabilityTest::NewtonDirection(const Mixture& mixture) {
   if (largest > 3.0) direction *= 3.0 / largest;
 }
 
-bool StabilityTest::Descend(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind,
-                            TrialPhase& trial, bool useNewton) {
+bool StabilityTest::Descend(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial,
+                            bool useNewton) {
   const double oldDistance = trial.distance;
   const double oldError = error;
   before = trial.lnW;
@@ -76,15 +75,14 @@ bool StabilityTest::FindUnstable(const Mixture& mixture, double P, const Feed& f
   for (int step = 0; step < kMaxSteps; ++step) {
     if (error < kConverged) break;
     if (trial.distance < kClearlyUnstable && error < 0.05) break;
-    const bool isTrivial = (trial.lnW - feed.lnZ).cwiseAbs().maxCoeff() < 1e-6 &&
-                           std::abs(state.w - feed.state.w) < 1e-5 * feed.state.w;
+    const bool isTrivial =
+        (trial.lnW - feed.lnZ).cwiseAbs().maxCoeff() < 1e-6 && std::abs(state.w - feed.state.w) < 1e-5 * feed.state.w;
     if (isTrivial) return false;
     if (step < kSubstitutions) {
       (void)Descend(mixture, P, feed, kind, trial, false);
       continue;
     }
-    if (!Descend(mixture, P, feed, kind, trial, true) && !Descend(mixture, P, feed, kind, trial, false))
-      break;
+    if (!Descend(mixture, P, feed, kind, trial, true) && !Descend(mixture, P, feed, kind, trial, false)) break;
   }
   return trial.distance < kUnstable;
 }

@@ -35,8 +35,7 @@ class StabilityTest {
  private:
   void Evaluate(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial);
   void NewtonDirection(const Mixture& mixture);
-  bool Descend(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial,
-               bool useNewton);
+  bool Descend(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial, bool useNewton);
 
   PhaseState state;
   Eigen::VectorXd W, x, excess, rootW, direction, before;

@@ -40,8 +40,7 @@ std::string Power(const char* symbol, double exponent) {
 
 std::string UnitSymbol(const Exponents& exponents) {
   for (const Derived& derived : kDerived)
-    if (std::equal(derived.exponents.begin(), derived.exponents.end(), exponents.begin()))
-      return derived.symbol;
+    if (std::equal(derived.exponents.begin(), derived.exponents.end(), exponents.begin())) return derived.symbol;
   std::string above, below;
   int factorsBelow = 0;
   for (std::size_t i = 0; i < kBaseUnits; ++i) {

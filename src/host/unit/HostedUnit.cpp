@@ -62,8 +62,8 @@ UnitPort ReadPort(const com::Ref<IDispatch>& item) {
   Check(port.object->get_portType(&port.type), port.object.Get());
   if (const auto collection = item.As<ICapeCollection>())
     for (const auto& description : ItemsOf(collection))
-      port.items.push_back({Identify(description).name,
-                            DimensionsOf(Require<ICapeParameterSpec>(description, "ICapeParameterSpec"))});
+      port.items.push_back(
+          {Identify(description).name, DimensionsOf(Require<ICapeParameterSpec>(description, "ICapeParameterSpec"))});
   return port;
 }
 
@@ -92,12 +92,9 @@ std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
     const auto found = std::ranges::find_if(classes, bears);
     return found == classes.end() ? std::nullopt : std::optional(*found);
   };
-  const auto isNamed = [&](const com::PublishedClass& candidate) {
-    return com::EqualNoCase(candidate.name, name);
-  };
+  const auto isNamed = [&](const com::PublishedClass& candidate) { return com::EqualNoCase(candidate.name, name); };
   if (auto found = find([&](const com::PublishedClass& candidate) {
-        return com::EqualNoCase(candidate.progId, name) ||
-               com::EqualNoCase(com::ToText(candidate.clsid), name);
+        return com::EqualNoCase(candidate.progId, name) || com::EqualNoCase(com::ToText(candidate.clsid), name);
       }))
     return found;
   // Other libraries have their mixers and valves too.
@@ -117,8 +114,7 @@ HostedUnit::HostedUnit(const com::PublishedClass& unitClass) : HostedUnit(unitCl
   Check(utilities->Initialize(), utilities.Get());
 }
 
-HostedUnit::HostedUnit(const com::PublishedClass& unitClass, IStream& saved)
-    : HostedUnit(unitClass, Uninitialized()) {
+HostedUnit::HostedUnit(const com::PublishedClass& unitClass, IStream& saved) : HostedUnit(unitClass, Uninitialized()) {
   const auto persistence = Require<IPersistStream>(object, "IPersistStream");
   Check(persistence->Load(&saved), persistence.Get());
   Check(utilities->Initialize(), utilities.Get());
@@ -148,9 +144,7 @@ com::Ref<IStream> HostedUnit::Save() const {
   return stream;
 }
 
-void HostedUnit::SetContext(IDispatch* context) {
-  Check(utilities->put_simulationContext(context), utilities.Get());
-}
+void HostedUnit::SetContext(IDispatch* context) { Check(utilities->put_simulationContext(context), utilities.Get()); }
 
 void HostedUnit::SetReactions(IDispatch* reactions) {
   const auto taker = object.As<ICapeKineticReactionContext>();

@@ -43,8 +43,8 @@ struct UnitReport {
 
 /// The class that a name, a ProgID or a class identifier means, in any ASCII case; of several of one name,
 /// ours.
-[[nodiscard]] std::optional<com::PublishedClass> FindUnitClass(
-    const std::string& name, const std::vector<com::PublishedClass>& classes);
+[[nodiscard]] std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
+                                                               const std::vector<com::PublishedClass>& classes);
 
 /// A unit as the host uses it, through its interfaces alone. Failures of the unit are UnitFailure.
 class HostedUnit {

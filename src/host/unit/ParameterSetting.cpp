@@ -56,8 +56,7 @@ template <class Specification, class Number>
 std::string Bounds(const UnitParameter& parameter) {
   const auto specification = SpecificationOf<Specification>(parameter);
   Number lower{}, upper{};
-  if (!specification || FAILED(specification->get_LowerBound(&lower)) ||
-      FAILED(specification->get_UpperBound(&upper)))
+  if (!specification || FAILED(specification->get_LowerBound(&lower)) || FAILED(specification->get_UpperBound(&upper)))
     return {};
   const auto low = static_cast<double>(lower);
   const auto high = static_cast<double>(upper);
@@ -83,14 +82,12 @@ std::string Options(const UnitParameter& parameter) {
 void PutParameter(const UnitParameter& parameter, const JsonNode& value) {
   CapeParamMode mode = CAPE_INPUT;  // what it is now: options decide what the other parameters are
   Check(parameter.object->get_Mode(&mode), parameter.object.Get());
-  if (mode == CAPE_OUTPUT)
-    value.Fail("parameter \"" + parameter.name + "\" is a result of the unit and can't be set");
+  if (mode == CAPE_OUTPUT) value.Fail("parameter \"" + parameter.name + "\" is a result of the unit and can't be set");
   const com::Variant variant = ToVariant(parameter.kind, value);
   const HRESULT outcome = parameter.object->put_value(variant.Get());
   if (SUCCEEDED(outcome)) return;
   const std::string allowed = AllowedValues(parameter);
-  value.Fail("the value " + Shown(value.Value()) +
-             " is refused: " + FaultOf(parameter.object.Get(), outcome).Text() +
+  value.Fail("the value " + Shown(value.Value()) + " is refused: " + FaultOf(parameter.object.Get(), outcome).Text() +
              (allowed.empty() ? "" : "; allowed are values " + allowed));
 }
 

@@ -20,8 +20,7 @@ struct UnitFault {
 
 class UnitFailure : public std::runtime_error {
  public:
-  explicit UnitFailure(UnitFault reported)
-      : std::runtime_error(reported.Text()), fault(std::move(reported)) {}
+  explicit UnitFailure(UnitFault reported) : std::runtime_error(reported.Text()), fault(std::move(reported)) {}
 
   UnitFault fault;
 };

@@ -59,8 +59,7 @@ std::optional<std::uint32_t> OperandCount(NodeKind kind) {
 
 std::string_view DisplayName(NodeKind kind) {
   static constexpr std::array<std::string_view, kFirst> kNames = {
-      "real constant", "addition", "subtraction", "multiplication",
-      "division",      "negation", "power",       "expression list"};
+      "real constant", "addition", "subtraction", "multiplication", "division", "negation", "power", "expression list"};
   if (IsFunction(kind)) return FunctionOf(kind).name;
   const auto place = static_cast<std::int32_t>(kind);
   return place >= 0 && place < kFirst ? kNames[static_cast<std::size_t>(place)] : std::string_view();

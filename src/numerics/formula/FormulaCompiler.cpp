@@ -57,16 +57,15 @@ void FormulaCompiler::Emit(FormulaOperation operation, const Operand& operand) {
 }
 
 void FormulaCompiler::CompileOperation(NodeKind kind) {
-  static constexpr ArithmeticSteps kAddition = {Op::kAddConstant, Op::kAddVariable, Op::kAddConstant,
-                                                Op::kAddVariable, Op::kAddStack};
+  static constexpr ArithmeticSteps kAddition = {Op::kAddConstant, Op::kAddVariable, Op::kAddConstant, Op::kAddVariable,
+                                                Op::kAddStack};
   static constexpr ArithmeticSteps kSubtraction = {Op::kSubtractConstant, Op::kSubtractVariable,
                                                    Op::kSubtractFromConstant, Op::kSubtractFromVariable,
                                                    Op::kSubtractFromStack};
   static constexpr ArithmeticSteps kMultiplication = {Op::kMultiplyConstant, Op::kMultiplyVariable,
-                                                      Op::kMultiplyConstant, Op::kMultiplyVariable,
-                                                      Op::kMultiplyStack};
-  static constexpr ArithmeticSteps kDivision = {Op::kDivideByConstant, Op::kDivideByVariable,
-                                                Op::kDivideConstant, Op::kDivideVariable, Op::kDivideStack};
+                                                      Op::kMultiplyConstant, Op::kMultiplyVariable, Op::kMultiplyStack};
+  static constexpr ArithmeticSteps kDivision = {Op::kDivideByConstant, Op::kDivideByVariable, Op::kDivideConstant,
+                                                Op::kDivideVariable, Op::kDivideStack};
   switch (kind) {
     case NodeKind::kAddition:
       CompileArithmetic(kAddition);
@@ -115,8 +114,8 @@ void FormulaCompiler::CompileArithmetic(const ArithmeticSteps& choice) {
 
 void FormulaCompiler::CompilePower() {
   const double exponent = operands.back().constant;  // zero unless it is a constant
-  const bool isProduct = exponent >= kSmallestProductPower && exponent <= kLargestProductPower &&
-                         exponent == std::floor(exponent);
+  const bool isProduct =
+      exponent >= kSmallestProductPower && exponent <= kLargestProductPower && exponent == std::floor(exponent);
   if (exponent != 2 && !isProduct) {
     CompileCall(Power);
     return;

@@ -38,8 +38,7 @@ class FormulaCompiler {
 
   FormulaProgram& program;
   std::vector<Operand> operands;
-  std::size_t computed =
-      0;  // among the operands; the last one is the running value, the others are on the stack
+  std::size_t computed = 0;  // among the operands; the last one is the running value, the others are on the stack
 };
 
 }  // namespace morvelan::numerics

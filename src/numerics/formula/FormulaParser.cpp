@@ -12,10 +12,10 @@ std::string DescribeNumber(const Token& token) {
   constexpr double kLargestInteger = 9.2e18;  // what fits 64 bits
   std::array<char, 40> digits{};
   const bool isInteger = token.isInteger && token.number < kLargestInteger;
-  const auto end = isInteger ? std::to_chars(digits.data(), digits.data() + digits.size(),
-                                             static_cast<std::int64_t>(token.number))
-                             : std::to_chars(digits.data(), digits.data() + digits.size(), token.number,
-                                             std::chars_format::general, 15);
+  const auto end =
+      isInteger
+          ? std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::int64_t>(token.number))
+          : std::to_chars(digits.data(), digits.data() + digits.size(), token.number, std::chars_format::general, 15);
   return (isInteger ? "integer " : "real value ") + std::string(digits.data(), end.ptr) + " in constant";
 }
 
@@ -62,8 +62,7 @@ bool FormulaParser::Add(const ExpressionNode& node) noexcept {
 std::string FormulaParser::Refusal() const {
   if (refused && last.kind == TokenKind::kEnd) return std::string(dialect.syntaxError) + ": end of input";
   if (refused) return std::string(dialect.syntaxError) + ": unexpected " + Describe(last) + Place();
-  return (last.isUnknownName ? std::string(dialect.syntaxError) + ": " : "") + last.error + Place() +
-         last.remark;
+  return (last.isUnknownName ? std::string(dialect.syntaxError) + ": " : "") + last.error + Place() + last.remark;
 }
 
 /// In bytes, from one: characters of more than one can stand before it only in names of variables.

@@ -31,20 +31,15 @@ struct ParsedFormula {
 /// The state of one parse, for the grammar's actions.
 class FormulaParser {
  public:
-  FormulaParser(std::string_view formula, std::span<const std::string> variables,
-                const FormulaDialect& words);
+  FormulaParser(std::string_view formula, std::span<const std::string> variables, const FormulaDialect& words);
 
   [[nodiscard]] ParsedFormula Parse();
 
   // Each is false when there is no memory left: no exception may pass through the generated parser.
   [[nodiscard]] bool AddConstant(double value) { return Add(ConstantNode(value)); }
   [[nodiscard]] bool AddVariable(std::int32_t index) { return Add(VariableNode(index)); }
-  [[nodiscard]] bool AddCall(std::int32_t function, std::uint32_t count) {
-    return Add(CallNode(function, count));
-  }
-  [[nodiscard]] bool AddOperation(NodeKind kind, std::uint32_t count) {
-    return Add(OperationNode(kind, count));
-  }
+  [[nodiscard]] bool AddCall(std::int32_t function, std::uint32_t count) { return Add(CallNode(function, count)); }
+  [[nodiscard]] bool AddOperation(NodeKind kind, std::uint32_t count) { return Add(OperationNode(kind, count)); }
 
   /// The next token, which stays the last one until the next call. An error is a refusal already.
   [[nodiscard]] const Token& NextToken() noexcept;

@@ -20,9 +20,7 @@ bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) 
 
 std::string Quoted(std::string_view typed) { return "'" + std::string(typed) + "'"; }
 
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, UpperCase, UpperCase);
-}
+bool EqualNoCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, {}, UpperCase, UpperCase); }
 
 /// What a name is when it is no variable.
 Token ResolveName(Token token, std::string_view name) {
@@ -56,8 +54,7 @@ Token Lexer::Next() {
   if (IsDigit(c) || c == '.') return ReadNumberToken(std::move(token));
   if (StartsName(c)) return ReadIdentifier(std::move(token));
   if (c == '"') return ReadQuotedName(std::move(token));
-  if (std::string_view("()*+,-/^").find(c) == std::string_view::npos)
-    return InvalidCharacter(std::move(token));
+  if (std::string_view("()*+,-/^").find(c) == std::string_view::npos) return InvalidCharacter(std::move(token));
   token.kind = TokenKind::kCharacter;
   token.text = text.substr(position++, 1);
   return token;
@@ -105,8 +102,7 @@ Token Lexer::ReadNumberToken(Token token) {
 
 Token Lexer::ReadIdentifier(Token token) {
   const auto rest = text.substr(position);
-  token.text =
-      rest.substr(0, static_cast<std::size_t>(std::ranges::find_if_not(rest, ContinuesName) - rest.begin()));
+  token.text = rest.substr(0, static_cast<std::size_t>(std::ranges::find_if_not(rest, ContinuesName) - rest.begin()));
   position += token.text.size();
   SkipCarriageReturn();
   const std::string_view name = token.text;
@@ -125,8 +121,7 @@ Token Lexer::ReadQuotedName(Token token) {
   token.text = text.substr(position, end + 1 - position);
   position = end + 1;
   const std::string_view name = token.text.substr(1, token.text.size() - 2);
-  const auto variable =
-      std::ranges::find_if(variables, [&](const std::string& v) { return EqualNoCase(v, name); });
+  const auto variable = std::ranges::find_if(variables, [&](const std::string& v) { return EqualNoCase(v, name); });
   if (variable == variables.end()) return ResolveName(std::move(token), name);
   token.kind = TokenKind::kVariable;
   token.index = static_cast<std::int32_t>(variable - variables.begin());

@@ -26,8 +26,7 @@ class FileLock : public NamedMutex {
   [[nodiscard]] bool Open(const char* file) {
     descriptor = open(file, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     struct stat status {};
-    return descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-           status.st_uid == geteuid();
+    return descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
   }
 
   bool Wait() override {

@@ -22,9 +22,7 @@ class NumberReader {
  private:
   [[nodiscard]] bool AtEnd() const { return literal.end >= text.size(); }
   [[nodiscard]] bool At(char c) const { return !AtEnd() && text[literal.end] == c; }
-  [[nodiscard]] bool AtDigit() const {
-    return !AtEnd() && text[literal.end] >= '0' && text[literal.end] <= '9';
-  }
+  [[nodiscard]] bool AtDigit() const { return !AtEnd() && text[literal.end] >= '0' && text[literal.end] <= '9'; }
   double Digit() { return text[literal.end++] - '0'; }
 
   void ReadFraction() {
@@ -56,8 +54,6 @@ class NumberReader {
 
 }  // namespace
 
-NumberLiteral ReadNumber(std::string_view text, std::size_t start) {
-  return NumberReader(text, start).Read();
-}
+NumberLiteral ReadNumber(std::string_view text, std::size_t start) { return NumberReader(text, start).Read(); }
 
 }  // namespace morvelan::numerics

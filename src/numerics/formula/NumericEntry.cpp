@@ -39,8 +39,7 @@ Evaluation EvaluateNumericEntry(std::string_view text) {
 }
 
 Evaluation EvaluateNumericEntry(std::string_view text, std::unique_ptr<NamedMutex> mutex) {
-  if (!mutex)
-    return FailedEvaluation("Failed to create a mutex for locking the parser for the current thread");
+  if (!mutex) return FailedEvaluation("Failed to create a mutex for locking the parser for the current thread");
   if (!mutex->Wait())
     return FailedEvaluation("Failed to wait for a mutex for locking the parser for the current thread");
   const Obtained obtained(*mutex);

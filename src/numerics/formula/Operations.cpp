@@ -12,8 +12,7 @@ namespace {
 /// An infinity of finite operands is exact at a pole, and the outcome of an overflow elsewhere. Poles that
 /// are no division's are all at zero.
 FaultCode InfinityOf(NodeKind kind, const double* operands) {
-  if (kind == NodeKind::kDivision)
-    return operands[1] == 0 ? FaultCode::kDivisionByZero : FaultCode::kOverflow;
+  if (kind == NodeKind::kDivision) return operands[1] == 0 ? FaultCode::kDivisionByZero : FaultCode::kOverflow;
   return operands[0] == 0 ? FaultCode::kSingularity : FaultCode::kOverflow;
 }
 
@@ -43,8 +42,7 @@ FaultCode FaultOf(NodeKind kind, const double* operands, double result) {
   if (std::isfinite(result)) return FaultCode::kNone;
   const double* end = operands + OperandCount(kind).value_or(0);
   if (std::isnan(result))
-    return std::any_of(operands, end, [](double x) { return std::isnan(x); }) ? FaultCode::kNone
-                                                                              : FaultCode::kInvalid;
+    return std::any_of(operands, end, [](double x) { return std::isnan(x); }) ? FaultCode::kNone : FaultCode::kInvalid;
   return std::all_of(operands, end, [](double x) { return std::isfinite(x); }) ? InfinityOf(kind, operands)
                                                                                : FaultCode::kNone;
 }

@@ -37,8 +37,7 @@ double ProductPower(double base, int exponent) {
 
 double Power(double base, double exponent) {
   if (exponent == 2) return Square(base);
-  if (exponent >= kSmallestProductPower && exponent <= kLargestProductPower &&
-      exponent == std::floor(exponent))
+  if (exponent >= kSmallestProductPower && exponent <= kLargestProductPower && exponent == std::floor(exponent))
     return ProductPower(base, static_cast<int>(exponent));
   return std::pow(base, exponent);
 }

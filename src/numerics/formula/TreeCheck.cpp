@@ -51,8 +51,7 @@ std::string AddFolded(std::vector<ExpressionNode>& nodes, const ExpressionNode& 
     return {};
   }
   std::array<double, 2> operands{};
-  std::transform(children, nodes.end(), operands.begin(),
-                 [](const ExpressionNode& child) { return child.value; });
+  std::transform(children, nodes.end(), operands.begin(), [](const ExpressionNode& child) { return child.value; });
   if (node.kind == NodeKind::kDivision && operands[1] == 0) return "division by zero";
   nodes.erase(children, nodes.end());
   nodes.push_back(ConstantNode(Compute(node.kind, operands.data())));

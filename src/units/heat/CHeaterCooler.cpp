@@ -95,9 +95,8 @@ bool CHeaterCooler::ValidateUnit(std::string& message) {
 void CHeaterCooler::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
   const auto type = Parameter(kType).OptionIndex();
   if (!type)
-    throw CalculationFailure(
-        "Invalid type",
-        "Invalid value for specification type: unable to determine outlet specification type");
+    throw CalculationFailure("Invalid type",
+                             "Invalid value for specification type: unable to determine outlet specification type");
   StartReport();
   HeatSource source{heatDuty};
   if (type == kByEnergyInlet)
@@ -137,8 +136,7 @@ void CHeaterCooler::ReportRemainingParameters(std::size_t type) {
 Json CHeaterCooler::Configuration() const { return {{kHeatPortKey, HeatIsOutlet() ? "outlet" : "inlet"}}; }
 
 void CHeaterCooler::Configure(const Json& configuration) {
-  const bool asOutlet =
-      ReadConfiguredChoice(configuration, kHeatPortKey, {"inlet", "outlet"}, HeatIsOutlet()) == 1;
+  const bool asOutlet = ReadConfiguredChoice(configuration, kHeatPortKey, {"inlet", "outlet"}, HeatIsOutlet()) == 1;
   PlanHeatPort(asOutlet)();
   Parameter(kType).SetFlagWord(asOutlet ? kHeatOutletFlag : kHeatInletFlag);
 }
@@ -162,9 +160,7 @@ std::function<void()> CHeaterCooler::PlanHeatPort(bool asOutlet) {
 
 // ---- The energy stream
 
-CUnitInfoPort& CHeaterCooler::HeatPort() {
-  return dynamic_cast<CUnitInfoPort&>(HeatIsOutlet() ? Outlet(1) : Inlet(1));
-}
+CUnitInfoPort& CHeaterCooler::HeatPort() { return dynamic_cast<CUnitInfoPort&>(HeatIsOutlet() ? Outlet(1) : Inlet(1)); }
 
 // ---- Heating by a duty
 
@@ -191,8 +187,8 @@ CHeaterCooler::Limit CHeaterCooler::LimitDuty(HeatSource& source, double inletEn
   const bool heats = source.duty > 0;
   if (!source.lowTemperature || (heats && !source.highTemperature)) return {};
   const double inletTemperature = Inlet(0).State().temperature;
-  Outlet(0).State().temperature = heats ? std::max(inletTemperature, *source.highTemperature)
-                                        : std::min(inletTemperature, *source.lowTemperature);
+  Outlet(0).State().temperature =
+      heats ? std::max(inletTemperature, *source.highTemperature) : std::min(inletTemperature, *source.lowTemperature);
   Flash(Outlet(0), names::kTP);
   const double limit = FlashedEnthalpyFlow(Outlet(0)) - inletEnthalpyFlow;
   // The sign of what is zero but for the flashes' tolerance must not decide.
@@ -214,16 +210,12 @@ void CHeaterCooler::WarnOfInfeasibility(const HeatSource& source, bool infeasibl
   const double temperature = outlets[0]->State().temperature;
   if (source.duty > 0) {
     if (*source.lowTemperature < inletTemperature - kTemperatureTolerance)
-      WarnAs(
-          kKind,
-          " warning: inlet temperature is higher than lower energy stream temperature; this is infeasible");
+      WarnAs(kKind, " warning: inlet temperature is higher than lower energy stream temperature; this is infeasible");
     if (infeasible && temperature - kTemperatureTolerance > *source.highTemperature)
-      WarnAs(kKind,
-             " warning: outlet temperature is higher than energy stream temperature; this is infeasible");
+      WarnAs(kKind, " warning: outlet temperature is higher than energy stream temperature; this is infeasible");
   } else if (source.duty < 0 && source.highTemperature &&
              *source.highTemperature > inletTemperature + kTemperatureTolerance) {
-    WarnAs(kKind,
-           " warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
+    WarnAs(kKind, " warning: inlet temperature is lower than upper energy stream temperature; this is infeasible");
   }
 }
 

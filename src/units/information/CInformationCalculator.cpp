@@ -87,8 +87,7 @@ CInformationCalculator::PlannedPorts CInformationCalculator::PlanPorts(
         planned.renamings.push_back({ports[place], variable.name, variable.name});
     } else {
       const InformationItem item = {variable.name.c_str(), "Value", variable.dimensionality};
-      planned.ports.push_back(
-          MakePort({variable.name.c_str(), description, direction, CAPE_INFORMATION, {&item, 1}}));
+      planned.ports.push_back(MakePort({variable.name.c_str(), description, direction, CAPE_INFORMATION, {&item, 1}}));
     }
   }
   return planned;
@@ -103,8 +102,7 @@ std::function<void()> CInformationCalculator::Plan(CalculatorSetup planned) {
     std::swap(setup, planned);
     for (auto* renamings : {&newInlets.renamings, &newOutlets.renamings})
       for (Renaming& renaming : *renamings)
-        dynamic_cast<CUnitInfoPort&>(*renaming.port)
-            .Rename(std::move(renaming.portName), std::move(renaming.itemName));
+        dynamic_cast<CUnitInfoPort&>(*renaming.port).Rename(std::move(renaming.portName), std::move(renaming.itemName));
     ReplacePorts(std::move(newInlets.ports), std::move(newOutlets.ports));
   };
 }
@@ -115,8 +113,7 @@ bool CInformationCalculator::ValidateUnit(std::string& message) {
   checkedFormula.reset();
   if (const CalculatorVariable* duplicate = FindDuplicate(setup))
     message = "Multiple input variables exist with name \"" + duplicate->name + '"';
-  else if (const auto open =
-               std::ranges::find_if(inlets, [](const auto& inlet) { return !inlet->IsConnected(); });
+  else if (const auto open = std::ranges::find_if(inlets, [](const auto& inlet) { return !inlet->IsConnected(); });
            open != inlets.end())
     message = "Inlet port \"" + (*open)->ComponentName() + "\" is not connected";
   else if (setup.formula.empty())
@@ -182,8 +179,7 @@ HRESULT CInformationCalculator::SaveUnit(UnitWriter& writer) try {
   throw Failure(UnitError{"Write error", "failed to save: write error", "Save", kPersistence});
 }
 
-std::function<void()> CInformationCalculator::LoadUnit(UnitReader& reader, int,
-                                                       const std::vector<ParameterRecord>&) {
+std::function<void()> CInformationCalculator::LoadUnit(UnitReader& reader, int, const std::vector<ParameterRecord>&) {
   std::optional<CalculatorSetup> loaded;
   try {
     loaded = ReadSetup(reader);

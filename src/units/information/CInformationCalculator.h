@@ -45,8 +45,7 @@ class CInformationCalculator final : public Configurable<BaseUnit> {
   };
   /// The ports of variables: those of the former variables that they continue, and new ones.
   [[nodiscard]] PlannedPorts PlanPorts(const PortList& ports, const std::vector<CalculatorVariable>& former,
-                                       CapePortDirection direction,
-                                       const std::vector<CalculatorVariable>& variables);
+                                       CapePortDirection direction, const std::vector<CalculatorVariable>& variables);
   [[nodiscard]] CUnitInfoPort& InletPort(std::size_t i) { return dynamic_cast<CUnitInfoPort&>(Inlet(i)); }
   [[nodiscard]] double ReadInlet(std::size_t i);
   void Report(const std::vector<double>& values, double result);

@@ -70,8 +70,8 @@ void CValve::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
   StartReport();
   ReportParameter(Parameter(specified));
   if (inlets.size() != 1 || outlets.size() != 1)
-    throw Failure(UnitError{"internal error", "internal error: valve should have 1 inlet and 1 outlet",
-                            "Calculate", "ICapeUnit"});
+    throw Failure(UnitError{"internal error", "internal error: valve should have 1 inlet and 1 outlet", "Calculate",
+                            "ICapeUnit"});
   const material::StreamState& inlet = Inlet(0).State();
   material::StreamState& outlet = Outlet(0).State();
   outlet.composition = inlet.composition;
@@ -88,8 +88,7 @@ void CValve::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
 
 double CValve::OutletPressure(double inletPressure) {
   if (Parameter(kSpecification).OptionIndex() == kByPressure) {
-    if (outletPressure > inletPressure)
-      Warn("WARNING: Valve " + ComponentName() + "; pressure drop is negative");
+    if (outletPressure > inletPressure) Warn("WARNING: Valve " + ComponentName() + "; pressure drop is negative");
     Parameter(kPressureDifference).SetResult(inletPressure - outletPressure);
     return outletPressure;
   }

@@ -28,8 +28,8 @@ const std::vector<std::string>& EnthalpyTypes() {
   return types;
 }
 
-constexpr PortDeclaration kEnergyInlet = {"HeatDutySpecification", "Heat duty specification", CAPE_INLET,
-                                          CAPE_ENERGY, kEnergyItems};
+constexpr PortDeclaration kEnergyInlet = {"HeatDutySpecification", "Heat duty specification", CAPE_INLET, CAPE_ENERGY,
+                                          kEnergyItems};
 
 /// The options that streams keep under keys of their own as well.
 struct KeptOption {
@@ -136,12 +136,10 @@ void BaseReactor::ListReactions(IDispatch* object) try {
   HRESULT failure = S_OK;
   const auto chemistry = com::Query<ICapeReactionChemistry>(object, &failure);
   if (!chemistry)
-    throw Failure("Failed to get ICapeReactionChemistry interface from reaction object: " +
-                  ErrorText(object, failure));
+    throw Failure("Failed to get ICapeReactionChemistry interface from reaction object: " + ErrorText(object, failure));
   com::Variant ids;
-  CheckHost(chemistry->GetReactionsIds(ids.Put()), chemistry.Get(), [](const std::string& why) {
-    return Failure("Failed to get reaction IDs from reaction object: " + why);
-  });
+  CheckHost(chemistry->GetReactionsIds(ids.Put()), chemistry.Get(),
+            [](const std::string& why) { return Failure("Failed to get reaction IDs from reaction object: " + why); });
   std::vector<std::string> listed =
       material::ReadOr([&] { return com::ReadStrings(ids.Get()); },
                        [](const std::string& why) {
@@ -161,16 +159,14 @@ void BaseReactor::Resolve(std::span<const ReactionRequest> requests, const std::
   std::vector<ReactionRecord> resolved;
   for (const ReactionRequest& request : requests) {
     const auto refuse = [&](const std::string& fault) {
-      throw Failure("Error for reaction " + quote + request.name + quote + ": " + fault, "Calculate",
-                    "ICapeUnit");
+      throw Failure("Error for reaction " + quote + request.name + quote + ": " + fault, "Calculate", "ICapeUnit");
     };
     try {
       resolved.push_back(Recorded("Validate", "ICapeUnit", [&] { return resolver.Resolve(request); }));
     } catch (const Failure& failure) {
       refuse(failure.error.description);
     }
-    if (const std::string fault = findFault(resolved.size() - 1, resolved.back()); !fault.empty())
-      refuse(fault);
+    if (const std::string fault = findFault(resolved.size() - 1, resolved.back()); !fault.empty()) refuse(fault);
   }
   compounds = resolver.InletCompounds();
   records = std::move(resolved);
@@ -219,8 +215,7 @@ HRESULT BaseReactor::SaveUnit(UnitWriter& writer) {
   return S_OK;
 }
 
-std::function<void()> BaseReactor::LoadUnit(UnitReader& reader, int,
-                                            const std::vector<ParameterRecord>& records) {
+std::function<void()> BaseReactor::LoadUnit(UnitReader& reader, int, const std::vector<ParameterRecord>& records) {
   Json known = Configuration();
   for (const KeptOption& option : kKeptOptions) known[option.key] = "";
   Json values;
@@ -239,9 +234,7 @@ std::function<void()> BaseReactor::LoadUnit(UnitReader& reader, int,
   } catch (const Failure& failure) {
     throw Failure(failure.error.description, "Load", "IPersistStream");
   }
-  const auto isInlet = [](const std::string& type) {
-    return com::EqualNoCase(type, HeatDutyTypes()[kByEnergyInlet]);
-  };
+  const auto isInlet = [](const std::string& type) { return com::EqualNoCase(type, HeatDutyTypes()[kByEnergyInlet]); };
   bool asInlet = EnergyIsInlet();
   if (records.size() > kHeatDutyType) asInlet = isInlet(std::get<std::string>(records[kHeatDutyType].value));
   for (const auto& [position, choice] : options)

@@ -30,9 +30,9 @@ enum HeatDutyType : std::size_t { kIsothermal, kByHeatDuty, kByEnergyInlet };
 enum EnthalpyType : std::size_t { kUseEnthalpyF, kUseEnthalpy, kUseEnthalpyAndReaction };
 
 /// Declarations of the first parameters, whose descriptions differ from reactor to reactor.
-[[nodiscard]] std::vector<ParameterDeclaration> ReactorParameters(
-    const char* pressureDropText, const char* temperatureText,
-    std::vector<ParameterDeclaration> ownParameters = {});
+[[nodiscard]] std::vector<ParameterDeclaration> ReactorParameters(const char* pressureDropText,
+                                                                  const char* temperatureText,
+                                                                  std::vector<ParameterDeclaration> ownParameters = {});
 /// The ports of every reactor. The energy port becomes an inlet when the heat comes from there.
 extern const PortDeclaration kReactorPorts[3];
 
@@ -74,14 +74,11 @@ class BaseReactor : public com::Implements<Configurable<StreamUnit>, ICapeKineti
   [[nodiscard]] bool HasReactionPackage() const { return static_cast<bool>(reactionPackage); }
   /// The identifiers of the package's reactions, in its order.
   [[nodiscard]] const std::vector<std::string>& ReactionIds() const { return reactionIds; }
-  [[nodiscard]] ReactionResolver Resolver() const {
-    return ReactionResolver(reactionPackage, inlets, UsesThermo11());
-  }
+  [[nodiscard]] ReactionResolver Resolver() const { return ReactionResolver(reactionPackage, inlets, UsesThermo11()); }
   /// The package with a copy of the feed's material. Throws Failure that begins with `failed`.
   [[nodiscard]] ReactionProperties PropertiesAtInlet(const std::string& failed);
   /// The package with a material of the reactor's own.
-  [[nodiscard]] ReactionProperties PropertiesAt(const com::Ref<IDispatch>& material,
-                                                const std::string& failed) const {
+  [[nodiscard]] ReactionProperties PropertiesAt(const com::Ref<IDispatch>& material, const std::string& failed) const {
     return ReactionProperties(reactionPackage, material, failed);
   }
   [[nodiscard]] const com::Ref<ICapeReactionProperties>& ReactionPackage() const { return reactionPackage; }

@@ -35,8 +35,7 @@ std::vector<ParameterDeclaration> SolutionParameters() {
 }
 
 ClippedFlows ClipNegativeFlows(const ExtentTrial& trial, double pressure) {
-  if (!trial.extents.allFinite() || !trial.flows.allFinite())
-    throw Failure("Iteration parameters are not finite");
+  if (!trial.extents.allFinite() || !trial.flows.allFinite()) throw Failure("Iteration parameters are not finite");
   ClippedFlows clipped{.state = {.pressure = pressure, .temperature = trial.temperature, .composition = {}}};
   for (const double flow : trial.flows) {
     clipped.state.composition.push_back(std::max(flow, 0.0));
@@ -98,17 +97,15 @@ bool BaseReactorConstrained::HasFeed(HeatDutyType type, const HeatSource& source
 
 Eigen::VectorXd BaseReactorConstrained::InletFlows() const {
   const material::StreamState& feed = inlets[0]->State();
-  return feed.totalFlow * Eigen::Map<const Eigen::VectorXd>(
-                              feed.composition.data(), static_cast<Eigen::Index>(feed.composition.size()));
+  return feed.totalFlow *
+         Eigen::Map<const Eigen::VectorXd>(feed.composition.data(), static_cast<Eigen::Index>(feed.composition.size()));
 }
 
 void BaseReactorConstrained::LeaveOutIdle(std::vector<ReactionRecord>& reactions) {
   for (bool changed = true; changed;) {
-    auto [out, tied, direction] =
-        FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), InletFlows());
+    auto [out, tied, direction] = FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), InletFlows());
     // A rate through compounds of which there is none is none.
-    const auto stays =
-        std::ranges::partition(tied, [&](std::size_t r) { return reactions[r].type == CAPE_KINETIC; });
+    const auto stays = std::ranges::partition(tied, [&](std::size_t r) { return reactions[r].type == CAPE_KINETIC; });
     out.insert(out.end(), tied.begin(), stays.begin());
     if (out.empty() && !tied.empty())
       throw Failure("Infeasible system: " + std::string(kInfeasible), kScope, kInterface);
@@ -127,8 +124,7 @@ ExtentEquations BaseReactorConstrained::EquationsOf(const std::vector<ReactionRe
 }
 
 ReactingMixture BaseReactorConstrained::MixtureOfFeed() {
-  const com::Ref<IDispatch> copy =
-      ForwardError(kScope, kInterface, [&] { return Inlet(0).DuplicateMaterial(); });
+  const com::Ref<IDispatch> copy = ForwardError(kScope, kInterface, [&] { return Inlet(0).DuplicateMaterial(); });
   return {{copy, Inlet(0).ComponentName(), Emulation(), UsesThermo11(), compounds.size()}, ReactionPackage()};
 }
 

@@ -31,8 +31,7 @@ const std::vector<std::string>& UsualPhases() {
   return phases;
 }
 
-ParameterDeclaration NotSpecified(const char* name, double lowest, double highest,
-                                  const Dimensionality& dimension) {
+ParameterDeclaration NotSpecified(const char* name, double lowest, double highest, const Dimensionality& dimension) {
   return {.name = name,
           .description = name,
           .defaultValue = kMissingValue,
@@ -155,21 +154,18 @@ std::string CCSTR::FindDependence() const {
   std::size_t setCount = 0;
   for (const auto& set : DependentSets(StoichiometricMatrix(records, compounds.size()))) {
     // Rates tell how far each of several kinetic reactions goes, however they depend on one another.
-    if (std::ranges::none_of(set, [&](std::size_t r) { return records[r].type == CAPE_EQUILIBRIUM; }))
-      continue;
+    if (std::ranges::none_of(set, [&](std::size_t r) { return records[r].type == CAPE_EQUILIBRIUM; })) continue;
     sets += (setCount++ ? " and" : "") + (" of reactions " + JoinedNames(records, set));
   }
   if (setCount == 0) return {};
   return "The stoichiometric coefficients" + sets +
          " are linearly dependent and contain at least one equilibrium reaction." +
-         (setCount == 1 ? " One of these reactions must be removed"
-                        : " A reaction from each set must be removed.");
+         (setCount == 1 ? " One of these reactions must be removed" : " A reaction from each set must be removed.");
 }
 
 std::string CCSTR::FindCatalystFault() {
   const auto has = [&](CapeReactionRateBasis basis) {
-    return std::ranges::any_of(records,
-                               [&](const ReactionRecord& reaction) { return IsKinetic(reaction, basis); });
+    return std::ranges::any_of(records, [&](const ReactionRecord& reaction) { return IsKinetic(reaction, basis); });
   };
   return Catalyst().FindFault(has(CAPE_HOMOGENEOUS), has(CAPE_HETEROGENEOUS));
 }
@@ -266,9 +262,7 @@ ExtentTrial CCSTR::SolveTank(const std::vector<ReactionRecord>& reactions, const
   equations.residual = [&](const ExtentTrial& trial, std::span<double> residuals, std::string& why) {
     return tankEquations.Evaluate(trial, residuals, why);
   };
-  equations.balancedTemperature = [&](const ExtentTrial& trial) {
-    return tankEquations.BalancedTemperature(trial);
-  };
+  equations.balancedTemperature = [&](const ExtentTrial& trial) { return tankEquations.BalancedTemperature(trial); };
   const ExtentTrial solution = Solve(equations).trial;
   std::vector<double> residuals(reactions.size() + 1);
   std::string why;
@@ -302,8 +296,7 @@ std::optional<double> CCSTR::FlashSolution(HeatDutyType type, const HeatSource& 
   try {
     return ProductEnthalpyFlow() - feedEnthalpyFlow + heatOfReaction;
   } catch (const Failure& failure) {
-    Note("Warning: Failed to get " + com::ToUtf8(EnthalpyProperty()) +
-         " from outlet: " + failure.error.description);
+    Note("Warning: Failed to get " + com::ToUtf8(EnthalpyProperty()) + " from outlet: " + failure.error.description);
     return std::nullopt;
   }
 }

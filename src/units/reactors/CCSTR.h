@@ -42,9 +42,8 @@ class CCSTR final : public BaseReactorConstrained {
   /// Solves the equations, and returns the flows [mol/s], the temperature [K] and the extents [mol/s].
   [[nodiscard]] ExtentTrial SolveTank(const std::vector<ReactionRecord>& reactions, const StirredTank& tank);
   /// Flashes the outlet at the solution's temperature, and returns the duty [W] if it is known.
-  [[nodiscard]] std::optional<double> FlashSolution(HeatDutyType type, const HeatSource& source,
-                                                    double temperature, double feedEnthalpyFlow,
-                                                    double heatOfReaction);
+  [[nodiscard]] std::optional<double> FlashSolution(HeatDutyType type, const HeatSource& source, double temperature,
+                                                    double feedEnthalpyFlow, double heatOfReaction);
   void WarnOfOtherPhases(HeatDutyType type);
 
   // Whose phases "Phase" lists, by which interfaces.

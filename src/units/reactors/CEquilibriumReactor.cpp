@@ -43,23 +43,19 @@ std::string CEquilibriumReactor::FindDependence() const {
   std::size_t setCount = 0;
   std::vector<std::string> phases;
   for (const ReactionRecord& reaction : records)
-    if (std::ranges::none_of(phases,
-                             [&](const auto& phase) { return com::EqualNoCase(phase, reaction.phase); }))
+    if (std::ranges::none_of(phases, [&](const auto& phase) { return com::EqualNoCase(phase, reaction.phase); }))
       phases.push_back(reaction.phase);
   for (const std::string& phase : phases) {
     std::vector<ReactionRecord> together;
-    std::ranges::copy_if(records, std::back_inserter(together), [&](const ReactionRecord& reaction) {
-      return com::EqualNoCase(reaction.phase, phase);
-    });
+    std::ranges::copy_if(records, std::back_inserter(together),
+                         [&](const ReactionRecord& reaction) { return com::EqualNoCase(reaction.phase, phase); });
     for (const auto& set : DependentSets(StoichiometricMatrix(together, compounds.size()))) {
-      sets +=
-          (setCount++ ? " and" : "") + (" of reactions " + JoinedNames(together, set)) + " in phase " + phase;
+      sets += (setCount++ ? " and" : "") + (" of reactions " + JoinedNames(together, set)) + " in phase " + phase;
     }
   }
   if (setCount == 0) return {};
   return "The stoichiometric coefficients" + sets + " are linearly dependent. " +
-         (setCount == 1 ? " One of these reactions must be removed"
-                        : " A reaction from each set must be removed.");
+         (setCount == 1 ? " One of these reactions must be removed" : " A reaction from each set must be removed.");
 }
 
 bool CEquilibriumReactor::ValidateUnit(std::string& message) {
@@ -90,11 +86,9 @@ void CEquilibriumReactor::React() {
   const ExtentSolution solution = SolveEquilibrium(reactions, type, feedEnthalpyFlow + source.duty, heats);
 
   SetProductFlows(solution.trial.flows);
-  const double heatOfReaction =
-      std::inner_product(heats.begin(), heats.end(), solution.trial.extents.begin(), 0.0);
-  const std::optional<double> duty =
-      CloseHeatBalance(type, source, feedEnthalpyFlow, heatOfReaction,
-                       "Failed to get temperature at solution from outlet port: ");
+  const double heatOfReaction = std::inner_product(heats.begin(), heats.end(), solution.trial.extents.begin(), 0.0);
+  const std::optional<double> duty = CloseHeatBalance(type, source, feedEnthalpyFlow, heatOfReaction,
+                                                      "Failed to get temperature at solution from outlet port: ");
   WarnOfInfeasibleHeat(source, Outlet(0).State().temperature);
   PublishHeat(type, duty);
 }
@@ -115,9 +109,8 @@ std::vector<ReactionRecord> CEquilibriumReactor::ReactionsOfPresentPhases() {
   return present;
 }
 
-ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionRecord>& reactions,
-                                                     HeatDutyType type, double enthalpyFlow,
-                                                     const std::vector<double>& heats) {
+ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionRecord>& reactions, HeatDutyType type,
+                                                     double enthalpyFlow, const std::vector<double>& heats) {
   ExtentEquations equations = EquationsOf(reactions);
   if (reactions.empty()) return {.trial = {.extents = {}, .flows = equations.inletFlows}};
   equations.temperature = GivenTemperature();
@@ -131,13 +124,12 @@ ExtentSolution CEquilibriumReactor::SolveEquilibrium(const std::vector<ReactionR
     evaluated.resize(0);
     return Evaluated(why, [&] {
       const ClippedFlows flows = ClipNegativeFlows(trial, pressure);
-      const double heatOfReaction =
-          std::inner_product(heats.begin(), heats.end(), trial.extents.begin(), 0.0);
+      const double heatOfReaction = std::inner_product(heats.begin(), heats.end(), trial.extents.begin(), 0.0);
       if (type == kIsothermal)
         mixture.Material().FlashAtTemperature(flows.state);
       else
-        mixture.Material().FlashAtEnthalpy(
-            flows.state, (enthalpyFlow - heatOfReaction) / flows.state.totalFlow, enthalpyProperty);
+        mixture.Material().FlashAtEnthalpy(flows.state, (enthalpyFlow - heatOfReaction) / flows.state.totalFlow,
+                                           enthalpyProperty);
       mixture.StateChanged();
       for (std::size_t r = 0; r < reactions.size(); ++r) {
         f[r] = mixture.LogActivityProduct(reactions[r], BasisOf(reactions[r]));

@@ -27,9 +27,8 @@ class CEquilibriumReactor final : public BaseReactorConstrained {
   [[nodiscard]] std::string FindDependence() const;
   /// The resolved reactions whose phase is present in the feed.
   [[nodiscard]] std::vector<ReactionRecord> ReactionsOfPresentPhases();
-  [[nodiscard]] ExtentSolution SolveEquilibrium(const std::vector<ReactionRecord>& reactions,
-                                                HeatDutyType type, double enthalpyFlow,
-                                                const std::vector<double>& heats);
+  [[nodiscard]] ExtentSolution SolveEquilibrium(const std::vector<ReactionRecord>& reactions, HeatDutyType type,
+                                                double enthalpyFlow, const std::vector<double>& heats);
 };
 
 }  // namespace morvelan

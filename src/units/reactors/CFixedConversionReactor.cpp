@@ -47,8 +47,7 @@ void CFixedConversionReactor::ResolveAll() {
   });
 }
 
-std::string CFixedConversionReactor::FindFault(const SelectedReaction& selected,
-                                               const ReactionRecord& record) {
+std::string CFixedConversionReactor::FindFault(const SelectedReaction& selected, const ReactionRecord& record) {
   if (selected.keyCompound.empty()) return "no compound specified to which conversion applies";
   if (!TakesPart(record, selected.keyCompound))
     return "compound specified to which conversion applies does not take part in reaction";
@@ -85,8 +84,7 @@ void CFixedConversionReactor::React() {
   product.totalFlow = std::accumulate(converted.flows.begin(), converted.flows.end(), 0.0);
   if (!(product.totalFlow > 0) || !std::isfinite(product.totalFlow))
     throw Failure("The reactions leave no flow at the outlet", kScope, kInterface);
-  for (std::size_t j = 0; j < compounds.size(); ++j)
-    product.composition[j] = converted.flows[j] / product.totalFlow;
+  for (std::size_t j = 0; j < compounds.size(); ++j) product.composition[j] = converted.flows[j] / product.totalFlow;
 
   // All is read before the outlet is written, so that a failure leaves it as it was.
   const double feedEnthalpyFlow = FeedEnthalpyFlow();

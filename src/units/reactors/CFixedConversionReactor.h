@@ -36,8 +36,8 @@ class CFixedConversionReactor final : public BaseReactor {
   using Selection = std::vector<SelectedReaction>;
 
   [[nodiscard]] com::Ref<CParameter> ConversionParameter(const std::string& name, const std::string& key);
-  void Select(Selection& planned, const std::vector<double>& conversions,
-              std::vector<com::Ref<CParameter>>& parameters, bool inSeries) noexcept;
+  void Select(Selection& planned, const std::vector<double>& conversions, std::vector<com::Ref<CParameter>>& parameters,
+              bool inSeries) noexcept;
 
   /// What is wrong with the key compound or conversion of a resolved reaction; empty for nothing.
   [[nodiscard]] static std::string FindFault(const SelectedReaction& selected, const ReactionRecord& record);

@@ -51,8 +51,7 @@ class Unknowns {
 
   [[nodiscard]] ExtentTrial Trial(std::span<const double> x) const {
     const VectorXd scaled = Eigen::Map<const VectorXd>(x.data(), scales.size()).cwiseProduct(scales);
-    const double temperature =
-        equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
+    const double temperature = equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
     if (scarce.empty()) return TrialAt(equations, scaled, temperature);
     // Counted from nothing of the scarce ones, which may be differences of much greater numbers.
     ExtentTrial trial{.extents = toExtents * (scaled - equations.inletFlows(scarce)),
@@ -100,8 +99,7 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
   };
   std::vector<double> x = unknowns.At(start);
   const numerics::NonlinearResult result = numerics::SolveNonlinear(
-      system, x,
-      {.tolerance = tolerance, .maxIterations = maxIterations, .positiveUnknowns = unknowns.Positive()});
+      system, x, {.tolerance = tolerance, .maxIterations = maxIterations, .positiveUnknowns = unknowns.Positive()});
   if (!result.success) return {.errorText = result.errorText};
   ExtentTrial solution = unknowns.Trial(x);
   // The penalty is small where only a little is missing. (Some hosts' feeds lack a trace themselves.)
@@ -125,8 +123,7 @@ ExtentSolution SolveExtents(const ExtentEquations& equations, double tolerance, 
       {HardlyBegun, "every reaction hardly begun"}, {OneAfterTheOther, "one reaction after the other"}};
   for (const auto& [makeStart, name] : others) {
     const ExtentTrial start = makeStart(equations);
-    ExtentSolution solution =
-        SolveFrom(equations, Unknowns(equations, start), start, tolerance, maxIterations);
+    ExtentSolution solution = SolveFrom(equations, Unknowns(equations, start), start, tolerance, maxIterations);
     if (solution.success) return reported(std::move(solution), name);
   }
   return first;

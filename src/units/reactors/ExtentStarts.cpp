@@ -68,10 +68,7 @@ ExtentTrial HalfWay(const ExtentEquations& equations) {
 class Way {
  public:
   Way(const ExtentTrial& trial, const VectorXd& extentsOfWay, const VectorXd& flowsOfWay)
-      : start(trial),
-        extents(extentsOfWay),
-        flows(flowsOfWay),
-        range(RangeOfExtent(flowsOfWay, trial.flows)) {
+      : start(trial), extents(extentsOfWay), flows(flowsOfWay), range(RangeOfExtent(flowsOfWay, trial.flows)) {
     lowEnd = Remainder(start.flows, range.lowest * flows);
     highEnd = Remainder(start.flows, range.highest * flows);
   }
@@ -164,8 +161,7 @@ bool CanBeEvaluated(const ExtentEquations& equations, const ExtentTrial& trial) 
 }  // namespace
 
 ExtentTrial TrialAt(const ExtentEquations& equations, const VectorXd& extents, double temperature) {
-  return {
-      .extents = extents, .flows = equations.inletFlows + equations.nu * extents, .temperature = temperature};
+  return {.extents = extents, .flows = equations.inletFlows + equations.nu * extents, .temperature = temperature};
 }
 
 VectorXd Remainder(const VectorXd& flows, const VectorXd& change) {
@@ -205,8 +201,7 @@ ExtentTrial OneAfterTheOther(const ExtentEquations& equations) {
     for (Index k = 0; k < directions.cols(); ++k)
       change = std::max(change, SolveOne(equations, directions.col(k), trial));
     trial = Balanced(equations, trial);
-    if (change < kClosestRounds && std::abs(trial.temperature - temperatureBefore) < kClosestTemperature)
-      break;
+    if (change < kClosestRounds && std::abs(trial.temperature - temperatureBefore) < kClosestTemperature) break;
   }
   return trial;
 }

@@ -7,8 +7,7 @@
 namespace morvelan {
 
 /// A state with given extents [mol/s].
-[[nodiscard]] ExtentTrial TrialAt(const ExtentEquations& equations, const Eigen::VectorXd& extents,
-                                  double temperature);
+[[nodiscard]] ExtentTrial TrialAt(const ExtentEquations& equations, const Eigen::VectorXd& extents, double temperature);
 
 /// What is left of flows [mol/s] after a change of them; exactly nothing where that is no more than rounding.
 /// (Compounds that are used up together then are so in their proportion, however little is left.)
@@ -16,8 +15,7 @@ namespace morvelan {
 
 /// As many compounds as there are reactions, those of which there is least, by whose flows the extents are
 /// known; fewer when reactions depend on one another.
-[[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu,
-                                                        const Eigen::VectorXd& flows);
+[[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu, const Eigen::VectorXd& flows);
 
 // Where a solution may be looked for when it isn't found from the feed.
 

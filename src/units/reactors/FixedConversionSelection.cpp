@@ -49,29 +49,26 @@ std::function<void()> CFixedConversionReactor::PlanConfiguration(const Json& con
     // A host's parameter stays that of its reaction and compound, wherever they stand now.
     const auto former = std::ranges::find_if(selection, [&](const SelectedReaction& reaction) {
       return reaction.name == names[i] && reaction.keyCompound == keys[i] &&
-             std::ranges::none_of(
-                 parameters, [&](const auto& taken) { return taken.Get() == reaction.conversion.Get(); });
+             std::ranges::none_of(parameters,
+                                  [&](const auto& taken) { return taken.Get() == reaction.conversion.Get(); });
     });
-    parameters.push_back(former != selection.end() ? former->conversion
-                                                   : ConversionParameter(names[i], keys[i]));
+    parameters.push_back(former != selection.end() ? former->conversion : ConversionParameter(names[i], keys[i]));
     planned.push_back({names[i], keys[i], parameters.back()});
   }
-  return [this, planned = std::move(planned), parameters = std::move(parameters),
-          conversions = std::move(conversions),
+  return [this, planned = std::move(planned), parameters = std::move(parameters), conversions = std::move(conversions),
           inSeries]() mutable { Select(planned, conversions, parameters, inSeries); };
 }
 
 /// The reactions of a loaded selection are still to be found, also where the unit had them before.
-std::function<void()> CFixedConversionReactor::LoadUnit(
-    UnitReader& reader, int version, const std::vector<ParameterRecord>& parameterRecords) {
+std::function<void()> CFixedConversionReactor::LoadUnit(UnitReader& reader, int version,
+                                                        const std::vector<ParameterRecord>& parameterRecords) {
   return [this, takeOver = BaseReactor::LoadUnit(reader, version, parameterRecords)] {
     takeOver();
     for (const SelectedReaction& reaction : selection) reaction.conversion->SetUnavailable(kNotValidated);
   };
 }
 
-com::Ref<CParameter> CFixedConversionReactor::ConversionParameter(const std::string& name,
-                                                                  const std::string& key) {
+com::Ref<CParameter> CFixedConversionReactor::ConversionParameter(const std::string& name, const std::string& key) {
   const std::string label = "Conversion " + key + " reaction " + name;
   const std::string description = "Conversion of " + key + " in reaction " + name;
   auto parameter = com::Make<CParameter>(ParameterDeclaration{.name = label.c_str(),
@@ -92,8 +89,7 @@ void CFixedConversionReactor::Select(Selection& planned, const std::vector<doubl
   records.clear();
   for (std::size_t i = 0; i < selection.size(); ++i) selection[i].conversion->SetResult(conversions[i]);
   for (const auto& former : parameters)
-    if (std::ranges::none_of(extraParameters, [&](const auto& p) { return p.Get() == former.Get(); }))
-      former->Orphan();
+    if (std::ranges::none_of(extraParameters, [&](const auto& p) { return p.Get() == former.Get(); })) former->Orphan();
 }
 
 }  // namespace morvelan

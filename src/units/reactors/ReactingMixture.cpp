@@ -43,8 +43,7 @@ double ReactingMixture::LogActivityProduct(const ReactionRecord& reaction, Activ
   const std::vector<double>& a = ActivitiesIn(reaction.phase, basis);
   double product = 1;
   for (std::size_t i = 0; i < reaction.coefficients.size(); ++i)
-    product = Raised(product, a.at(static_cast<std::size_t>(reaction.compoundIndices[i])),
-                     reaction.coefficients[i]);
+    product = Raised(product, a.at(static_cast<std::size_t>(reaction.compoundIndices[i])), reaction.coefficients[i]);
   return ClampedLog(product);
 }
 

@@ -24,8 +24,8 @@ std::size_t Place(const ReactionRecord& reaction, std::size_t i) {
 
 /// Position of a compound among the reaction's, or their number.
 std::size_t Find(const ReactionRecord& reaction, const std::string& compound) {
-  const auto found = std::ranges::find_if(
-      reaction.compoundIds, [&](const std::string& id) { return com::EqualNoCase(id, compound); });
+  const auto found =
+      std::ranges::find_if(reaction.compoundIds, [&](const std::string& id) { return com::EqualNoCase(id, compound); });
   return static_cast<std::size_t>(found - reaction.compoundIds.begin());
 }
 
@@ -66,9 +66,9 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
       // What rounding takes too much of a compound that is used up.
       if (flow < 0 && flow >= -kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
       if (flow < 0)
-        throw Failure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " +
-                          reaction.keyCompound + " for reaction " + record.name +
-                          " caused negative concentrations of compound " + record.compoundIds[i],
+        throw Failure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " + reaction.keyCompound +
+                          " for reaction " + record.name + " caused negative concentrations of compound " +
+                          record.compoundIds[i],
                       kScope, kInterface);
     }
     result.extents.push_back(extent);
@@ -76,8 +76,8 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
   return result;
 }
 
-Converted ConvertInParallel(std::span<const ConvertingReaction> reactions,
-                            const std::vector<double>& inletFlows, std::span<const std::string> compounds) {
+Converted ConvertInParallel(std::span<const ConvertingReaction> reactions, const std::vector<double>& inletFlows,
+                            std::span<const std::string> compounds) {
   Converted result{.extents = {}, .flows = inletFlows};
   for (const ConvertingReaction& reaction : reactions) {
     result.extents.push_back(ExtentOf(reaction, inletFlows));
@@ -88,10 +88,9 @@ Converted ConvertInParallel(std::span<const ConvertingReaction> reactions,
     double& flow = result.flows[j];
     if (flow < 0 && flow >= -band) flow = 0;
     if (flow < 0)
-      throw Failure(
-          UnitError{"Conversion too high",
-                    "Specified conversions cause negative concentrations of compound " + compounds[j], kScope,
-                    kInterface});
+      throw Failure(UnitError{"Conversion too high",
+                              "Specified conversions cause negative concentrations of compound " + compounds[j], kScope,
+                              kInterface});
   }
   return result;
 }

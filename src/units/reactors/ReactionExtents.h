@@ -30,8 +30,7 @@ struct Converted {
 
 /// Each conversion applies to the flows that the reaction before leaves:
 ///     extent_r = -X_r n_k / nu_k,  n_j += nu_j extent_r
-[[nodiscard]] Converted ConvertInSeries(std::span<const ConvertingReaction> reactions,
-                                        std::vector<double> inletFlows);
+[[nodiscard]] Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::vector<double> inletFlows);
 /// All conversions apply to the inlet flows. `compounds` are the feed's, for messages.
 [[nodiscard]] Converted ConvertInParallel(std::span<const ConvertingReaction> reactions,
                                           const std::vector<double>& inletFlows,

@@ -12,8 +12,7 @@ namespace morvelan {
 namespace {
 
 // ICapeThermoContext, which is not in the standard's type library: its only use here is by name.
-constexpr GUID kThermoContext = {
-    0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
+constexpr GUID kThermoContext = {0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
 
 com::Ref<IDispatch> ThermoContextOf(IUnknown* package) {
   void* found = nullptr;
@@ -33,8 +32,7 @@ HRESULT SetMaterialByName(IDispatch& context, IDispatch* material) {
   DISPPARAMS parameters{};
   parameters.rgvarg = &argument;
   parameters.cArgs = 1;
-  return context.Invoke(member, GUID{}, LOCALE_INVARIANT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
-                        nullptr);
+  return context.Invoke(member, GUID{}, LOCALE_INVARIANT, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }
 
 /// A host may have taken the package back while it was asked for something else.
@@ -74,13 +72,11 @@ double ReactionProperties::Read(com::Name property, const std::string& phase, co
   const com::Variant reactions = com::MakeStrings(std::span(&reaction, 1));
   if (routine) {
     const com::Variant properties = com::MakeStrings(std::span(&property, 1));
-    CheckHost(
-        routine->CalcReactionProp(properties.Get(), phaseName.Get(), reactions.Get(), names::kMole.text),
-        routine.Get(), explain);
+    CheckHost(routine->CalcReactionProp(properties.Get(), phaseName.Get(), reactions.Get(), names::kMole.text),
+              routine.Get(), explain);
   }
   com::Variant values;
-  CheckHost(package->GetReactionProp(property.text, phaseName.Get(), reactions.Get(), names::kMole.text,
-                                     values.Put()),
+  CheckHost(package->GetReactionProp(property.text, phaseName.Get(), reactions.Get(), names::kMole.text, values.Put()),
             package.Get(), explain);
   const double value = material::ReadScalar(values.Get(), invalid);
   const bool isTooLarge = std::isinf(value) && value > 0 && property == names::kChemicalEquilibriumConstant;

@@ -51,11 +51,10 @@ com::Variant CompoundList11(IDispatch* material) {
     throw Failure("failed to obtain ICapeThermoCompounds from material connected to inlet: " +
                   ErrorText(material, failure));
   com::Variant ids, formulae, names, boilingTemperatures, molecularWeights, casNumbers;
-  CheckHost(
-      compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingTemperatures.Put(),
-                                 molecularWeights.Put(), casNumbers.Put()),
-      compounds.Get(),
-      Because("Failed to get compound IDs from material (GetCompoundList()) connected to inlet port: "));
+  CheckHost(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingTemperatures.Put(),
+                                       molecularWeights.Put(), casNumbers.Put()),
+            compounds.Get(),
+            Because("Failed to get compound IDs from material (GetCompoundList()) connected to inlet port: "));
   return ids;
 }
 
@@ -68,8 +67,7 @@ ReactionRecord ReactionResolver::Resolve(const ReactionRequest& request) {
   if (!chemistry) throw Failure("failed to obtain ICapeReactionChemistry interface");
   ReactionRecord record{.name = request.name};
   const com::Bstr id = com::ToBstr(request.name);
-  if (request.mustBeKinetic || request.mustBeEquilibrium || request.wantsKind)
-    AskType(request, id.Get(), record);
+  if (request.mustBeKinetic || request.mustBeEquilibrium || request.wantsKind) AskType(request, id.Get(), record);
   if (request.wantsConcentrationBasis) AskConcentrationBasis(id.Get(), record);
   AskCompounds(id.Get(), record);
   if (inletCompounds.empty()) ListInletCompounds();
@@ -92,8 +90,7 @@ void ReactionResolver::AskType(const ReactionRequest& request, BSTR id, Reaction
   if (!request.wantsKind) return;
   if (isKinetic) AskRateBasis(id, record);
   if (!record.type)
-    throw Failure("Unknown reaction type for reaction " + record.name +
-                  "; expected CAPE_KINETIC or CAPE_EQUILIBRIUM");
+    throw Failure("Unknown reaction type for reaction " + record.name + "; expected CAPE_KINETIC or CAPE_EQUILIBRIUM");
 }
 
 void ReactionResolver::AskRateBasis(BSTR id, ReactionRecord& record) const {
@@ -109,14 +106,12 @@ void ReactionResolver::AskRateBasis(BSTR id, ReactionRecord& record) const {
 
 void ReactionResolver::AskConcentrationBasis(BSTR id, ReactionRecord& record) const {
   com::Bstr basis;
-  if (SUCCEEDED(chemistry->GetReactionConcBasis(id, basis.Put())))
-    record.concentrationBasis = com::ToUtf8(basis.Get());
+  if (SUCCEEDED(chemistry->GetReactionConcBasis(id, basis.Put()))) record.concentrationBasis = com::ToUtf8(basis.Get());
 }
 
 void ReactionResolver::AskCompounds(BSTR id, ReactionRecord& record) const {
   com::Variant ids, charges, casNumbers;
-  CheckHost(chemistry->GetReactionCompoundIds(id, ids.Put(), charges.Put(), casNumbers.Put()),
-            chemistry.Get(),
+  CheckHost(chemistry->GetReactionCompoundIds(id, ids.Put(), charges.Put(), casNumbers.Put()), chemistry.Get(),
             Because(Quoted("Failed to obtain list of reaction compounds for reaction", record) + ": "));
   record.compoundIds = material::ReadOr([&] { return com::ReadStrings(ids.Get()); },
                                         Because("Invalid format for reaction compounds IDs: "));
@@ -124,8 +119,7 @@ void ReactionResolver::AskCompounds(BSTR id, ReactionRecord& record) const {
 }
 
 void ReactionResolver::ListInletCompounds() {
-  const auto first =
-      std::ranges::find_if(inlets, [](const auto& port) { return port->Type() == CAPE_MATERIAL; });
+  const auto first = std::ranges::find_if(inlets, [](const auto& port) { return port->Type() == CAPE_MATERIAL; });
   if (first == inlets.end()) throw Failure("internal error: no material inlet ports");
   const com::Ref<IDispatch> material = (*first)->ConnectedObject();
   if (!material) throw Failure("failed to obtain material from the (first) inlet port");

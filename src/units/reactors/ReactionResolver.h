@@ -21,8 +21,8 @@ struct ReactionRequest {
 class ReactionResolver {
  public:
   /// `package` may be null. The ports must outlive the resolver.
-  ReactionResolver(com::Ref<ICapeReactionProperties> package,
-                   const std::vector<com::Ref<CUnitPort>>& inletPorts, bool usesThermo11)
+  ReactionResolver(com::Ref<ICapeReactionProperties> package, const std::vector<com::Ref<CUnitPort>>& inletPorts,
+                   bool usesThermo11)
       : properties(std::move(package)), inlets(inletPorts), thermo11(usesThermo11) {}
 
   /// Throws Failure with the text of the step that failed.

@@ -75,8 +75,7 @@ void BaseReactor::CalculateUnit(int compoundCount, std::optional<com::Name>& out
   try {
     if (!HasReactionPackage()) throw Failure(kNoReactionPackage, kScope, kInterface);
     // What was validated may be otherwise by now.
-    if (std::string message; !recordsAreFresh && !ValidateUnit(message))
-      throw Failure(message, kScope, kInterface);
+    if (std::string message; !recordsAreFresh && !ValidateUnit(message)) throw Failure(message, kScope, kInterface);
     if (compounds.size() != static_cast<std::size_t>(compoundCount))
       throw Failure("the list of compounds of the inlet material has changed", kScope, kInterface);
     React();
@@ -148,16 +147,14 @@ HeatSource BaseReactor::ReadHeatSource(const char* afterColon) {
 
 void BaseReactor::WarnOfInfeasibleHeat(const HeatSource& source, double reactorTemperature) const {
   const auto warn = [&](const char* end, const char* how) {
-    Warn("WARNING: " + std::string(kind) + ' ' + ComponentName() + ": " + end +
-         " inlet heat stream temperature is " + how + ", this is infeasible");
+    Warn("WARNING: " + std::string(kind) + ' ' + ComponentName() + ": " + end + " inlet heat stream temperature is " +
+         how + ", this is infeasible");
   };
   const auto check = [&](std::optional<double> end, const char* name) {
     if (!end) return;
     const double excess = *end - reactorTemperature;
-    if (source.duty > 0 && excess < -kTemperatureTolerance)
-      warn(name, "below reactor temperature while heating");
-    if (source.duty < 0 && excess > kTemperatureTolerance)
-      warn(name, "above reactor temperature while cooling");
+    if (source.duty > 0 && excess < -kTemperatureTolerance) warn(name, "below reactor temperature while heating");
+    if (source.duty < 0 && excess > kTemperatureTolerance) warn(name, "above reactor temperature while cooling");
   };
   check(source.lowTemperature, "lower");
   check(source.highTemperature, "upper");
@@ -173,8 +170,7 @@ double BaseReactor::ReactorPressure(bool warnsAtLimit) const {
 // ---- Enthalpies
 
 double BaseReactor::FeedEnthalpyFlow() {
-  return Inlet(0).State().totalFlow *
-         ReadProperty([&] { return MolarEnthalpy(Inlet(0), EnthalpyProperty()); });
+  return Inlet(0).State().totalFlow * ReadProperty([&] { return MolarEnthalpy(Inlet(0), EnthalpyProperty()); });
 }
 
 double BaseReactor::ProductEnthalpyFlow() {
@@ -199,10 +195,8 @@ std::vector<double> BaseReactor::HeatsOfReaction(std::span<const ReactionRecord>
     ReactionProperties properties = PropertiesAtInlet(failed);
     std::vector<double> heats;
     for (const ReactionRecord& reaction : reactions) {
-      const std::string which =
-          "failed to get property enthalpyOfReaction for reaction " + reaction.name + ": ";
-      heats.push_back(
-          properties.Read(names::kEnthalpyOfReaction, reaction.phase, reaction.name, {which, which}));
+      const std::string which = "failed to get property enthalpyOfReaction for reaction " + reaction.name + ": ";
+      heats.push_back(properties.Read(names::kEnthalpyOfReaction, reaction.phase, reaction.name, {which, which}));
     }
     return heats;
   } catch (const Failure& failure) {
@@ -243,8 +237,7 @@ void BaseReactor::PublishHeat(HeatDutyType type, std::optional<double> duty) {
   if (type != kByHeatDuty) Parameter(kHeatDuty).SetResult(shown);
   const com::Ref<CUnitPort> port = EnergyIsInlet() ? nullptr : EnergyPort();
   if (!port || !port->IsConnected()) return;
-  ForwardError(kScope, kInterface,
-               [&] { dynamic_cast<CUnitInfoPort&>(*port).WriteInformation(kWork, shown); });
+  ForwardError(kScope, kInterface, [&] { dynamic_cast<CUnitInfoPort&>(*port).WriteInformation(kWork, shown); });
   ReportLine("Heat duty to outlet energy port: " + FormatValue(shown, kPowerDimension) +
              " (positive is consumed by the reactor)");
 }

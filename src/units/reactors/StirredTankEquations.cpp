@@ -60,16 +60,15 @@ double StirredTankEquations::HeatOfReaction(const ExtentTrial& trial) const {
 
 double StirredTankEquations::HeatImbalance(const ExtentTrial& trial, double totalFlow) {
   const std::string name = com::ToUtf8(tank.enthalpyProperty);
-  const double enthalpy = mixture.Material().Property(
-      tank.enthalpyProperty, tank.phase, names::kMole,
-      "Failed to get " + name + " for phase " + tank.phase + ": ", "Invalid values for " + name + ": ");
+  const double enthalpy = mixture.Material().Property(tank.enthalpyProperty, tank.phase, names::kMole,
+                                                      "Failed to get " + name + " for phase " + tank.phase + ": ",
+                                                      "Invalid values for " + name + ": ");
   return totalFlow * enthalpy - tank.enthalpyFlow + HeatOfReaction(trial);
 }
 
 double StirredTankEquations::BalancedTemperature(const ExtentTrial& trial) {
   const ClippedFlows flows = ClipNegativeFlows(trial, tank.pressure);
-  mixture.Material().FlashAtEnthalpy(flows.state,
-                                     (tank.enthalpyFlow - HeatOfReaction(trial)) / flows.state.totalFlow,
+  mixture.Material().FlashAtEnthalpy(flows.state, (tank.enthalpyFlow - HeatOfReaction(trial)) / flows.state.totalFlow,
                                      tank.enthalpyProperty);
   return mixture.Material().Temperature();
 }

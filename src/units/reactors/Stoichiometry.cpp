@@ -25,8 +25,8 @@ VectorXd Combination(const MatrixXd& basis, const VectorXd& column) {
   if (column.isZero(0)) return VectorXd::Zero(basis.cols());
   if (basis.cols() == 0) return {};
   const VectorXd weights = basis.colPivHouseholderQr().solve(column);
-  const bool follows = (basis * weights - column).lpNorm<Eigen::Infinity>() <=
-                       kDependenceTolerance * column.lpNorm<Eigen::Infinity>();
+  const bool follows =
+      (basis * weights - column).lpNorm<Eigen::Infinity>() <= kDependenceTolerance * column.lpNorm<Eigen::Infinity>();
   return follows ? weights : VectorXd();
 }
 

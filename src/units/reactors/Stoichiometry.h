@@ -40,7 +40,6 @@ struct Feasibility {
 [[nodiscard]] Feasibility FindFeasibility(const Eigen::MatrixXd& nu, const Eigen::VectorXd& inletFlows);
 
 /// Names joined as in "R1 and R2".
-[[nodiscard]] std::string JoinedNames(std::span<const ReactionRecord> reactions,
-                                      const std::vector<std::size_t>& set);
+[[nodiscard]] std::string JoinedNames(std::span<const ReactionRecord> reactions, const std::vector<std::size_t>& set);
 
 }  // namespace morvelan

@@ -22,8 +22,7 @@ auto Opened(const std::string& opening, Body&& body) {
 }  // namespace
 
 TrialMaterial::TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCopy,
-                             material::OverallEmulation& overallEmulation, bool usesThermo11,
-                             std::size_t compoundCount)
+                             material::OverallEmulation& overallEmulation, bool usesThermo11, std::size_t compoundCount)
     : thermo(material::ThermoInForce(usesThermo11)),
       emulation(overallEmulation),
       portName(std::move(portOfCopy)),
@@ -48,8 +47,7 @@ void TrialMaterial::SetSinglePhase(const material::StreamState& state, const std
   thermo.SetSinglePhase(Material(), state, com::Name(label));
 }
 
-std::vector<double> TrialMaterial::Fractions(const std::string& phase, com::Name basis,
-                                             const std::string& opening) {
+std::vector<double> TrialMaterial::Fractions(const std::string& phase, com::Name basis, const std::string& opening) {
   const com::Bstr label = com::ToBstr(phase);
   const auto explain = [&](const std::string& why) { return Failure(opening + why); };
   const com::Variant values = Opened(opening, [&] {
@@ -75,8 +73,7 @@ double TrialMaterial::Property(com::Name property, const std::string& phase, com
 }
 
 double TrialMaterial::Temperature() {
-  const com::Variant values =
-      thermo.GetProp(Material(), {names::kTemperature, names::kOverall, {}, {}}, com::kNoValue);
+  const com::Variant values = thermo.GetProp(Material(), {names::kTemperature, names::kOverall, {}, {}}, com::kNoValue);
   return material::ReadScalar(values.Get(), [](const std::string& why) { return Failure(why); });
 }
 

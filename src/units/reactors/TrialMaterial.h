@@ -13,8 +13,8 @@ namespace morvelan {
 class TrialMaterial {
  public:
   /// A copy that a port made, of a number of compounds.
-  TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCopy,
-                material::OverallEmulation& overallEmulation, bool usesThermo11, std::size_t compoundCount);
+  TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCopy, material::OverallEmulation& overallEmulation,
+                bool usesThermo11, std::size_t compoundCount);
 
   [[nodiscard]] const com::Ref<IDispatch>& Object() const { return copy; }
 
@@ -27,8 +27,7 @@ class TrialMaterial {
   void SetSinglePhase(const material::StreamState& state, const std::string& phase);
 
   /// Fractions of a phase on "Mole" or "Mass" basis, one per compound.
-  [[nodiscard]] std::vector<double> Fractions(const std::string& phase, com::Name basis,
-                                              const std::string& opening);
+  [[nodiscard]] std::vector<double> Fractions(const std::string& phase, com::Name basis, const std::string& opening);
   /// Calculates a property of a phase, or of the whole ("Overall"), that is one finite number. Failures to
   /// get it begin with `opening`, other values than one finite number with `invalid`.
   [[nodiscard]] double Property(com::Name property, const std::string& phase, com::Name basis,

@@ -61,8 +61,7 @@ void CMixer::InputsChanged() {
 
 std::function<void()> CMixer::LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>& records) {
   if (records.size() <= kInletCount) return {};
-  return PlanInlets(
-      std::clamp(std::get<std::int32_t>(records[kInletCount].value), kFewestInlets, kMostInlets));
+  return PlanInlets(std::clamp(std::get<std::int32_t>(records[kInletCount].value), kFewestInlets, kMostInlets));
 }
 
 Json CMixer::Configuration() const { return {{kCountKey, inlets.size()}}; }
@@ -107,8 +106,7 @@ CMixer::Feed CMixer::CollectFeed(std::size_t compoundCount) {
     const material::StreamState& inlet = port->State();
     feed.lowestPressure = std::min(feed.lowestPressure, inlet.pressure);
     feed.flow += inlet.totalFlow;
-    for (std::size_t j = 0; j < compoundCount; ++j)
-      feed.compoundFlows[j] += inlet.composition[j] * inlet.totalFlow;
+    for (std::size_t j = 0; j < compoundCount; ++j) feed.compoundFlows[j] += inlet.composition[j] * inlet.totalFlow;
     if (inlet.totalFlow != 0) feed.enthalpyFlow += EnthalpyFlow(*port);
   }
   return feed;

@@ -87,8 +87,7 @@ void CSplitter::InputsChanged() {
 
 std::function<void()> CSplitter::LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>& records) {
   if (records.size() <= kOutletCount) return {};
-  return PlanOutlets(
-      std::clamp(std::get<std::int32_t>(records[kOutletCount].value), kFewestOutlets, kMostOutlets));
+  return PlanOutlets(std::clamp(std::get<std::int32_t>(records[kOutletCount].value), kFewestOutlets, kMostOutlets));
 }
 
 Json CSplitter::Configuration() const { return {{kCountKey, outlets.size()}}; }
@@ -120,8 +119,7 @@ std::vector<double> CSplitter::ResizedSplitFactors(std::size_t outletCount) {
 
 void CSplitter::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
   StartReport();
-  for (const std::size_t position : {kOutletCount, kSplitFactors, kPressureDrop})
-    ReportParameter(Parameter(position));
+  for (const std::size_t position : {kOutletCount, kSplitFactors, kPressureDrop}) ReportParameter(Parameter(position));
   const material::StreamState& inlet = Inlet(0).State();
   const double pressure = PressureAfterDrop(inlet.pressure, pressureDrop);
   const std::vector<double> flows = SplitFlow(inlet.totalFlow);
@@ -146,8 +144,7 @@ std::vector<double> CSplitter::SplitFlow(double inletFlow) {
 }
 
 bool CSplitter::IsFedWithOneCompound() {
-  return std::ranges::count_if(Inlet(0).State().composition,
-                               [](double fraction) { return fraction > kTrace; }) == 1;
+  return std::ranges::count_if(Inlet(0).State().composition, [](double fraction) { return fraction > kTrace; }) == 1;
 }
 
 }  // namespace morvelan

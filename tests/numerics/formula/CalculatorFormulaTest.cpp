@@ -20,8 +20,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 const std::vector<std::string> kNames = {"T1", "T2", "sqrt", "R", "t1", "x_3"};
 const std::vector<double> kValues = {300, 280, 5, 7, -1, 0.25};
 
-Evaluation Evaluate(const char* text, const std::vector<std::string>& names,
-                    const std::vector<double>& values) {
+Evaluation Evaluate(const char* text, const std::vector<std::string>& names, const std::vector<double>& values) {
   const FormulaCheck check = CheckFormula(text, names);
   EXPECT_EQ(check.formula.has_value(), check.failure.empty());
   return check.formula ? check.formula->Evaluate(values) : FailedEvaluation(check.failure);
@@ -115,8 +114,7 @@ const FaultCase kFaults[] = {
     {"MIN(1/\"x\",1)", 0, "floating point exception in division: Division by zero"},
     {"MAX(SQRT(\"x\"),1)", -1, "floating point exception in SQRT: Invalid domain for function"},
     {"SQRT(\"x\")^0", -1, "floating point exception in SQRT: Invalid domain for function"},
-    {"LOG(\"x\")+SQRT(\"x\")", -1,
-     "floating point exception in LOG: Invalid domain for function"},  // the first one
+    {"LOG(\"x\")+SQRT(\"x\")", -1, "floating point exception in LOG: Invalid domain for function"},  // the first one
     {"2-(3-LOG(\"x\"))", -1, "floating point exception in LOG: Invalid domain for function"},
     {"SIN(\"x\")", kInfinity, "floating point exception in SIN: Invalid domain for function"},
     {"\"x\"-\"x\"", kInfinity, "floating point exception in subtraction: Invalid domain for function"},
@@ -172,8 +170,7 @@ TEST(CalculatorFormula, AsksForAValuePerVariable) {
   const FormulaCheck check = CheckFormula("\"T2\"", kNames);
   ASSERT_TRUE(check.formula.has_value());
   EXPECT_EQ(check.formula->VariableCount(), 6u);
-  EXPECT_EQ(check.formula->Evaluate(std::vector<double>{1, 2}).failure,
-            "internal error: 2 values for 6 variables");
+  EXPECT_EQ(check.formula->Evaluate(std::vector<double>{1, 2}).failure, "internal error: 2 values for 6 variables");
 }
 
 // x^n beside the same product in more digits: half a unit in the last place and a little.
@@ -188,8 +185,7 @@ TEST(CalculatorFormula, PowersAreRoundedOnce) {
       long double exact = 1;
       for (int k = 0; k < n; ++k) exact *= x;
       const double value = check.formula->Evaluate(std::vector<double>{x}).value;
-      const auto unit =
-          static_cast<long double>(std::nextafter(std::fabs(value), kInfinity) - std::fabs(value));
+      const auto unit = static_cast<long double>(std::nextafter(std::fabs(value), kInfinity) - std::fabs(value));
       ASSERT_LT(std::fabs((value - exact) / unit), 0.55L) << x << '^' << n;
     }
   }

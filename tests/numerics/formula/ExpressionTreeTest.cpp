@@ -144,14 +144,13 @@ TEST(ExpressionTree, CheckedEvaluationHasRulesForOperators) {
   expect(1e308, NodeKind::kAddition, 1e308, 0, "floating point exception in addition: Overflow");
   expect(kInfinity, NodeKind::kSubtraction, 1, kInfinity, nullptr);
   // The first failure ends the evaluation; what has no place there is refused.
-  ExpectChecked({ConstantNode(-1), Function("SQRT", 1), ConstantNode(2), Function("ASIN", 1),
-                 Operator(NodeKind::kAddition)},
-                0, "sqrt of negative number");
+  ExpectChecked(
+      {ConstantNode(-1), Function("SQRT", 1), ConstantNode(2), Function("ASIN", 1), Operator(NodeKind::kAddition)}, 0,
+      "sqrt of negative number");
   for (const ExpressionNode& node : {VariableNode(0), OperationNode(NodeKind::kList, 0), CallNode(0, 0),
                                      OperationNode(static_cast<NodeKind>(29), 0)})
     ExpectChecked({node}, 0, "internal error: unknown expression type");
-  ExpectChecked({ConstantNode(1), Operator(NodeKind::kAddition)}, 0,
-                "internal error: unknown expression type");
+  ExpectChecked({ConstantNode(1), Operator(NodeKind::kAddition)}, 0, "internal error: unknown expression type");
   ExpectChecked({}, 0, "internal error: unknown expression type");
 }
 

@@ -27,8 +27,7 @@ const char* const kTexts[] = {"2*PI*0.5^2+SQRT(MAX(1,2))",
 /// Runs `operation` with each of its allocations failing in turn; returns how many there were. Its text must
 /// be `usual` when they all succeed, and otherwise `words`, or the shorter ones when the words fail as well.
 template <class Operation>
-std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& words,
-                     const Operation& operation) {
+std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& words, const Operation& operation) {
   for (std::size_t n = 0;; ++n) {
     const std::size_t handles = OpenHandles();
     bool happened = false;
@@ -39,10 +38,7 @@ std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& w
       happened = failing.Happened();
     }
     EXPECT_EQ(OpenHandles(), handles) << "allocation " << n;
-    EXPECT_EQ(failure, !happened                  ? usual
-                       : lasts == Lasts::kForGood ? "out of memory"
-                                                  : words)
-        << "allocation " << n;
+    EXPECT_EQ(failure, !happened ? usual : lasts == Lasts::kForGood ? "out of memory" : words) << "allocation " << n;
     if (!happened || testing::Test::HasFailure()) return n;
   }
 }

@@ -77,10 +77,9 @@ struct Outcome {
 };
 
 const std::vector<std::string> kNames = {"x", "y"};
-const char* const kFormulas[] = {
-    "\"x\"/7",          "\"x\"*1e-310",           "1/\"y\"",         "\"x\"*1e308*10",
-    "LOG(\"y\"-1)",     "ASIN(\"x\"+2)",          "SQRT(\"y\"-1)",   "EXP(\"x\"*1000)",
-    "MOD(\"x\",\"y\")", "SINH(\"x\")+\"y\"^-0.5", "SIN(\"x\"*1e22)", "\"x\"^7"};
+const char* const kFormulas[] = {"\"x\"/7",          "\"x\"*1e-310",           "1/\"y\"",         "\"x\"*1e308*10",
+                                 "LOG(\"y\"-1)",     "ASIN(\"x\"+2)",          "SQRT(\"y\"-1)",   "EXP(\"x\"*1000)",
+                                 "MOD(\"x\",\"y\")", "SINH(\"x\")+\"y\"^-0.5", "SIN(\"x\"*1e22)", "\"x\"^7"};
 
 /// Everything that can be done with formulas, as that host; nothing else calculates meanwhile.
 Outcome RunAs(const HostCase& hostCase) {

@@ -59,12 +59,10 @@ class RandomExpression {
   /// Of arguments that it is defined for.
   std::string Call(int depth) {
     static constexpr std::pair<const char*, const char*> kCalls[] = {
-        {"SIN(", ")"},          {"COS(", ")"},       {"ATAN(", ")"},
-        {"TANH(", ")"},         {"SQRT(ABS(", "))"}, {"EXP(SIN(", "))"},
-        {"LOG(1+ABS(", "))"},   {"SINH(COS(", "))"}, {"COSH(SIN(", "))"},
-        {"ASIN(COS(", "))"},    {"ACOS(SIN(", "))"}, {"TAN(", ")"},
-        {"LOG10(1+ABS(", "))"}, {"ROUND(", ")"},     {"EXP(", ")"},
-        {"FLOOR(", ")"},        {"CEIL(", ")"},      {"MOD(17.5,1+ABS(", "))"}};
+        {"SIN(", ")"},       {"COS(", ")"},        {"ATAN(", ")"},           {"TANH(", ")"},      {"SQRT(ABS(", "))"},
+        {"EXP(SIN(", "))"},  {"LOG(1+ABS(", "))"}, {"SINH(COS(", "))"},      {"COSH(SIN(", "))"}, {"ASIN(COS(", "))"},
+        {"ACOS(SIN(", "))"}, {"TAN(", ")"},        {"LOG10(1+ABS(", "))"},   {"ROUND(", ")"},     {"EXP(", ")"},
+        {"FLOOR(", ")"},     {"CEIL(", ")"},       {"MOD(17.5,1+ABS(", "))"}};
     const auto& [begin, end] = kCalls[static_cast<std::size_t>(Below(static_cast<int>(std::size(kCalls))))];
     return begin + Sum(depth - 1) + end;
   }

@@ -86,8 +86,8 @@ TEST(Nesting, TenMegabytesHaveAValue) {
             "floating point exception in real constant: Overflow at position 1, in '" + ones + "'");
   const std::string name = Repeated("x", 10'000'000);
   EXPECT_EQ(EvaluateNumericEntry(name).failure, "syntax error: unknown token " + name + " at position 1");
-  const FormulaCheck sum = CheckFormula(Repeated("\"x\"" + std::string(36, ' ') + "+", 250'000) + "1",
-                                        std::vector<std::string>{"x"});
+  const FormulaCheck sum =
+      CheckFormula(Repeated("\"x\"" + std::string(36, ' ') + "+", 250'000) + "1", std::vector<std::string>{"x"});
   ASSERT_TRUE(sum.formula.has_value()) << sum.failure;
   EXPECT_EQ(sum.formula->Evaluate(std::vector<double>{2}).value, 500'001);
 }

@@ -182,8 +182,7 @@ const FormulaCase kWrongNumbers[] = {
     Fails("1e+x", "syntax error in real number, expected digit at position 4, found 'x'"),
     Fails("1e--3", "syntax error in real number, expected digit at position 4, found '-'"),
     Fails("1e999", "floating point exception in real constant: Overflow at position 1, in '1e999'"),
-    Fails("2+1e99999999999 ",
-          "floating point exception in real constant: Overflow at position 3, in '1e99999999999'"),
+    Fails("2+1e99999999999 ", "floating point exception in real constant: Overflow at position 3, in '1e99999999999'"),
     Fails("0e999", "floating point exception in real constant: Overflow at position 1, in '0e999'"),
 };
 

@@ -39,8 +39,7 @@ std::filesystem::path FreshFolder(const char* name) {
   return folder;
 }
 
-constexpr const char* kCannotCreate =
-    "Failed to create a mutex for locking the parser for the current thread";
+constexpr const char* kCannotCreate = "Failed to create a mutex for locking the parser for the current thread";
 
 TEST(ParseMutexFile, NeedsAFolder) {
   const TemporaryFolder folder("/no/such/folder");
@@ -76,8 +75,7 @@ TEST(ParseMutexFile, IsNotAnotherUsersAsFarAsTheSuperuserCanTell) {
   EXPECT_EQ(numerics::EvaluateNumericEntry("1").value, 1);
   const auto file = folder / ("VELTParseMutex-" + std::to_string(geteuid()));
   const std::size_t handles = OpenHandles();
-  if (chown(file.c_str(), geteuid() + 1, getegid()) != 0)
-    GTEST_SKIP() << "only the superuser gives files away";
+  if (chown(file.c_str(), geteuid() + 1, getegid()) != 0) GTEST_SKIP() << "only the superuser gives files away";
   EXPECT_EQ(numerics::EvaluateNumericEntry("1").failure, kCannotCreate);
   EXPECT_EQ(OpenHandles(), handles);
 }

@@ -71,8 +71,7 @@ TEST(ParseMutex, AnEntryWaitsForTheMutex) {
 }
 
 TEST(ParseMutex, FailedEntriesGiveItBack) {
-  for (const char* text : {"1/0", "(", "2 $", "SQRT(-1)", ""})
-    EXPECT_FALSE(EvaluateNumericEntry(text).Succeeded());
+  for (const char* text : {"1/0", "(", "2 $", "SQRT(-1)", ""}) EXPECT_FALSE(EvaluateNumericEntry(text).Succeeded());
   std::thread other([] { EXPECT_EQ(EvaluateNumericEntry("1").value, 1); });
   other.join();
 }

@@ -75,8 +75,7 @@ TEST(RoundTrip, PrintedTreesMeanTheSame) {
     const Evaluation direct = RefuseNonFinite(EvaluatePlainly(folded, at));
     ++(direct.Succeeded() ? values : faults);
     EXPECT_EQ(parsed.failure, direct.failure) << text;
-    EXPECT_TRUE(SameValue(parsed.value, direct.value))
-        << text << ": " << parsed.value << ", " << direct.value;
+    EXPECT_TRUE(SameValue(parsed.value, direct.value)) << text << ": " << parsed.value << ", " << direct.value;
   }
   // Enough of both for this to tell something.
   EXPECT_TRUE(values > 8000 && faults > 2000)
@@ -86,8 +85,7 @@ TEST(RoundTrip, PrintedTreesMeanTheSame) {
 TEST(RoundTrip, NumbersAreReadExactlyFromExactTexts) {
   std::mt19937_64 random(3);
   for (int i = 0; i < 1000; ++i) {
-    const double value =
-        std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 60) - 60);
+    const double value = std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 60) - 60);
     const FormulaCheck check = CheckFormula(ExactText(value), {});
     ASSERT_TRUE(check.formula.has_value()) << ExactText(value);
     EXPECT_EQ(check.formula->Evaluate({}).value, value) << ExactText(value);

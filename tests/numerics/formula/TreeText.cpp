@@ -20,8 +20,7 @@ std::string ExactText(double value) {
   const std::string digits = std::to_string(mantissa);
   if (exponent == 0) return digits;
   if (exponent > 0 && value < 0x1p53) return std::to_string(mantissa << exponent);
-  if (exponent < 0 && exponent > -53)
-    return "(" + digits + "/" + std::to_string(std::int64_t{1} << -exponent) + ")";
+  if (exponent < 0 && exponent > -53) return "(" + digits + "/" + std::to_string(std::int64_t{1} << -exponent) + ")";
   return "(" + digits + "*2^" + std::to_string(exponent) + ")";
 }
 
@@ -62,8 +61,7 @@ ExpressionTree Resolved(ExpressionTree tree) {
 }
 
 bool SameValue(double a, double b) {
-  return (std::isnan(a) && std::isnan(b)) ||
-         std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+  return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
 }  // namespace morvelan::test

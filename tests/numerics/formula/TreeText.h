@@ -11,8 +11,7 @@ namespace morvelan::test {
 
 /// A formula that means exactly the tree: everything in parentheses, numbers written so that they are read
 /// without rounding. The tree's calls may be unresolved.
-[[nodiscard]] std::string TreeText(const numerics::ExpressionTree& tree,
-                                   std::span<const std::string> variables);
+[[nodiscard]] std::string TreeText(const numerics::ExpressionTree& tree, std::span<const std::string> variables);
 
 /// A formula of integers, divisions and powers of two whose value is exactly `value`, which is finite.
 [[nodiscard]] std::string ExactText(double value);

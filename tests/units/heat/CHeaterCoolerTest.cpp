@@ -37,8 +37,7 @@ struct Specification {
 
 constexpr const char* kZeroFlow = "WARNING: HeaterCooler H-101: Zero flow; using zero heat duty";
 
-constexpr const char* kOffered =
-    "Heat duty from inlet energy port: 500 W (no temperature range for heat transfer)";
+constexpr const char* kOffered = "Heat duty from inlet energy port: 500 W (no temperature range for heat transfer)";
 constexpr const char* kOffers = "Outlet temperature:\t305 K\r\nHeat duty:\t500 W\r\n";
 constexpr const char* kOffersInVain = "Outlet temperature:\t300 K\r\nHeat duty:\t0 W\r\n";
 
@@ -56,8 +55,8 @@ const Specification kSpecifications[] = {
 
 std::string ReportOf(const Specification& c, bool thermo11) {
   return std::string("+++ specifications +++\r\n\r\n") + c.report +
-         "\r\nPressure drop:\t20000 Pa\r\n\r\n+++ optional parameters +++\r\nType:\t" + c.type + "\r\n" +
-         c.optional + "Thermo Version:\t" + (thermo11 ? "1.1" : "1.0") + "\r\n";
+         "\r\nPressure drop:\t20000 Pa\r\n\r\n+++ optional parameters +++\r\nType:\t" + c.type + "\r\n" + c.optional +
+         "Thermo Version:\t" + (thermo11 ? "1.1" : "1.0") + "\r\n";
 }
 
 TEST(CHeaterCooler, HeatsByEachSpecification) {
@@ -87,8 +86,7 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
         EXPECT_NEAR(bench.Number("Outlet temperature"), c.temperature, 1e-12 * c.temperature);
         EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9);
         const bool warns = c.flow <= 0 && type != "Temperature" && !quiet;
-        EXPECT_EQ(bench.context->log,
-                  warns ? std::vector<std::string>{kZeroFlow} : std::vector<std::string>{});
+        EXPECT_EQ(bench.context->log, warns ? std::vector<std::string>{kZeroFlow} : std::vector<std::string>{});
         EXPECT_EQ(bench.door.Report("Last run"), quiet ? "Report is not available" : ReportOf(c, thermo11));
       }
 }
@@ -157,13 +155,10 @@ const RangeCase kRangeCases[] = {
 };
 
 std::string RangeText(const RangeCase& c) {
-  const auto known = [](std::optional<double> limit) {
-    return limit && *limit != kMissing && !std::isnan(*limit);
-  };
+  const auto known = [](std::optional<double> limit) { return limit && *limit != kMissing && !std::isnan(*limit); };
   if (!known(c.low)) return "(no temperature range for heat transfer)";
   if (!known(c.high)) return "between " + NumberText(*c.low) + " K and N/A";
-  return "between " + NumberText(std::min(*c.low, *c.high)) + " K and " +
-         NumberText(std::max(*c.low, *c.high)) + " K";
+  return "between " + NumberText(std::min(*c.low, *c.high)) + " K and " + NumberText(std::max(*c.low, *c.high)) + " K";
 }
 
 TEST(CHeaterCooler, KeepsToTheTemperaturesOfItsEnergyStream) {
@@ -202,11 +197,10 @@ TEST(CHeaterCooler, GoesOnWithoutALimitThatCannotBeFound) {
          bench.At("Outlet").statuses = {CAPE_UNKNOWNPHASESTATUS, CAPE_UNKNOWNPHASESTATUS};
        },
        "Failed to calculate overall enthalpy; phase Vapor is reported not to be in equilibrium"},
-      {"a text for a temperature",
-       [](UnitBench& bench) { bench.heat->parameters[1]->value = com::MakeString("warm"); },
+      {"a text for a temperature", [](UnitBench& bench) { bench.heat->parameters[1]->value = com::MakeString("warm"); },
        "a number expected, a text found"},
-      {"no value for a temperature",
-       [](UnitBench& bench) { bench.heat->parameters[1]->value = com::Variant(); }, nullptr},
+      {"no value for a temperature", [](UnitBench& bench) { bench.heat->parameters[1]->value = com::Variant(); },
+       nullptr},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.title);
@@ -251,8 +245,7 @@ TEST(CHeaterCooler, AsksAgainForATemperatureThatIsNotSet) {
       bench.Calculate();
       EXPECT_EQ(bench.Number("Outlet temperature"), 310);
     } else {
-      CheckFailedCalculation(bench.door,
-                             "the temperature of the material on port Outlet is not set after its flash");
+      CheckFailedCalculation(bench.door, "the temperature of the material on port Outlet is not set after its flash");
     }
   }
 }

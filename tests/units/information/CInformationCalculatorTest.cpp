@@ -22,8 +22,7 @@ struct Calculator : UnitBench {
   Calculator() : UnitBench("InformationCalculator", true) {
     Set(R"({"formula": "\"T1\" - \"t2\"", "outputVariable": {"name": "range", "unit": "K;Delta"},
             "inputVariables": [{"name": "T1", "unit": "K"}, {"name": "T2", "unit": "K^1"}]})");
-    for (const auto& [port, kelvin] : {std::pair("T1", 350.0), std::pair("T2", 320.0)})
-      Connect(port, kKelvin, kelvin);
+    for (const auto& [port, kelvin] : {std::pair("T1", 350.0), std::pair("T2", 320.0)}) Connect(port, kKelvin, kelvin);
     Connect("range", kKelvinDifference, 0);
     Restart();
   }
@@ -44,9 +43,7 @@ struct Calculator : UnitBench {
     streams[port]->Add("value", dimensionality, value);
     EXPECT_EQ(door.Port(port)->Connect(Dispatch(streams[port])), S_OK) << ErrorOf(door.Port(port).Get());
   }
-  [[nodiscard]] com::Variant& ValueAt(const std::string& port) {
-    return streams.at(port)->parameters[0]->value;
-  }
+  [[nodiscard]] com::Variant& ValueAt(const std::string& port) { return streams.at(port)->parameters[0]->value; }
   [[nodiscard]] double Result() { return com::ReadDouble(ValueAt("range").Get()); }
   [[nodiscard]] std::string Invalid() const {
     std::string message;
@@ -71,10 +68,9 @@ TEST(CInformationCalculator, CalculatesItsOutlet) {
   Calculator bench;
   bench.Calculate();
   EXPECT_EQ(bench.Result(), 30);
-  EXPECT_EQ(
-      bench.door.Report("Last run"),
-      "+++ input values +++\r\n\r\nT1:\t350 K\r\nT2:\t320 K\r\n\r\n+++ Formula +++\r\n\"T1\" - \"t2\"\r\n"
-      "\r\n+++ Result +++\r\nrange:\t30 K\r\n");
+  EXPECT_EQ(bench.door.Report("Last run"),
+            "+++ input values +++\r\n\r\nT1:\t350 K\r\nT2:\t320 K\r\n\r\n+++ Formula +++\r\n\"T1\" - \"t2\"\r\n"
+            "\r\n+++ Result +++\r\nrange:\t30 K\r\n");
   bench.ValueAt("T1") = com::MakeDouble(300.1234567);
   bench.AskForSimplifiedModel();
   bench.Calculate();
@@ -126,8 +122,7 @@ TEST(CInformationCalculator, FailsWhereItsFormulaDoes) {
     const char* description;
   } const cases[] = {
       {"1 / (\"T1\" - 350)", "floating point exception in division: Division by zero"},
-      {"(\"T1\" - 350) / (\"T2\" - 320)",
-       "floating point exception in division: Invalid domain for function"},
+      {"(\"T1\" - 350) / (\"T2\" - 320)", "floating point exception in division: Invalid domain for function"},
       {"EXP(\"T1\") ^ \"T2\"", "floating point exception in power: Overflow"},
       {"LOG(\"T2\" - \"T1\")", "floating point exception in LOG: Invalid domain for function"},
       {"ASIN(\"T1\")", "floating point exception in ASIN: Invalid domain for function"},
@@ -237,18 +232,16 @@ TEST(CInformationCalculator, KeepsConnectionsWhenVariablesAreRenamedAndMoved) {
   } const cases[] = {
       {"renamed", R"({"inputVariables": [{"name": "hot", "unit": "K"}, {"name": "T2", "unit": "K"}]})",
        "hot+ T2+ range+"},
-      {"in other letters",
-       R"({"inputVariables": [{"name": "t1", "unit": "K"}, {"name": "T2", "unit": "K"}]})", "t1+ T2+ range+"},
-      {"moved", R"({"inputVariables": [{"name": "T2", "unit": "K"}, {"name": "T1", "unit": "K"}]})",
-       "T2+ T1+ range+"},
+      {"in other letters", R"({"inputVariables": [{"name": "t1", "unit": "K"}, {"name": "T2", "unit": "K"}]})",
+       "t1+ T2+ range+"},
+      {"moved", R"({"inputVariables": [{"name": "T2", "unit": "K"}, {"name": "T1", "unit": "K"}]})", "T2+ T1+ range+"},
       {"one in front", R"({"inputVariables": [{"name": "n"}, {"name": "T1", "unit": "K"},
                                               {"name": "T2", "unit": "K"}]})",
        "n T1+ T2+ range+"},
       {"one less", R"({"inputVariables": [{"name": "T2", "unit": "K"}]})", "T2+ range+"},
-      {"another unit", R"({"inputVariables": [{"name": "T1", "unit": "Pa"}, {"name": "T2", "unit": "K"}]})",
-       nullptr},
-      {"another dimension",
-       R"({"inputVariables": [{"name": "T1", "unit": "kg"}, {"name": "T2", "unit": "K"}]})", "T1 T2+ range+"},
+      {"another unit", R"({"inputVariables": [{"name": "T1", "unit": "Pa"}, {"name": "T2", "unit": "K"}]})", nullptr},
+      {"another dimension", R"({"inputVariables": [{"name": "T1", "unit": "kg"}, {"name": "T2", "unit": "K"}]})",
+       "T1 T2+ range+"},
       {"output", R"({"outputVariable": {"name": "dT", "unit": "K^1;delta"}})", "T1+ T2+ dT+"},
       {"output without unit", R"({"outputVariable": {"name": "range"}})", "T1+ T2+ range"},
       {"formula", R"({"formula": "1"})", "T1+ T2+ range+"},
@@ -301,10 +294,8 @@ TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
     const char* why;
   } const cases[] = {
       {R"({"inputVariables": [{"name": "a"}, {"name": "A"}]})", "All input variables must have unique names"},
-      {R"({"inputVariables": [{"name": "Range"}]})",
-       "Input variables must be different from output variable name"},
-      {R"({"outputVariable": {"name": "t1"}})",
-       "Output variable name cannot be the same as an input variable name"},
+      {R"({"inputVariables": [{"name": "Range"}]})", "Input variables must be different from output variable name"},
+      {R"({"outputVariable": {"name": "t1"}})", "Output variable name cannot be the same as an input variable name"},
       {R"({"inputVariables": [{"name": ""}]})", "Name cannot be empty"},
       {R"({"outputVariable": {"name": "1a"}})",
        "Invalid character in variable name; the first character cannot be a number"},
@@ -316,8 +307,7 @@ TEST(CInformationCalculator, RefusesABadConfigurationWhole) {
       {R"({"inputVariables": {}})", "\"inputVariables\" of the configuration must be a list"},
       {R"({"inputVariables": [1]})",
        R"("inputVariables"/0 of the configuration must be an object with "name" and "unit")"},
-      {R"({"outputVariable": {"name": "a", "dimension": "m"}})",
-       "unknown key \"dimension\" in \"outputVariable\""},
+      {R"({"outputVariable": {"name": "a", "dimension": "m"}})", "unknown key \"dimension\" in \"outputVariable\""},
       {R"({"formula": 1})", "\"formula\" of the configuration must be a text"},
       {R"({"formula": "1", "outputVariable": {"name": "a", "unit": "furlong"}})",
        "parse error in \"outputVariable\"/unit of the configuration: \"furlong\""},
@@ -441,15 +431,13 @@ TEST(CInformationCalculator, RefusesStreamsThatItDoesNotKnow) {
     const char* name;
     const char* description;
   } const cases[] = {
-      {Encoder().Int(2).Int(0).bytes, nullptr,
-       "Unit was saved with a newer version than available on this system"},
+      {Encoder().Int(2).Int(0).bytes, nullptr, "Unit was saved with a newer version than available on this system"},
       {Encoder().Int(1).Int(2).Text(u"formula").Text(u"1").Text(u"formula").Text(u"2").bytes, nullptr,
        "duplicate parameter 'formula'"},
       {Encoder().Int(1).Int(1).Text(u"Formula").Text(u"1").bytes, nullptr, "unknown parameter 'Formula'"},
       {Encoder().Int(1).Int(1).Text(u"").Text(u"1").bytes, nullptr, "empty parameter name"},
       {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"y").Text(u"W").bytes, nullptr, "parse error"},
-      {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"").Text(u"").bytes, nullptr,
-       "Name cannot be empty"},
+      {Encoder().Int(1).Int(1).Text(u"outputVariable").Text(u"").Text(u"").bytes, nullptr, "Name cannot be empty"},
       {Encoder().Int(1).Int(1).Text(u"inputVariables").Int(1).Text(u"Output").Text(u"").bytes, nullptr,
        "Input variables must be different from output variable name"},
       {Encoder().Int(1).Int(1).Text(u"inputVariables").Int(1 << 20).bytes, nullptr,
@@ -463,8 +451,7 @@ TEST(CInformationCalculator, RefusesStreamsThatItDoesNotKnow) {
   const std::string before = SavedBytes(door.Get());
   for (const auto& c : cases) {
     EXPECT_EQ(LoadBytes(door.Get(), Header().bytes + c.data + Reports()), kUnitFailed) << c.description;
-    EXPECT_EQ(ErrorOf(door.Get()),
-              (Texts{c.name ? c.name : c.description, c.description, "Load", "IPersistStream"}));
+    EXPECT_EQ(ErrorOf(door.Get()), (Texts{c.name ? c.name : c.description, c.description, "Load", "IPersistStream"}));
     EXPECT_TRUE(SameBytes(SavedBytes(door.Get()), before));
   }
   EXPECT_EQ(bench.Ports(), "T1+ T2+ range+");
@@ -476,8 +463,7 @@ TEST(CInformationCalculator, ExplainsAWriteThatFails) {
   const auto stream = com::Make<FakeIStream>();
   stream->failAt = 2;
   EXPECT_EQ(door->Save(stream.Get(), TRUE), kUnitFailed);
-  EXPECT_EQ(ErrorOf(door.Get()),
-            (Texts{"Write error", "failed to save: write error", "Save", "IPersistStream"}));
+  EXPECT_EQ(ErrorOf(door.Get()), (Texts{"Write error", "failed to save: write error", "Save", "IPersistStream"}));
   EXPECT_EQ(door->IsDirty(), S_OK);
 }
 

@@ -108,10 +108,9 @@ TEST(CValve, NeedsOneEnthalpy) {
     bench.script->oddAnswers[thermo11 ? "GetSinglePhaseProp enthalpy" : "GetProp enthalpy"] = [] {
       return com::MakeDoubles(std::array{1.0, 2.0});
     };
-    CheckFailedCalculation(bench.door,
-                           thermo11 ? "Invalid values for enthalpy for phase Vapor, basis \"mole\": scalar "
-                                      "expected"
-                                    : "Unexpected number of values for enthalpy: scalar expected");
+    CheckFailedCalculation(bench.door, thermo11 ? "Invalid values for enthalpy for phase Vapor, basis \"mole\": scalar "
+                                                  "expected"
+                                                : "Unexpected number of values for enthalpy: scalar expected");
   }
 }
 

@@ -21,8 +21,7 @@ constexpr const char* kUnlisted = "valid";
 
 const Assignment kAssignments[] = {
     {"as it should be", [](FakePackageState&, HostScript&) {}, S_OK, "", kUnlisted},
-    {"no properties", [](FakePackageState& state, HostScript&) { state.offersProperties = false; },
-     kUnitFailed,
+    {"no properties", [](FakePackageState& state, HostScript&) { state.offersProperties = false; }, kUnitFailed,
      "Failed to obtain ICapeReactionProperties from reactionsObject in SetReactionObject: No such interface "
      "supported",
      "A reaction package has not been selected"},
@@ -35,8 +34,7 @@ const Assignment kAssignments[] = {
      [](FakePackageState&, HostScript& script) {
        script.oddAnswers["GetReactionsIds"] = [] { return com::MakeDoubles(std::array{1.0}); };
      },
-     S_OK,
-     "format error in array of reaction IDs from reaction object: element 1: a text expected, a number found",
+     S_OK, "format error in array of reaction IDs from reaction object: element 1: a text expected, a number found",
      kUnlisted},
 };
 
@@ -130,8 +128,7 @@ TEST(BaseReactor, SwitchesWhatIsGivenAndItsEnergyPort) {
     EXPECT_EQ(bench.IsOutput("Temperature"), temperatureIsOutput);
     EXPECT_EQ(bench.IsOutput("Heat duty"), dutyIsOutput);
     const std::vector<std::string> names = {"Inlet", "HeatDutySpecification", "Outlet"};
-    EXPECT_EQ(bench.PortNames(),
-              isInlet ? names : (std::vector<std::string>{"Inlet", "Outlet", "Heat duty"}));
+    EXPECT_EQ(bench.PortNames(), isInlet ? names : (std::vector<std::string>{"Inlet", "Outlet", "Heat duty"}));
     const auto port = bench.door.Port(isInlet ? "HeatDutySpecification" : "Heat duty");
     CapePortDirection direction = CAPE_INLET_OUTLET;
     EXPECT_EQ(port->get_direction(&direction), S_OK);
@@ -169,8 +166,8 @@ struct HeatCase {
 };
 
 std::string Infeasible(const char* end, const char* how) {
-  return std::string("WARNING: FixedConversionReactor R-1: ") + end + " inlet heat stream temperature is " +
-         how + ", this is infeasible";
+  return std::string("WARNING: FixedConversionReactor R-1: ") + end + " inlet heat stream temperature is " + how +
+         ", this is infeasible";
 }
 const std::string kLowBelow = Infeasible("lower", "below reactor temperature while heating");
 const std::string kHighBelow = Infeasible("upper", "below reactor temperature while heating");

@@ -136,8 +136,7 @@ TEST(CCSTR, FindsTheSteadyState) {
   for (const bool thermo11 : {false, true})
     for (const bool adiabatic : {false, true})
       for (const SteadyState& c : kSteadyStates) {
-        SCOPED_TRACE(testing::Message()
-                     << c.title << ", adiabatic: " << adiabatic << ", thermo 1.1: " << thermo11);
+        SCOPED_TRACE(testing::Message() << c.title << ", adiabatic: " << adiabatic << ", thermo 1.1: " << thermo11);
         CstrBench bench(thermo11);
         bench.Select(c.reactions);
         if (c.volume > 0) bench.Put("Reactor volume", c.volume);
@@ -160,10 +159,10 @@ TEST(CCSTR, FindsTheSteadyState) {
 TEST(CCSTR, EvaluatesRatesAtItsOutlet) {
   for (const bool thermo11 : {false, true})
     for (const char* enthalpy : {"Use EnthalpyF", "Use Enthalpy and heat of reaction"}) {
-      const FakePackageState package = {
-          .reactions = {AtRate("R", {"A", "B"}, {-1, 1}, [](const FakeConditions& tank) {
-            return tank.fractions[0] * (tank.temperature - 200) / 100 * (tank.pressure / 0.8e5);
-          })}};
+      const FakePackageState package = {.reactions = {AtRate("R", {"A", "B"}, {-1, 1}, [](const FakeConditions& tank) {
+                                          return tank.fractions[0] * (tank.temperature - 200) / 100 *
+                                                 (tank.pressure / 0.8e5);
+                                        })}};
       CstrBench bench(thermo11, package);
       bench.Select(R"("R")");
       bench.Put("Heat duty type", "Heat duty");
@@ -175,9 +174,8 @@ TEST(CCSTR, EvaluatesRatesAtItsOutlet) {
       EXPECT_NEAR(bench.Number("Temperature"), 400, 1e-5);
       EXPECT_EQ(bench.At("Outlet").pressure, 8e4);
       const bool countsHeat = enthalpy != std::string("Use EnthalpyF");
-      EXPECT_EQ(
-          bench.door.Report("Last run").find("total heat of reaction:\t-10000 W\r\n") != std::string::npos,
-          countsHeat)
+      EXPECT_EQ(bench.door.Report("Last run").find("total heat of reaction:\t-10000 W\r\n") != std::string::npos,
+                countsHeat)
           << bench.door.Report("Last run");
     }
 }
@@ -187,8 +185,7 @@ TEST(CCSTR, EvaluatesRatesAtItsOutlet) {
 TEST(CCSTR, LeavesOutDensitiesThatCancelOut) {
   constexpr double kMolar = 40;  // [mol/m3]
   constexpr const char* kMoles = "Reducing molarity basis to moleFraction basis; all densities cancel out";
-  constexpr const char* kMasses =
-      "Reducing concentration basis to massFraction basis; all densities cancel out";
+  constexpr const char* kMasses = "Reducing concentration basis to massFraction basis; all densities cancel out";
   struct {
     const char* basis;
     double products, constant;  // half of A becomes B: see the closed forms of each
@@ -235,8 +232,7 @@ TEST(CCSTR, PassesNoFeedOn) {
   EXPECT_EQ(bench.At("Outlet").pressure, 8e4);
   EXPECT_EQ(bench.At("Outlet").fractions, bench.At("Inlet").fractions);
   EXPECT_EQ(bench.CallsOf("GetReactionProp"), 0);
-  EXPECT_EQ(bench.context->log,
-            std::vector<std::string>{"WARNING: CSTR R-1: Zero flow; bypassing calculations"});
+  EXPECT_EQ(bench.context->log, std::vector<std::string>{"WARNING: CSTR R-1: Zero flow; bypassing calculations"});
   bench.At("Inlet").flow = -1e-9;
   CheckFailedCalculation(bench.door, "Negative or zero flow on inlet", "underflow");
 }
@@ -269,8 +265,7 @@ std::string Rounded(const std::string& report) {
     const auto read = std::from_chars(report.data() + from, report.data() + end, number);
     char digits[32];
     if (read.ec == std::errc() && end - from > 10)
-      rounded.append(digits,
-                     std::to_chars(digits, std::end(digits), number, std::chars_format::general, 9).ptr);
+      rounded.append(digits, std::to_chars(digits, std::end(digits), number, std::chars_format::general, 9).ptr);
     else
       rounded.append(report, from, end - from);
     if (end < report.size()) rounded += report[end];

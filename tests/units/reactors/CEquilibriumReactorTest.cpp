@@ -92,12 +92,8 @@ TEST(CEquilibriumReactor, BoundsItsSolution) {
 // With x = x_B / x_A = 4 of A = B, 0.8 of A and B is B, whatever is fed.
 TEST(CEquilibriumReactor, SolvesOneReaction) {
   for (const bool thermo11 : {false, true})
-    for (const std::vector<double>& feed : {std::vector<double>{2, 0, 0},
-                                            {0, 2, 0},
-                                            {0.4, 1.6, 1},
-                                            {1.99, 0.01, 5},
-                                            {1e-8, 0, 0},
-                                            {3e4, 1e5, 0}}) {
+    for (const std::vector<double>& feed :
+         {std::vector<double>{2, 0, 0}, {0, 2, 0}, {0.4, 1.6, 1}, {1.99, 0.01, 5}, {1e-8, 0, 0}, {3e4, 1e5, 0}}) {
       SCOPED_TRACE(testing::Message() << feed[0] << ", " << feed[1] << ", thermo 1.1: " << thermo11);
       EquilibriumBench bench(thermo11);
       bench.Feed(feed);
@@ -175,8 +171,8 @@ TEST(CEquilibriumReactor, TakesEachBasis) {
     for (const char* phase : {"Vapor", "Overall"})
       for (const bool isValidated : {false, true})
         for (const auto& c : cases) {
-          SCOPED_TRACE(testing::Message() << c.basis << " in " << phase << ", thermo 1.1: " << thermo11
-                                          << ", validated: " << isValidated);
+          SCOPED_TRACE(testing::Message()
+                       << c.basis << " in " << phase << ", thermo 1.1: " << thermo11 << ", validated: " << isValidated);
           FakeState feed = ReactorFeed();
           feed.molecularWeights = {20, 10, 10};
           feed.phases[0].properties["density"] = kMolar;
@@ -187,10 +183,8 @@ TEST(CEquilibriumReactor, TakesEachBasis) {
           if (isValidated) bench.Validate();
           bench.Calculate();
           ExpectFlows(bench, {1, 2, 0}, 1e-8);
-          EXPECT_EQ(bench.context->log,
-                    c.warns ? std::vector<std::string>{kWarning} : std::vector<std::string>{});
-          EXPECT_NE(bench.door.Report("Last run")
-                        .find(std::string("basis for reaction \"R1\":\t") + c.word + "\r\n"),
+          EXPECT_EQ(bench.context->log, c.warns ? std::vector<std::string>{kWarning} : std::vector<std::string>{});
+          EXPECT_NE(bench.door.Report("Last run").find(std::string("basis for reaction \"R1\":\t") + c.word + "\r\n"),
                     std::string::npos);
         }
 }
@@ -260,20 +254,19 @@ TEST(CEquilibriumReactor, Reports) {
     bench.ConnectHeat(0, {}, {}, "Heat duty");
     if (quiet) bench.AskForSimplifiedModel();
     bench.Calculate();
-    EXPECT_EQ(
-        bench.door.Report("Last run"),
-        quiet ? "Report is not available"
-              : "+++ specifications +++\r\n\r\nUsing enthalpyF in enthalpy calculations\r\n"
-                "Reaction \"L1\" is ignored: phase \"Liquid\" is not present\r\n"
-                "\r\n+++ solution +++\r\n\r\nSolution converged in 1 iterations\r\n"
-                "Iterations started from:\tno reaction\r\n"
-                "Extent of reaction \"R1\":\t0 mol/s\r\n"
-                "Equilibrium constant reaction \"R1\":\t4\r\n"
-                "basis for reaction \"R1\":\tmole fraction\r\n"
-                "Heat duty to outlet energy port: 1250 W (positive is consumed by the reactor)\r\n"
-                "\r\n+++ optional parameters +++\r\nPressure drop:\t0 Pa\r\nHeat duty type:\tHeat duty\r\n"
-                "Temperature:\t310 K\r\nHeat duty:\t1250 W\r\nEnthalpy Type:\tUse EnthalpyF\r\n"
-                "Tolerance:\t1e-10\r\nMaximum iterations:\t100\r\nThermo Version:\t1.1\r\n");
+    EXPECT_EQ(bench.door.Report("Last run"),
+              quiet ? "Report is not available"
+                    : "+++ specifications +++\r\n\r\nUsing enthalpyF in enthalpy calculations\r\n"
+                      "Reaction \"L1\" is ignored: phase \"Liquid\" is not present\r\n"
+                      "\r\n+++ solution +++\r\n\r\nSolution converged in 1 iterations\r\n"
+                      "Iterations started from:\tno reaction\r\n"
+                      "Extent of reaction \"R1\":\t0 mol/s\r\n"
+                      "Equilibrium constant reaction \"R1\":\t4\r\n"
+                      "basis for reaction \"R1\":\tmole fraction\r\n"
+                      "Heat duty to outlet energy port: 1250 W (positive is consumed by the reactor)\r\n"
+                      "\r\n+++ optional parameters +++\r\nPressure drop:\t0 Pa\r\nHeat duty type:\tHeat duty\r\n"
+                      "Temperature:\t310 K\r\nHeat duty:\t1250 W\r\nEnthalpy Type:\tUse EnthalpyF\r\n"
+                      "Tolerance:\t1e-10\r\nMaximum iterations:\t100\r\nThermo Version:\t1.1\r\n");
     EXPECT_EQ(bench.context->log.empty(), quiet);
   }
 }

@@ -25,13 +25,7 @@ const ConversionCase kConversions[] = {
     {"in series", kBoth, R"("A", "B")", "0.5, 0.5", true, {1, 0, 0}, {0.5, 0.25, 0.25}},
     {"in parallel", kBoth, R"("A", "B")", "0.5, 0.5", false, {1, 0, 0}, {0.5, 0.5, 0}},
     {"in parallel, some B", kBoth, R"("A", "B")", "0.5, 0.5", false, {1, 1, 0}, {0.5, 1, 0.5}},
-    {"in the other order",
-     R"("B to C", "A to B")",
-     R"("B", "A")",
-     "0.5, 0.5",
-     true,
-     {1, 0, 0},
-     {0.5, 0.5, 0}},
+    {"in the other order", R"("B to C", "A to B")", R"("B", "A")", "0.5, 0.5", true, {1, 0, 0}, {0.5, 0.5, 0}},
     {"one alone is in series", R"("A to B")", R"("a")", "0.25", false, {1, 0, 1}, {0.75, 0.25, 1}},
     {"more moles", R"("A to 2B")", R"("A")", "0.5", false, {1, 0, 0}, {0.5, 1, 0}},
     {"by its product: backwards", R"("A to B")", R"("B")", "0.5", false, {1, 1, 0}, {1.5, 0.5, 0}},
@@ -46,21 +40,9 @@ const ConversionCase kConversions[] = {
      false,
      {0.9, 0, 0},
      {0, 0.6 * 0.9 + 2 * 0.4 * 0.9, 0}},
-    {"the same reaction twice",
-     R"("A to B", "A to B")",
-     R"("A", "A")",
-     "0.5, 0.5",
-     true,
-     {1, 0, 0},
-     {0.25, 0.75, 0}},
+    {"the same reaction twice", R"("A to B", "A to B")", R"("A", "A")", "0.5, 0.5", true, {1, 0, 0}, {0.25, 0.75, 0}},
     // Rounding is forgiven up to 2.2e-15 of what reacts in series, and of the whole feed in parallel.
-    {"hardly too little of another",
-     R"("A and B to C")",
-     R"("A")",
-     "1",
-     true,
-     {1, 1 - 1.5e-15, 0},
-     {0, 0, 1}},
+    {"hardly too little of another", R"("A and B to C")", R"("A")", "1", true, {1, 1 - 1.5e-15, 0}, {0, 0, 1}},
     {"a trace too little of another",
      R"("A and B to C")",
      R"("A")",
@@ -122,8 +104,7 @@ TEST(CFixedConversionReactor, Converts) {
       }
       bench.Calculate();
       const std::vector<double> flows = bench.Flows();
-      for (std::size_t i = 0; i < flows.size(); ++i)
-        EXPECT_NEAR(flows[i], c.product[i], 2e-15 * c.product[i]) << i;
+      for (std::size_t i = 0; i < flows.size(); ++i) EXPECT_NEAR(flows[i], c.product[i], 2e-15 * c.product[i]) << i;
       EXPECT_EQ(bench.At("Inlet").written.size(), 0u) << "the feed is untouched";
     }
 }
@@ -180,8 +161,8 @@ TEST(CFixedConversionReactor, ClosesItsHeatBalance) {
   for (const bool thermo11 : {false, true})
     for (const bool quiet : {false, true})
       for (const HeatCase& c : kHeatCases) {
-        SCOPED_TRACE(testing::Message() << c.type << ", " << c.enthalpy << ", " << c.reaction << ", "
-                                        << c.given << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
+        SCOPED_TRACE(testing::Message() << c.type << ", " << c.enthalpy << ", " << c.reaction << ", " << c.given
+                                        << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         ReactorBench bench(thermo11);
         const std::string type = c.type;
         bench.Select('"' + std::string(c.reaction) + '"', R"("A")", "0.5");
@@ -259,14 +240,12 @@ TEST(CFixedConversionReactor, RefusesHeatsOfReactionThatAreNone) {
   } const cases[] = {
       {[] { return com::MakeDoubles(std::array{kNaN}); }, "value is not set"},
       {[] { return com::MakeDoubles(std::array{kMissing}); }, "value is not set"},
-      {[] { return com::MakeDoubles(std::array{std::numeric_limits<double>::infinity()}); },
-       "value is infinite"},
+      {[] { return com::MakeDoubles(std::array{std::numeric_limits<double>::infinity()}); }, "value is infinite"},
       {[] {
          return com::MakeDoubles(std::array{1.0, 2.0});
        },
        "scalar expected"},
-      {[] { return com::MakeStrings(std::vector<std::string>{"hot"}); },
-       "element 1: a number expected, a text found"},
+      {[] { return com::MakeStrings(std::vector<std::string>{"hot"}); }, "element 1: a number expected, a text found"},
       {[] { return com::Variant(); }, "an array of numbers expected, nothing found"},
   };
   for (const auto& c : cases) {
@@ -274,11 +253,9 @@ TEST(CFixedConversionReactor, RefusesHeatsOfReactionThatAreNone) {
     bench.Select(R"("A to B")", R"("A")", "0.5");
     bench.Put("Enthalpy Type", kAndHeat);
     bench.script->oddAnswers["GetReactionProp enthalpyOfReaction"] = c.answer;
-    const std::string text =
-        std::string("failed to get property enthalpyOfReaction for reaction A to B: ") + c.why;
+    const std::string text = std::string("failed to get property enthalpyOfReaction for reaction A to B: ") + c.why;
     EXPECT_EQ(bench.door.unit->Calculate(), kUnitFailed);
-    EXPECT_EQ(ErrorOf(bench.door.unit.Get()),
-              (Texts{"GetReactionProperty failed", text, "Calculate", "BaseReactor"}));
+    EXPECT_EQ(ErrorOf(bench.door.unit.Get()), (Texts{"GetReactionProperty failed", text, "Calculate", "BaseReactor"}));
     EXPECT_EQ(bench.At("Outlet").written.size(), 0u);
     bench.Put("Enthalpy Type", kF);
     bench.Calculate();
@@ -297,10 +274,9 @@ TEST(CFixedConversionReactor, GoesOnWithoutADutyThatCannotBeFound) {
   EXPECT_EQ(com::ReadDouble(bench.heat->parameters[0]->value.Get()), kMissing);
   EXPECT_EQ(bench.Number("Heat duty"), kMissing);
   const std::string report = bench.door.Report("Last run");
-  EXPECT_NE(
-      report.find("Heat duty cannot be determined: Failed to calculate overall enthalpyF; phase Vapor is "
-                  "reported not to be in equilibrium\r\n"),
-      std::string::npos)
+  EXPECT_NE(report.find("Heat duty cannot be determined: Failed to calculate overall enthalpyF; phase Vapor is "
+                        "reported not to be in equilibrium\r\n"),
+            std::string::npos)
       << report;
   EXPECT_NE(report.find("Heat duty:\tN/A\r\n"), std::string::npos);
 }
@@ -311,8 +287,7 @@ TEST(CFixedConversionReactor, PassesNoFeedOn) {
   struct {
     const char* type;
     bool quiet;
-  } const cases[] = {
-      {"Isothermal", false}, {"Heat duty", false}, {"Energy inlet", false}, {"Isothermal", true}};
+  } const cases[] = {{"Isothermal", false}, {"Heat duty", false}, {"Energy inlet", false}, {"Isothermal", true}};
   for (const auto& [type, quiet] : cases) {
     SCOPED_TRACE(testing::Message() << type << ", quiet: " << quiet);
     ReactorBench bench;
@@ -330,8 +305,7 @@ TEST(CFixedConversionReactor, PassesNoFeedOn) {
     EXPECT_EQ(product.flow, 0);
     EXPECT_EQ(product.fractions, bench.At("Inlet").fractions);
     EXPECT_EQ(bench.Number("Heat duty"), 0);
-    const std::vector<std::string> warning = {
-        "WARNING: FixedConversionReactor R-1: Zero flow; bypassing calculations"};
+    const std::vector<std::string> warning = {"WARNING: FixedConversionReactor R-1: Zero flow; bypassing calculations"};
     EXPECT_EQ(bench.context->log, quiet ? std::vector<std::string>{} : warning);
     bench.At("Inlet").flow = -1e-9;
     CheckFailedCalculation(bench.door, "Negative flow on inlet", "underflow");
@@ -343,8 +317,7 @@ TEST(CFixedConversionReactor, LowersThePressure) {
   struct {
     double drop, outlet;
     bool warns;
-  } const cases[] = {
-      {0, 1e5, false}, {2e4, 8e4, false}, {99999, 1, false}, {99999.5, 1, true}, {2e5, 1, true}};
+  } const cases[] = {{0, 1e5, false}, {2e4, 8e4, false}, {99999, 1, false}, {99999.5, 1, true}, {2e5, 1, true}};
   for (const bool quiet : {false, true})
     for (const auto& c : cases) {
       ReactorBench bench;
@@ -353,8 +326,7 @@ TEST(CFixedConversionReactor, LowersThePressure) {
       if (quiet) bench.AskForSimplifiedModel();
       bench.Calculate();
       EXPECT_EQ(bench.At("Outlet").pressure, c.outlet);
-      EXPECT_EQ(bench.context->log,
-                c.warns && !quiet ? std::vector<std::string>{kLimit} : std::vector<std::string>{});
+      EXPECT_EQ(bench.context->log, c.warns && !quiet ? std::vector<std::string>{kLimit} : std::vector<std::string>{});
       EXPECT_EQ(bench.door.Report("Last run") == "Report is not available", quiet);
     }
 }
@@ -378,9 +350,8 @@ TEST(CFixedConversionReactor, NotesPhasesOtherThanThoseOfItsReactions) {
                 "on OVERALL phase."},
       {{kLiquid},
        "Vapor",
-       kStart +
-           "warning: phase defined for reaction A to B is Vapor but phase present is Liquid. Reaction is be "
-           "performed anyway."},
+       kStart + "warning: phase defined for reaction A to B is Vapor but phase present is Liquid. Reaction is be "
+                "performed anyway."},
   };
   for (const bool thermo11 : {false, true})
     for (const auto& c : cases) {

@@ -7,8 +7,7 @@ namespace morvelan::test::catalyst_specification {
 
 constexpr const char* kVolumeMissing =
     "Error: reactor volume is not specified, and at least 1 homogeneous kinetic reaction is present.";
-constexpr const char* kMassNotPositive =
-    "Catalyst mass can be unspecified, but zero or negative values are not valid.";
+constexpr const char* kMassNotPositive = "Catalyst mass can be unspecified, but zero or negative values are not valid.";
 constexpr const char* kInconsistent =
     "Catalyst mass, density and volume are not consistent. Please specify two out of three or make "
     "specifications consistent so that volume * density=mass.";
@@ -42,8 +41,7 @@ const Case kCases[] = {
     {"homogeneous: volume alone", kHom, 2, kNo, kNo, kNo, "valid"},
     {"homogeneous: no volume but zero", kHom, 0, 0, 0, kNo,
      "Error: zero or negative values for reactor volume are not valid."},
-    {"catalyst of no volume", kHom, 2, 0, 0, kNo,
-     "Error: zero or negative values for catalyst volume are not valid."},
+    {"catalyst of no volume", kHom, 2, 0, 0, kNo, "Error: zero or negative values for catalyst volume are not valid."},
     {"catalyst of no mass", kHom, 2, 0, kNo, kNo, kMassNotPositive},
     {"catalyst of no mass, though it follows", kHet, kNo, 0, 2, 500, kMassNotPositive},
     {"heterogeneous: nothing", kHet, kNo, kNo, kNo, kNo, kHeterogeneous},
@@ -90,8 +88,7 @@ TEST(CatalystSpecification, RefusesADensityOfZero) {
   CstrBench bench;
   EXPECT_EQ(bench.Put("Catalyst density", com::MakeDouble(0)), kUnitFailed);
   const CatalystSpecification none{.reactorVolume = {}, .mass = {}, .volume = {}, .density = 0};
-  EXPECT_EQ(none.FindFault(false, false),
-            "Error: zero or negative values for catalyst density are not valid.");
+  EXPECT_EQ(none.FindFault(false, false), "Error: zero or negative values for catalyst density are not valid.");
 }
 
 // What follows from two is not written back: it would contradict them once one of them changes.

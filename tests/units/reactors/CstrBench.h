@@ -25,8 +25,7 @@ inline FakePackageState CstrPackage() {
 
 /// An isothermal tank at 300 K that vapour fills, to the closest tolerance.
 struct CstrBench : ReactorBench {
-  explicit CstrBench(bool thermo11 = true, FakePackageState package = CstrPackage(),
-                     FakeState feed = ReactorFeed())
+  explicit CstrBench(bool thermo11 = true, FakePackageState package = CstrPackage(), FakeState feed = ReactorFeed())
       : ReactorBench(thermo11, "CSTR", std::move(package), std::move(feed)) {
     Put("Heat duty type", "Isothermal");
     Put("Phase", "Vapor");

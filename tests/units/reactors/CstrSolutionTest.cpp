@@ -85,8 +85,7 @@ constexpr const char* kEnthalpy = "GetSinglePhaseProp enthalpyF";
 const Fault kFaults[] = {
     {"temperature", false, "SetProp Temperature", nullptr,
      "Failed to set temperature on outlet material: Unspecified error"},
-    {"pressure", false, "SetProp Pressure", nullptr,
-     "Failed to set pressure on outlet material: Unspecified error"},
+    {"pressure", false, "SetProp Pressure", nullptr, "Failed to set pressure on outlet material: Unspecified error"},
     {"fractions", false, "SetProp Fraction", nullptr,
      "Failed to set Overall mole fraction on outlet material: Unspecified error"},
     {"temperature", true, "SetSinglePhaseProp Temperature", nullptr,
@@ -132,9 +131,8 @@ TEST(CstrSolution, ExplainsEvaluationsThatFail) {
     };
     bench.script->interferesAt = "SetMaterial";
     CheckFailedCalculation(
-        bench.door,
-        InThisSystemsWords(std::string("Solution failed: Function cannot be evaluated at initial guess: ") +
-                           fault.why));
+        bench.door, InThisSystemsWords(std::string("Solution failed: Function cannot be evaluated at initial guess: ") +
+                                       fault.why));
     EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
     EXPECT_NE(bench.door.Report("Last run").find("\r\n+++ no solution +++\r\n"), std::string::npos);
     bench.script->oddAnswers.clear();
@@ -170,16 +168,14 @@ TEST(CstrSolution, ExplainsAnOutletThatCannotBeFlashed) {
     bench.Select(R"("E1")");
     bench.script->interfere = [&] { bench.script->failing = {c.call}; };
     bench.script->interferesAt = "SetMaterial";
-    CheckFailedCalculation(bench.door, InThisSystemsWords(std::string(c.opening) + c.why),
-                           InThisSystemsWords(c.why));
+    CheckFailedCalculation(bench.door, InThisSystemsWords(std::string(c.opening) + c.why), InThisSystemsWords(c.why));
   }
 }
 
 TEST(CstrSolution, WarnsOfOtherPhases) {
   const FakePhase kVapor = {"VAPOR", "Vapor", 0.5, {}}, kNoVapor = {"Vapor", "Vapor", 0, {}},
                   kLiquid = {"Liquid", "Liquid", 0.5, {}}, kNoLiquid = {"Liquid", "Liquid", 0, {}};
-  const std::string absent =
-      "WARNING: Reaction phase \"Vapor\" is not present after equilibrium calculation at outlet";
+  const std::string absent = "WARNING: Reaction phase \"Vapor\" is not present after equilibrium calculation at outlet";
   const std::string others =
       "WARNING: Phases other than reaction phase \"Vapor\" are present at the reactor outlet after the "
       "equilibrium calculation";
@@ -223,10 +219,9 @@ TEST(CstrSolution, GoesOnWithoutADutyThatCannotBeFound) {
   EXPECT_EQ(bench.At("Outlet").temperature, 350);
   EXPECT_EQ(bench.Number("Heat duty"), kMissing);
   EXPECT_EQ(com::ReadDouble(bench.heat->parameters[0]->value.Get()), kMissing);
-  EXPECT_EQ(
-      bench.context->log,
-      std::vector<std::string>{"Warning: Failed to get enthalpyF from outlet: Failed to calculate overall "
-                               "enthalpyF; phase Vapor is reported not to be in equilibrium"});
+  EXPECT_EQ(bench.context->log,
+            std::vector<std::string>{"Warning: Failed to get enthalpyF from outlet: Failed to calculate overall "
+                                     "enthalpyF; phase Vapor is reported not to be in equilibrium"});
 }
 
 }  // namespace morvelan::test::cstr_solution

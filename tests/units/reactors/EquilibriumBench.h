@@ -14,9 +14,9 @@ inline FakePackageState EquilibriumPackage() {
   const auto aToB = [](const char* id) { return AtEquilibrium(id, {"A", "B"}, {-1, 1}, 4); };
   const auto twice = [](const char* id) { return AtEquilibrium(id, {"A", "B"}, {-2, 2}, 16); };
   return {.reactions = {aToB("R1"), AtEquilibrium("R2", {"B", "C"}, {-1, 1}, 0.5),
-                        AtEquilibrium("R3", {"A", "C"}, {-1, 1}, 2), In("vapor", twice("R4")),
-                        In("Liquid", aToB("L1")), In("Liquid", AtEquilibrium("L2", {"B", "C"}, {-1, 1}, 1)),
-                        In("Liquid", twice("L3")), AtEquilibrium("D", {"A", "D"}, {-1, 1}, 1),
+                        AtEquilibrium("R3", {"A", "C"}, {-1, 1}, 2), In("vapor", twice("R4")), In("Liquid", aToB("L1")),
+                        In("Liquid", AtEquilibrium("L2", {"B", "C"}, {-1, 1}, 1)), In("Liquid", twice("L3")),
+                        AtEquilibrium("D", {"A", "D"}, {-1, 1}, 1),
                         AtRate("K", {"A", "B"}, {-1, 1}, [](const FakeConditions&) { return 1.0; })}};
 }
 

@@ -46,12 +46,7 @@ TEST(EquilibriumSolution, LeavesOutReactions) {
        {2, 0, 0},
        {2, 0, 0},
        {absent("L1"), idle("R2"), kNone}},
-      {"none: another makes the compounds",
-       R"("R2", "R1")",
-       {kVapor},
-       {2, 0, 0},
-       {2. / 7, 8. / 7, 4. / 7},
-       {}},
+      {"none: another makes the compounds", R"("R2", "R1")", {kVapor}, {2, 0, 0}, {2. / 7, 8. / 7, 4. / 7}, {}},
   };
   for (const bool thermo11 : {false, true})
     for (const auto& c : cases) {
@@ -191,9 +186,8 @@ TEST(EquilibriumSolution, ExplainsEvaluationsThatFail) {
     };
     bench.script->interferesAt = "SetMaterial";
     CheckFailedCalculation(
-        bench.door,
-        InThisSystemsWords(std::string("Solution failed: Function cannot be evaluated at initial guess: ") +
-                           fault.why));
+        bench.door, InThisSystemsWords(std::string("Solution failed: Function cannot be evaluated at initial guess: ") +
+                                       fault.why));
     EXPECT_EQ(bench.At("Outlet").written.size(), 0u) << "the outlet is untouched";
     EXPECT_NE(bench.door.Report("Last run").find("\r\n+++ no solution +++\r\n"), std::string::npos);
     EXPECT_EQ(bench.door.Report("Last run").find("\r\n+++ solution +++\r\n"), std::string::npos);

@@ -25,8 +25,7 @@ const ValidationCase kValidations[] = {
      },
      "A reaction package has not been selected"},
     {"no selection", [](ReactorBench& b) { b.Select("", "", ""); }, "No reaction specified"},
-    {"a reaction that cannot be found",
-     [](ReactorBench& b) { b.package->state.reactions[1].compounds[0] = "D"; },
+    {"a reaction that cannot be found", [](ReactorBench& b) { b.package->state.reactions[1].compounds[0] = "D"; },
      "Error for reaction B to C: reaction compound \"D\" is not present in (inlet-) material; unable to "
      "resolve "
      "compound"},
@@ -35,8 +34,7 @@ const ValidationCase kValidations[] = {
     {"another compound", [](ReactorBench& b) { b.Select(kBoth, R"("A", "A")", "0.5, 0.5"); },
      "Error for reaction B to C: compound specified to which conversion applies does not take part in "
      "reaction"},
-    {"a compound that is left as it is",
-     [](ReactorBench& b) { b.package->state.reactions[1].coefficients[0] = 0; },
+    {"a compound that is left as it is", [](ReactorBench& b) { b.package->state.reactions[1].coefficients[0] = 0; },
      "Error for reaction B to C: compound specified to which conversion applies does not take part in "
      "reaction "
      "(zero stoichiometric coefficient)"},
@@ -46,16 +44,14 @@ const ValidationCase kValidations[] = {
      "Error for reaction A to B: conversion must be between zero and unity"},
     {"no conversion", [](ReactorBench& b) { b.Put("Conversion B reaction B to C", kNaN); },
      "Error for reaction B to C: conversion must be between zero and unity"},
-    {"no duty", [](ReactorBench& b) { b.Put("Heat duty", kMissing); },
-     "Error: heat duty/loss is not specified."},
+    {"no duty", [](ReactorBench& b) { b.Put("Heat duty", kMissing); }, "Error: heat duty/loss is not specified."},
     {"no temperature",
      [](ReactorBench& b) {
        b.Put("Heat duty type", "Isothermal");
        b.Put("Temperature", kNaN);
      },
      "Error: temperature is not specified."},
-    {"no pressure drop", [](ReactorBench& b) { b.Put("Pressure drop", kNaN); },
-     "parameter Pressure drop has no value"},
+    {"no pressure drop", [](ReactorBench& b) { b.Put("Pressure drop", kNaN); }, "parameter Pressure drop has no value"},
 };
 
 TEST(FixedConversionSelection, IsValidatedInOrder) {
@@ -69,17 +65,15 @@ TEST(FixedConversionSelection, IsValidatedInOrder) {
     EXPECT_EQ(bench.door.Report("Status"), c.fault);
   }
   ReactorBench bench;
-  for (const double duty : {1.1e10, -1.1e10})
-    EXPECT_EQ(bench.Put("Heat duty", com::MakeDouble(duty)), kUnitFailed);
+  for (const double duty : {1.1e10, -1.1e10}) EXPECT_EQ(bench.Put("Heat duty", com::MakeDouble(duty)), kUnitFailed);
 }
 
 // ---- What it is told
 
 TEST(FixedConversionSelection, OffersItsConversionsAsParameters) {
   ReactorBench bench;
-  EXPECT_EQ(
-      bench.Configuration(),
-      R"({"reactionNames":[],"reactionCompounds":[],"reactionConversions":[],"serialReactions":false})");
+  EXPECT_EQ(bench.Configuration(),
+            R"({"reactionNames":[],"reactionCompounds":[],"reactionConversions":[],"serialReactions":false})");
   bench.Select(kBoth, R"("A", "B")", "0.5, 0.25", true);
   const auto conversion = bench.door.Parameter("conversion b reaction b to c");
   com::Variant value;
@@ -119,8 +113,7 @@ TEST(FixedConversionSelection, RefusesABadConfigurationWhole) {
       {R"({"reactionConversions": [0.1, 0.2, 0.3]})", "array size mismatch"},
       {R"({"reactionNames": ["A to B", ""]})", "empty strings"},
       {R"({"reactionNames": "A to B"})", "\"reactionNames\" of the configuration must be a list of texts"},
-      {R"({"reactionCompounds": [1, 2]})",
-       "\"reactionCompounds\" of the configuration must be a list of texts"},
+      {R"({"reactionCompounds": [1, 2]})", "\"reactionCompounds\" of the configuration must be a list of texts"},
       {R"({"reactionConversions": ["1", "1"]})",
        "\"reactionConversions\" of the configuration must be a list of numbers"},
       {R"({"serialReactions": 1})", "\"serialReactions\" of the configuration must be true or false"},
@@ -147,9 +140,9 @@ TEST(FixedConversionSelection, CalculatesTheSameOnceItIsLoaded) {
   source.Put("Temperature", 333.1);
   source.Calculate();
   ReactorBench target;
-  EXPECT_EQ(LoadBytes(target.door.unit.As<IPersistStream>().Get(),
-                      SavedBytes(source.door.unit.As<IPersistStream>().Get())),
-            S_OK);
+  EXPECT_EQ(
+      LoadBytes(target.door.unit.As<IPersistStream>().Get(), SavedBytes(source.door.unit.As<IPersistStream>().Get())),
+      S_OK);
   EXPECT_EQ(target.Configuration(), source.Configuration());
   for (ReactorBench* bench : {&source, &target}) {
     const auto stream = bench->door.unit.As<IPersistStream>();

@@ -102,9 +102,7 @@ TEST(ReactionResolver, ExplainsWhatItCannotUse) {
       {{kFirst},
        odd("GetReactionCompoundIds A to B", [] { return com::MakeDouble(1); }),
        "Invalid format for reaction compounds IDs: an array of texts expected, a number found"},
-      {{kFirst},
-       [](ResolverBench& b) { b.First().compounds = {}; },
-       "Zero compounds in selected reaction \"A to B\""},
+      {{kFirst}, [](ResolverBench& b) { b.First().compounds = {}; }, "Zero compounds in selected reaction \"A to B\""},
       {{kFirst}, [](ResolverBench& b) { b.inlets.clear(); }, "internal error: no material inlet ports"},
       {{kFirst},
        [](ResolverBench& b) { EXPECT_EQ(b.unit->Inlet(0).Disconnect(), S_OK); },
@@ -115,9 +113,7 @@ TEST(ReactionResolver, ExplainsWhatItCannotUse) {
            b.script->oddAnswers[call] = [] { return com::MakeInteger(1); };
        },
        "Invalid format for compounds IDs from inlet material: an array of texts expected, an integer found"},
-      {{kFirst},
-       [](ResolverBench& b) { b.feed->state.compounds = {}; },
-       "Zero compounds exposed by inlet material"},
+      {{kFirst}, [](ResolverBench& b) { b.feed->state.compounds = {}; }, "Zero compounds exposed by inlet material"},
       {{kFirst},
        [](ResolverBench& b) { b.First().compounds[1] = "water"; },
        "reaction compound \"water\" is not present in (inlet-) material; unable to resolve compound"},
@@ -136,8 +132,7 @@ TEST(ReactionResolver, ExplainsWhatItCannotUse) {
        [](ResolverBench& b) { b.First().coefficients[1] = std::numeric_limits<double>::infinity(); },
        "Invalid format for reaction stoichiometry: value is infinite"},
       {{kFirst},
-       odd("GetStoichiometricCoefficients A to B",
-           [] { return com::MakeStrings(std::vector<std::string>{"x"}); }),
+       odd("GetStoichiometricCoefficients A to B", [] { return com::MakeStrings(std::vector<std::string>{"x"}); }),
        "Invalid format for reaction stoichiometry: element 1: a number expected, a text found"},
   };
   for (const bool thermo11 : {false, true})
@@ -160,8 +155,7 @@ TEST(ReactionResolver, ExplainsEveryFailingCall) {
       {"GetReactionType A to B", "Failed to obtain reaction type for reaction \"A to B\": <why>"},
       {"GetReactionRateBasis A to B", "Failed to obtain reaction rate basis for reaction \"A to B\": <why>"},
       {"GetReactionConcBasis A to B", nullptr},
-      {"GetReactionCompoundIds A to B",
-       "Failed to obtain list of reaction compounds for reaction \"A to B\": <why>"},
+      {"GetReactionCompoundIds A to B", "Failed to obtain list of reaction compounds for reaction \"A to B\": <why>"},
   };
   const std::vector<Call> compounds[] = {
       {{"QueryInterface ICapeThermoMaterialObject",
@@ -192,9 +186,9 @@ TEST(ReactionResolver, ExplainsEveryFailingCall) {
         std::string fault = "none";
         try {
           ReactionResolver resolver(properties, bench.inlets, thermo11);
-          EXPECT_EQ(resolver.Resolve({.name = kFirst, .wantsKind = true, .wantsConcentrationBasis = true})
-                        .concentrationBasis,
-                    "");
+          EXPECT_EQ(
+              resolver.Resolve({.name = kFirst, .wantsKind = true, .wantsConcentrationBasis = true}).concentrationBasis,
+              "");
         } catch (const Failure& failure) {
           fault = failure.error.description;
         }

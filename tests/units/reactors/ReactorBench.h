@@ -25,36 +25,30 @@ inline FakePackageState ReactorPackage() {
   const auto heat = [](double at300) {
     return std::map<std::string, FakeReaction::Line>{{"enthalpyOfReaction", {at300 - 10 * 300, 10}}};
   };
-  return {.reactions = {
-              {.id = "A to B", .compounds = {"a", "B"}, .coefficients = {-1, 1}, .properties = heat(-10000)},
-              {.id = "B to C", .compounds = {"B", "C"}, .coefficients = {-1, 1}, .properties = heat(-20000)},
-              {.id = "A to 2B", .compounds = {"A", "B"}, .coefficients = {-1, 2}, .properties = heat(-20000)},
-              {.id = "3A to B", .compounds = {"A", "B"}, .coefficients = {-3, 1}, .properties = heat(-10000)},
-              {.id = "A and B to C",
-               .compounds = {"A", "B", "C"},
-               .coefficients = {-1, -1, 1},
-               .properties = heat(-20000)},
-          }};
+  return {
+      .reactions = {
+          {.id = "A to B", .compounds = {"a", "B"}, .coefficients = {-1, 1}, .properties = heat(-10000)},
+          {.id = "B to C", .compounds = {"B", "C"}, .coefficients = {-1, 1}, .properties = heat(-20000)},
+          {.id = "A to 2B", .compounds = {"A", "B"}, .coefficients = {-1, 2}, .properties = heat(-20000)},
+          {.id = "3A to B", .compounds = {"A", "B"}, .coefficients = {-3, 1}, .properties = heat(-10000)},
+          {.id = "A and B to C", .compounds = {"A", "B", "C"}, .coefficients = {-1, -1, 1}, .properties = heat(-20000)},
+      }};
 }
 
 /// A reaction at equilibrium in the vapour of the feed, by mole fractions.
-inline FakeReaction AtEquilibrium(const char* id, std::vector<std::string> compounds,
-                                  std::vector<double> coefficients, double constant,
-                                  double heatOfReaction = -10000) {
+inline FakeReaction AtEquilibrium(const char* id, std::vector<std::string> compounds, std::vector<double> coefficients,
+                                  double constant, double heatOfReaction = -10000) {
   return {.id = id,
           .compounds = std::move(compounds),
           .coefficients = std::move(coefficients),
           .phase = "Vapor",
           .concentrationBasis = "MoleFraction",
-          .properties = {{"chemicalEquilibriumConstant", {constant, 0}},
-                         {"enthalpyOfReaction", {heatOfReaction, 0}}}};
+          .properties = {{"chemicalEquilibriumConstant", {constant, 0}}, {"enthalpyOfReaction", {heatOfReaction, 0}}}};
 }
 
 /// A kinetic reaction in the vapour of the feed.
-inline FakeReaction AtRate(const char* id, std::vector<std::string> compounds,
-                           std::vector<double> coefficients,
-                           std::function<double(const FakeConditions&)> rate,
-                           std::int32_t basis = CAPE_HOMOGENEOUS) {
+inline FakeReaction AtRate(const char* id, std::vector<std::string> compounds, std::vector<double> coefficients,
+                           std::function<double(const FakeConditions&)> rate, std::int32_t basis = CAPE_HOMOGENEOUS) {
   return {.id = id,
           .compounds = std::move(compounds),
           .coefficients = std::move(coefficients),
@@ -84,11 +78,9 @@ struct ReactorBench : UnitBench {
     return hr;
   }
 
-  void Select(const std::string& names, const std::string& keys, const std::string& conversions,
-              bool serial = false) {
-    Configure("{\"reactionNames\": [" + names + "], \"reactionCompounds\": [" + keys +
-              "], \"reactionConversions\": [" + conversions +
-              "], \"serialReactions\": " + (serial ? "true}" : "false}"));
+  void Select(const std::string& names, const std::string& keys, const std::string& conversions, bool serial = false) {
+    Configure("{\"reactionNames\": [" + names + "], \"reactionCompounds\": [" + keys + "], \"reactionConversions\": [" +
+              conversions + "], \"serialReactions\": " + (serial ? "true}" : "false}"));
   }
   /// Selects the reactions of a unit that wants no more than their names, each in quotes.
   void Select(const std::string& names) { Configure("{\"reactionNames\": [" + names + "]}"); }
@@ -122,8 +114,7 @@ struct ReactorBench : UnitBench {
 inline void ExpectFlows(ReactorBench& bench, const std::vector<double>& expected, double tolerance) {
   const std::vector<double> flows = bench.Flows();
   ASSERT_EQ(flows.size(), expected.size());
-  for (std::size_t i = 0; i < flows.size(); ++i)
-    EXPECT_NEAR(flows[i], expected[i], tolerance) << "compound " << i;
+  for (std::size_t i = 0; i < flows.size(); ++i) EXPECT_NEAR(flows[i], expected[i], tolerance) << "compound " << i;
 }
 
 }  // namespace morvelan::test

@@ -28,8 +28,7 @@ std::unique_ptr<ReactorBench> Converting(bool thermo11) {
 }
 
 /// Solving, to a tolerance that is close to what is compared.
-std::unique_ptr<ReactorBench> Solving(bool thermo11, const char* unit, FakePackageState package,
-                                      const char* names) {
+std::unique_ptr<ReactorBench> Solving(bool thermo11, const char* unit, FakePackageState package, const char* names) {
   FakeState feed = ReactorFeed();
   feed.phases[0].properties["density"] = 1;  // [mol/m3], so that molarities are mole fractions
   auto bench = std::make_unique<ReactorBench>(thermo11, unit, std::move(package), std::move(feed));
@@ -84,8 +83,7 @@ const Calculation kCalculations[] = {
        bench.ConnectHeat(1000, 200, 800, "HeatDutySpecification");
      },
      "Warning: cannot do range check on temperature: "},
-    {"to an energy stream", Converting,
-     [](ReactorBench& bench) { bench.ConnectHeat(0, {}, {}, "Heat duty"); }},
+    {"to an energy stream", Converting, [](ReactorBench& bench) { bench.ConnectHeat(0, {}, {}, "Heat duty"); }},
     {"without flow", Converting, [](ReactorBench& bench) { bench.At("Inlet").flow = 0; }},
     {"to equilibrium, adiabatic", Equilibrating, AsItIs, kNoBasis},
     {"to equilibrium, isothermal", Equilibrating, Isothermal, "Heat duty cannot be determined: "},
@@ -120,8 +118,8 @@ struct Undisturbed {
 
 /// A call whose failure changes nothing for the user.
 bool IsHarmless(const std::string& call) {
-  return call.starts_with("NamedValue") || call.starts_with("LogMessage") ||
-         call.starts_with("CalcProp Overall") || call == "UnsetMaterial" ||
+  return call.starts_with("NamedValue") || call.starts_with("LogMessage") || call.starts_with("CalcProp Overall") ||
+         call == "UnsetMaterial" ||
          // A package without it is asked all the same.
          call == "QueryInterface ICapeThermoMaterialContext";
 }
@@ -140,8 +138,7 @@ bool HasExcuse(ReactorBench& bench, const char* excuse) {
   if (!excuse) return false;
   const std::string report = bench.door.Report("Last run");
   return report.find(excuse) != std::string::npos ||
-         std::ranges::any_of(bench.context->log,
-                             [&](const std::string& line) { return line.starts_with(excuse); });
+         std::ranges::any_of(bench.context->log, [&](const std::string& line) { return line.starts_with(excuse); });
 }
 
 std::vector<ULONG> References(const ReactorBench& bench) {
@@ -177,8 +174,7 @@ void ExpectSolved(ReactorBench& bench, const Undisturbed& wanted) {
 Undisturbed Calculated(const Calculation& calculation, bool thermo11) {
   const auto bench = Prepared(calculation, thermo11);
   bench->Calculate();
-  Undisturbed undisturbed{
-      .results = Results(*bench), .numbers = Numbers(*bench), .calls = bench->script->calls};
+  Undisturbed undisturbed{.results = Results(*bench), .numbers = Numbers(*bench), .calls = bench->script->calls};
   if (calculation.make == Converting) return undisturbed;
   // The last copy of the feed is the solution's.
   for (std::size_t i = 0; i < undisturbed.calls.size(); ++i) {
@@ -225,8 +221,8 @@ void CheckAfterwards(ReactorBench& bench, const Undisturbed& wanted, int objects
   EXPECT_EQ(Results(bench), wanted.results);
 }
 
-void FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo11, int k,
-              const Undisturbed& wanted, Survivals& survivals) {
+void FailCall(const Calculation& calculation, const FaultMode& mode, bool thermo11, int k, const Undisturbed& wanted,
+              Survivals& survivals) {
   const auto bench = Prepared(calculation, thermo11);
   const int objects = bench->script->liveObjects;
   const std::vector<ULONG> references = References(*bench);
@@ -291,8 +287,7 @@ TEST(ReactorFaults, EveryWrongAnswerOfThePackageIsRefusedOrDoneWithout) {
       for (std::size_t i = 0; i < std::size(answers); ++i) {
         // (A solution asks the same again and again: each time it gets another answer.)
         if (wanted.Solves(k) && i != static_cast<std::size_t>(k) % std::size(answers)) continue;
-        SCOPED_TRACE(testing::Message()
-                     << calculation.title << ", call " << k << ": " << call << ", answer " << i);
+        SCOPED_TRACE(testing::Message() << calculation.title << ", call " << k << ": " << call << ", answer " << i);
         const auto bench = Prepared(calculation, true);
         const int objects = bench->script->liveObjects;
         const std::vector<ULONG> references = References(*bench);
@@ -319,10 +314,9 @@ TEST(ReactorFaults, TheReactorNeedsItsPackage) {
     const auto bench = make(true);
     bench->Validate();
     EXPECT_EQ(bench->Assign(nullptr), S_OK);
-    CheckFailedCalculation(
-        bench->door,
-        "A reaction package has not been assigned. Please return to simulation environment "
-        "and assign a reaction package to this unit operation");
+    CheckFailedCalculation(bench->door,
+                           "A reaction package has not been assigned. Please return to simulation environment "
+                           "and assign a reaction package to this unit operation");
     EXPECT_EQ(bench->At("Outlet").written.size(), 0u);
     EXPECT_EQ(bench->Assign(bench->package.Get()), S_OK);
     bench->Calculate();
@@ -338,8 +332,7 @@ TEST(ReactorFaults, OutlivesAHostThatInterferes) {
       for (int k = 1; k <= static_cast<int>(undisturbed.calls.size()); ++k) {
         // (A solution asks the same again and again: every fifth call comes to each sooner or later.)
         if (undisturbed.Solves(k) && k % 5 != withdraws) continue;
-        SCOPED_TRACE(testing::Message()
-                     << calculation.title << ", withdraws: " << withdraws << ", call " << k);
+        SCOPED_TRACE(testing::Message() << calculation.title << ", withdraws: " << withdraws << ", call " << k);
         const auto bench = Prepared(calculation, true);
         bench->Restart();
         bench->script->interfereAt = k;

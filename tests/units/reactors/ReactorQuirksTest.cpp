@@ -18,8 +18,8 @@ struct TankBench {
     FakePackageState packageState;
     for (std::size_t r = 0; r < rates.size(); ++r) {
       const std::string name = "R" + std::to_string(r);
-      packageState.reactions.push_back(AtRate(name.c_str(), {"A", "B"}, {-1, 1},
-                                              [rate = rates[r]](const FakeConditions&) { return rate; }));
+      packageState.reactions.push_back(
+          AtRate(name.c_str(), {"A", "B"}, {-1, 1}, [rate = rates[r]](const FakeConditions&) { return rate; }));
       records.push_back({.name = name,
                          .type = CAPE_KINETIC,
                          .rateBasis = CAPE_HOMOGENEOUS,
@@ -76,8 +76,7 @@ TEST(ReactorQuirks, ACstrPenalizesOncePerReaction) {
   for (const auto& c : cases) {
     TankBench bench(c.rates);
     std::string why;
-    const ExtentTrial trial{
-        .extents = Vector(c.extents), .flows = Vector({1, 1, -c.missing}), .temperature = 300};
+    const ExtentTrial trial{.extents = Vector(c.extents), .flows = Vector({1, 1, -c.missing}), .temperature = 300};
     EXPECT_EQ(bench.Evaluate(trial, why), c.residuals) << c.title << why;
   }
 }
@@ -146,8 +145,7 @@ TEST(ReactorQuirks, ACstrSpellsItsTemperatureSo) {
 TEST(ReactorQuirks, AnyTrialMustBeFinite) {
   TankBench bench({0.25});
   std::string why;
-  EXPECT_TRUE(bench.Evaluate({.extents = Vector({kNaN}), .flows = Vector({1, 1, 0}), .temperature = 300}, why)
-                  .empty());
+  EXPECT_TRUE(bench.Evaluate({.extents = Vector({kNaN}), .flows = Vector({1, 1, 0}), .temperature = 300}, why).empty());
   EXPECT_EQ(why, "Iteration parameters are not finite");
 }
 

@@ -10,8 +10,7 @@ using Sets = std::vector<std::vector<std::size_t>>;
 
 /// Compounds by reactions; each row of `reactions` is one reaction.
 Eigen::MatrixXd Columns(const std::vector<std::vector<double>>& reactions) {
-  Eigen::MatrixXd nu(static_cast<Eigen::Index>(reactions.at(0).size()),
-                     static_cast<Eigen::Index>(reactions.size()));
+  Eigen::MatrixXd nu(static_cast<Eigen::Index>(reactions.at(0).size()), static_cast<Eigen::Index>(reactions.size()));
   for (Eigen::Index r = 0; r < nu.cols(); ++r)
     for (Eigen::Index j = 0; j < nu.rows(); ++j)
       nu(j, r) = reactions[static_cast<std::size_t>(r)][static_cast<std::size_t>(j)];
@@ -48,9 +47,7 @@ TEST(Stoichiometry, FindsDependentSets) {
       {"one of three", {{-1, 1, 0}, {0, -1, 1}, {-1, 0, 1}}, {{0, 1, 2}}},
       {"a cycle", {{-1, 1, 0}, {0, -1, 1}, {1, 0, -1}}, {{0, 1, 2}}},
       {"two sets, mixed", {{-1, 1, 0, 0}, {0, 0, -1, 1}, {0, 0, 1, -1}, {-2, 2, 0, 0}}, {{0, 3}, {1, 2}}},
-      {"two sets that a reaction joins",
-       {{-1, 1, 0, 0}, {-1, 1, 0, 0}, {0, 0, -1, 1}, {-1, 1, -1, 1}},
-       {{0, 1, 2, 3}}},
+      {"two sets that a reaction joins", {{-1, 1, 0, 0}, {-1, 1, 0, 0}, {0, 0, -1, 1}, {-1, 1, -1, 1}}, {{0, 1, 2, 3}}},
       {"thirds", {{-1. / 3, 1. / 3}, {-1, 1}}, {{0, 1}}},
       {"almost the same", {{-1, 1, 0}, {-1, 1, 1e-6}}, {}},
   };

@@ -16,9 +16,7 @@ namespace morvelan::test::no_operation {
 /// A NoOperation in a fake host, connected and in the host's simulation context.
 struct Flowsheet : UnitBench {
   explicit Flowsheet(bool thermo11)
-      : UnitBench("NoOperation", thermo11, {}),
-        feed(materials.at("Inlet")),
-        product(materials.at("Outlet")) {}
+      : UnitBench("NoOperation", thermo11, {}), feed(materials.at("Inlet")), product(materials.at("Outlet")) {}
 
   void ExpectFeedInProduct() const {
     EXPECT_EQ(product->state.temperature, feed->state.temperature);
@@ -45,12 +43,9 @@ constexpr const char* kNoMaterial10 = "Failed to get ICapeThermoMaterialObject f
 constexpr const char* kNoMaterial11 = "Failed to get ICapeThermoMaterial from material: <why>";
 constexpr const char* kReadTemperature =
     "failed to get property Temperature from material connected to port Inlet: <why>";
-constexpr const char* kReadPressure =
-    "failed to get property Pressure from material connected to port Inlet: <why>";
-constexpr const char* kReadFlow =
-    "failed to get property totalFlow from material connected to port Inlet: <why>";
-constexpr const char* kReadFraction =
-    "failed to get property Fraction from material connected to port Inlet: <why>";
+constexpr const char* kReadPressure = "failed to get property Pressure from material connected to port Inlet: <why>";
+constexpr const char* kReadFlow = "failed to get property totalFlow from material connected to port Inlet: <why>";
+constexpr const char* kReadFraction = "failed to get property Fraction from material connected to port Inlet: <why>";
 
 constexpr HostCall kCount10[] = {
     {kQuery10, "Failed to obtain material interface: <why>"},
@@ -68,8 +63,7 @@ constexpr HostCall kCompare11[] = {
     {kQueryCompounds,
      "Invalid format for compound list at port Outlet: Failed to obtain material's "
      "ICapeThermoCompounds interface: <why>"},
-    {"GetCompoundList",
-     "Invalid format for compound list at port Outlet: Failed to obtain compounds IDs: <why>"},
+    {"GetCompoundList", "Invalid format for compound list at port Outlet: Failed to obtain compounds IDs: <why>"},
 };
 constexpr HostCall kRun10[] = {
     {kQuery10, kNoMaterial10},
@@ -111,8 +105,7 @@ constexpr HostCall kRun11[] = {
      "Failed to set present phases on material \"stream\" before CalcEquilibrium: <why>"},
     {"QueryInterface ICapeThermoEquilibriumRoutine",
      "Failed to get ICapeThermoEquilibriumRoutine from material: <why>"},
-    {"CalcEquilibrium/[Temperature,,Overall]/[Pressure,,Overall]/unspecified",
-     "CalcEquilibrium failed: <why>"},
+    {"CalcEquilibrium/[Temperature,,Overall]/[Pressure,,Overall]/unspecified", "CalcEquilibrium failed: <why>"},
 };
 
 /// Everything that must hold whatever call failed.
@@ -173,8 +166,8 @@ TEST(CNoOperation, ExplainsEveryFailingHostCallAndRecovers) {
     for (const FaultMode& mode : kFaultModes) {
       const std::vector<HostCall> calls = CallsOf(operation);
       for (std::size_t k = 0; k < calls.size(); ++k) {
-        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + std::to_string(k + 1) +
-                     ": " + calls[k].call);
+        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + std::to_string(k + 1) + ": " +
+                     calls[k].call);
         Flowsheet sheet(operation.thermo11);
         if (operation.validated) sheet.Validate();
         const int objects = sheet.script->liveObjects;
@@ -203,8 +196,7 @@ TEST(CNoOperation, CarriesItsFeedToItsProduct) {
       sheet.context->namedValues["SimplifiedModelRequest"] = com::MakeBoolean(quiet);
       EXPECT_EQ(sheet.door.unit->Calculate(), S_OK) << ErrorOf(sheet.door.unit.Get());
       sheet.ExpectFeedInProduct();
-      EXPECT_EQ(sheet.product->state.flash,
-                thermo11 ? "Temperature//Overall, Pressure//Overall, unspecified" : "TP");
+      EXPECT_EQ(sheet.product->state.flash, thermo11 ? "Temperature//Overall, Pressure//Overall, unspecified" : "TP");
       EXPECT_EQ(sheet.door.Report("status"), "unit is solved");
       EXPECT_EQ(sheet.door.Status(), CAPE_VALID);
     }
@@ -290,8 +282,7 @@ const OddAnswer kOddAnswers[] = {
      "failed to get property Fraction from material connected to port Inlet: element 1: a number expected, a "
      "text "
      "found"},
-    {"no compounds", false, "ComponentIds", [] { return Strings({}); },
-     "No chemical compounds on port Inlet"},
+    {"no compounds", false, "ComponentIds", [] { return Strings({}); }, "No chemical compounds on port Inlet"},
     {"numbers as compounds", true, "GetCompoundList",
      [] {
        return com::MakeDoubles(std::array{1.0, 2.0});

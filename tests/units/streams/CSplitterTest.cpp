@@ -35,9 +35,8 @@ TEST(CSplitter, DividesTheFlow) {
   for (const bool thermo11 : {false, true})
     for (const bool quiet : {false, true})
       for (const SplitterCase& c : kSplitterCases) {
-        SCOPED_TRACE(testing::Message()
-                     << "factor " << c.factor << ", flow " << c.flow << ", fraction " << c.fractions[0]
-                     << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
+        SCOPED_TRACE(testing::Message() << "factor " << c.factor << ", flow " << c.flow << ", fraction "
+                                        << c.fractions[0] << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         UnitBench bench("Splitter", thermo11);
         bench.At("Inlet").flow = c.flow;
         bench.At("Inlet").fractions = c.fractions;
@@ -135,8 +134,7 @@ TEST(CSplitter, DividesAmongThree) {
       continue;
     }
     bench.Calculate();
-    for (std::size_t k = 0; k < 3; ++k)
-      EXPECT_DOUBLE_EQ(bench.At("Outlet" + std::to_string(k + 1)).flow, c.flows[k]);
+    for (std::size_t k = 0; k < 3; ++k) EXPECT_DOUBLE_EQ(bench.At("Outlet" + std::to_string(k + 1)).flow, c.flows[k]);
   }
   bench.At("Inlet").fractions = {1, 0};
   bench.Restart();
@@ -167,8 +165,7 @@ TEST(CSplitter, NeedsTheEnthalpyOfOneCompound) {
          return com::MakeDoubles(std::array{1.0, 2.0});
        },
        "expected a double array with dimension of 1"},
-      {[] { return com::MakeDoubles(std::array{kNaN}); },
-       "the enthalpy of the material on port Inlet is not set"},
+      {[] { return com::MakeDoubles(std::array{kNaN}); }, "the enthalpy of the material on port Inlet is not set"},
   };
   for (const auto& c : cases) {
     UnitBench bench("Splitter", false);
