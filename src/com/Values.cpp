@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 
 namespace morvelan::com {
 namespace {
@@ -277,6 +278,15 @@ void ReadDoubles(const VARIANT& array, std::vector<double>& values) {
   for (std::size_t i = 0; i < values.size(); ++i) values[i] = ReadElement(elements, i, ReadDouble);
 }
 
+std::optional<double> ReadOnlyDouble(const VARIANT& array) {
+  const Elements elements(array, "an array of numbers");
+  if (elements.Count() != 1) {
+    for (std::size_t i = 0; i < elements.Count(); ++i) (void)ReadElement(elements, i, ReadDouble);
+    return std::nullopt;
+  }
+  return ReadElement(elements, 0, ReadDouble);
+}
+
 std::vector<double> ReadDoubles(const VARIANT& array) {
   std::vector<double> values;
   ReadDoubles(array, values);
@@ -405,6 +415,11 @@ Variant MakeObject(IDispatch* object) {
   variant->vt = VT_DISPATCH;
   variant->pdispVal = object;
   return result;
+}
+
+const VARIANT& KeepList(Name name) {
+  static std::deque<Variant> kept;
+  return kept.emplace_back(MakeStrings(std::span(&name, 1))).Get();
 }
 
 Variant Copy(const VARIANT& variant) {

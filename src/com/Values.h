@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <new>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -36,6 +37,8 @@ class ArrayAllocationError : public std::bad_alloc {};
 [[nodiscard]] std::int32_t ReadInteger(const VARIANT& variant);
 /// Replaces the content of `values`, which keeps its storage.
 void ReadDoubles(const VARIANT& array, std::vector<double>& values);
+/// The only element of an array of numbers; nothing where there are more or none.
+[[nodiscard]] std::optional<double> ReadOnlyDouble(const VARIANT& array);
 [[nodiscard]] std::vector<double> ReadDoubles(const VARIANT& array);
 [[nodiscard]] std::vector<std::string> ReadStrings(const VARIANT& array);
 [[nodiscard]] std::vector<std::int32_t> ReadIntegers(const VARIANT& array);
@@ -61,6 +64,8 @@ void ReadDoubles(const VARIANT& array, std::vector<double>& values);
 [[nodiscard]] Variant MakeString(std::string_view utf8);
 [[nodiscard]] Variant MakeObject(IDispatch* object);
 [[nodiscard]] Variant Copy(const VARIANT& variant);
+/// An array of one text that lives as long as the module, as `KeepName` keeps the text.
+[[nodiscard]] const VARIANT& KeepList(Name name);
 
 /// "No value", for an argument that is not wanted.
 inline const VARIANT kNoValue{};

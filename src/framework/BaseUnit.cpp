@@ -41,11 +41,9 @@ BaseUnit::BaseUnit(const UnitDeclaration& unitDeclaration)
 BaseUnit::~BaseUnit() {
   parameterCollection->Orphan();
   portCollection->Orphan();
-  for (const auto* list : {&parameters, &extraParameters})
-    for (const auto& parameter : *list) parameter->Orphan();
-  for (const auto* list : {&inlets, &outlets})
-    for (const auto& port : *list) port->Orphan();
 }
+
+com::Ref<IUnknown> BaseUnit::KeepAlive() { return com::Ref<IUnknown>(com::Ref<ICapeUnit>::Share(this)); }
 
 template <class Body>
 HRESULT BaseUnit::Enter(std::string_view scope, Body&& body) {
@@ -87,28 +85,28 @@ HRESULT BaseUnit::put_simulationContext(IDispatch* hostContext) {
                               {},
                               {}});
     context = SimulationContext(dispatch);
-    if (!thermoVersionFixed) ReadDefaultThermoVersion();
+    thermo.AskHost(context, [&](const std::string& text) { LogToHost("Unit " + ComponentName() + ": " + text); });
     context.FindSimplifiedModelSupport();
   });
 }
 
 HRESULT BaseUnit::Initialize() {
   return Guard("Initialize", kUnitInterface, [&] {
-    ForwardError("Initialize", kUnitInterface, [&] { EnsureFace(); });
+    ForwardError("Initialize", kUnitInterface, [&] { EnsureCreated(); });
     initialized = true;
   });
 }
 
-void BaseUnit::EnsureFace() {
-  if (faceCreated) return;
+void BaseUnit::EnsureCreated() {
+  if (isCreated) return;
   inlets.clear();
   outlets.clear();
   parameters.clear();
   extraParameters.clear();
   reports = Reports();
-  CreateFace();
-  if (!pendingThermoVersion.empty()) ChooseThermoVersion(pendingThermoVersion);
-  faceCreated = true;
+  CreateObjects();
+  thermo.ApplyPending();
+  isCreated = true;
 }
 
 HRESULT BaseUnit::Terminate() {
@@ -176,17 +174,9 @@ void BaseUnit::RequireInitialized() const {
   if (!initialized) throw Failure("Initialize not called");
 }
 
-std::vector<com::Ref<CUnitPort>> BaseUnit::AllPorts() const {
-  std::vector<com::Ref<CUnitPort>> ports = inlets;
-  ports.insert(ports.end(), outlets.begin(), outlets.end());
-  return ports;
-}
+std::vector<com::Ref<CUnitPort>> BaseUnit::AllPorts() const { return declare.AllPorts(); }
 
-std::vector<com::Ref<CParameter>> BaseUnit::AllParameters() const {
-  std::vector<com::Ref<CParameter>> all = parameters;
-  all.insert(all.end(), extraParameters.begin(), extraParameters.end());
-  return all;
-}
+std::vector<com::Ref<CParameter>> BaseUnit::AllParameters() const { return declare.AllParameters(); }
 
 void BaseUnit::Invalidate() {
   valStatus = CAPE_NOT_VALIDATED;
@@ -194,66 +184,64 @@ void BaseUnit::Invalidate() {
   ++changes;
 }
 
+void BaseUnit::NotifyInputs() {
+  declare.Refresh();
+  if (isCreated) ArrangePorts();
+  InputsChanged();
+}
+
+void BaseUnit::ArrangePorts() {
+  if (declare.IsDeclared()) CommitPorts(declare.PreparePorts());
+}
+
+void BaseUnit::CommitSettings(const std::vector<Setting*>& staged, SettingsFrom source) {
+  const auto swap = [&]() noexcept {
+    for (Setting* setting : staged) setting->Swap();
+  };
+  swap();
+  try {
+    UnitDeclarations::PreparedPorts plan = declare.PreparePorts();
+    SettingsChanged(source);
+    CommitPorts(std::move(plan));
+  } catch (...) {
+    swap();
+    throw;
+  }
+}
+
+void BaseUnit::CommitPorts(UnitDeclarations::PreparedPorts plan) noexcept {
+  if (!plan.IsChange()) return;
+  const PortList gone = declare.Commit(std::move(plan));
+  Invalidate();
+  // What a host does as its stream is released happens to a unit that is whole.
+  for (const auto& port : gone) port->Orphan();
+}
+
 void BaseUnit::ConnectionChanged() {
   Invalidate();
-  InputsChanged();
+  NotifyInputs();
 }
 
 void BaseUnit::ParameterChanged() {
   Invalidate();
   dirty = true;
-  InputsChanged();
+  NotifyInputs();
 }
 
 void BaseUnit::ParameterPut(const CParameter& parameter) {
   if (com::EqualNoCase(parameter.ComponentName(), kThermoVersion)) {
-    RefreshThermoVersion();
-    thermoVersionFixed = true;
+    thermo.Refresh();
+    thermo.Fix();
   }
   ParameterChanged();
 }
+
+void BaseUnit::MatchThermoVersion(bool thermo11) { thermo.Match(thermo11); }
 
 CParameter* BaseUnit::FindThermoVersion() const {
   const int index = ThermoVersionParameterIndex();
   if (index < 0 || static_cast<std::size_t>(index) >= parameters.size()) return nullptr;
   return parameters[static_cast<std::size_t>(index)].Get();
-}
-
-void BaseUnit::RefreshThermoVersion() {
-  if (ThermoVersionParameterIndex() < 0) useThermo11 = false;
-  if (const CParameter* parameter = FindThermoVersion())
-    useThermo11 = parameter->Value() == ParameterValue(std::string("1.1"));
-}
-
-void BaseUnit::MatchThermoVersion(bool thermo11) {
-  CParameter* parameter = FindThermoVersion();
-  const std::string version = thermo11 ? "1.1" : "1.0";
-  if (parameter && parameter->Value() != ParameterValue(version)) parameter->Put(version);
-}
-
-void BaseUnit::ChooseThermoVersion(const std::string& version) {
-  thermoVersionFixed = true;
-  if (!FindThermoVersion()) {
-    pendingThermoVersion = version;
-    return;
-  }
-  MatchThermoVersion(version == "1.1");
-  pendingThermoVersion.clear();
-}
-
-void BaseUnit::ReadDefaultThermoVersion() {
-  if (ThermoVersionParameterIndex() < 0 || !context.Lists(names::kDefaultThermoVersion)) return;
-  const auto value = context.NamedValue(names::kDefaultThermoVersion);
-  if (!value) return;
-  const auto warn = [&](const std::string& text) { LogToHost("Unit " + ComponentName() + ": " + text); };
-  const VARIANT given = com::Borrow(value->Get());
-  if (given.vt != VT_BSTR)
-    return warn("unexpected format for named value \"DefaultThermoVersion\": expected a string value");
-  const std::string version = com::ToUtf8(given.bstrVal);
-  if (version != "1.0" && version != "1.1")
-    return warn("unrecognized named value for \"DefaultThermoVersion\": \"" + version +
-                "\"; only values of \"1.0\" and \"1.1\" are supported");
-  ChooseThermoVersion(version);
 }
 
 void BaseUnit::LogToHost(const std::string& text) const { context.LogMessage(text); }
@@ -264,6 +252,11 @@ void BaseUnit::ShowError(const std::string& text) const {
 
 void BaseUnit::Warn(const std::string& text) const {
   if (!simplifiedModelRequested) LogToHost(text);
+}
+
+Journal BaseUnit::MakeJournal() {
+  return Journal(*this, declaration.kind ? declaration.kind : declaration.name, context, reports,
+                 simplifiedModelRequested);
 }
 
 void BaseUnit::SetReportText(std::size_t reportIndex, std::string text) {
@@ -278,10 +271,11 @@ void BaseUnit::AddReportWarning(std::size_t reportIndex, const std::string& text
   AddReportText(reportIndex, "WARNING: " + text + "\r\n");
 }
 
-void BaseUnit::CreateFace() {
+void BaseUnit::CreateObjects() {
   for (const PortDeclaration& port : declaration.ports) AddPort(port);
   for (const ParameterDeclaration& parameter : declaration.parameters) CreateParameter(parameter);
   for (const char* report : declaration.reports) reports.Add(report);
+  if (declare.IsDeclared()) declare.Create();
 }
 
 com::Ref<CUnitPort> BaseUnit::MakePort(const PortDeclaration& port) {

@@ -11,9 +11,13 @@
 #include "framework/CPortCollection.h"
 #include "framework/CUnitPort.h"
 #include "framework/Declarations.h"
+#include "framework/Journal.h"
 #include "framework/ParameterRecord.h"
 #include "framework/Reports.h"
 #include "framework/SimulationContext.h"
+#include "framework/ThermoChoice.h"
+#include "framework/UnitDeclarations.h"
+#include "framework/UnitSlots.h"
 #include "framework/UnitStream.h"
 
 namespace morvelan {
@@ -21,7 +25,8 @@ namespace morvelan {
 /// Base of all units: what the host sees of a unit, and everything that runs around a unit's own validation
 /// and calculation. A concrete unit declares its ports and parameters and overrides the operations below.
 class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, ICapeUnitReport, IProvideClassInfo,
-                                        IPersistStream, IPersistStreamInit> {
+                                        IPersistStream, IPersistStreamInit>,
+                 public UnitSlots {
  public:
   explicit BaseUnit(const UnitDeclaration& unitDeclaration);
   ~BaseUnit() override;
@@ -56,38 +61,16 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// Tells the unit under which class identifier hosts made it.
   void SetClassId(const CLSID& clsid) { classId = clsid; }
 
-  // What a concrete unit supplies.
-
-  /// Position of "Thermo Version" in the parameter list; negative when the unit has none.
-  [[nodiscard]] virtual int ThermoVersionParameterIndex() const { return 0; }
-  /// The unit's own checks after the common ones; false with a message when something is wrong.
-  [[nodiscard]] virtual bool ValidateUnit(std::string&) { return true; }
-  /// Called whenever a parameter is put or reset and whenever a port is connected or disconnected.
-  virtual void InputsChanged() {}
-  /// Called before the host receives the parameter at `index` of the list, to bring its value up to date.
-  virtual void ParameterRequested(std::size_t) {}
-  /// The unit's calculation, from the inlets' states to the outlets'. `compoundCount` is -1 when each port
-  /// keeps its own. A unit that leaves `outletFlashSpec` empty keeps the framework from flashing its outlets.
-  virtual void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) = 0;
-  /// Properties that the unit will ask of its feed.
-  [[nodiscard]] virtual std::vector<std::string> RequiredProperties() const { return {}; }
-  /// The unit's own check of a value for one of its parameters; false with a message to refuse it.
-  [[nodiscard]] virtual bool ValidateParameterValue(const CParameter&, std::string&, const ParameterValue&) const {
-    return true;
+  // UnitSlots
+  [[nodiscard]] int ThermoVersionParameterIndex() const override {
+    return declare.IsDeclared() ? declare.ThermoVersionPosition() : 0;
   }
-  /// Called at the end of each calculation, after the status text is set. The count is 0 when it was not yet
-  /// known.
-  virtual void OnCalculateDone(int, bool) {}
-
-  /// Writes what the unit keeps beyond its parameters; a result other than S_OK ends the save with it.
-  virtual HRESULT SaveUnit(UnitWriter&) { return S_OK; }
-  /// Reads what `SaveUnit` wrote, for a format version from 1 to 7, and prepares what follows from the
-  /// records of the unit's parameters, of which there may be fewer than the unit has. Nothing of the unit
-  /// changes: what is returned makes the change once the parameters are loaded, and may not fail. Throws
-  /// Failure.
-  [[nodiscard]] virtual std::function<void()> LoadUnit(UnitReader&, int, const std::vector<ParameterRecord>&) {
-    return {};
+  HRESULT SaveUnit(UnitWriter& writer) override {
+    declare.WriteSettings(writer);
+    return S_OK;
   }
+  [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
+                                               const std::vector<ParameterRecord>& records) override;
 
   // For the unit's own objects.
 
@@ -98,29 +81,26 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// The unit's list, then the parameters kept apart from it.
   [[nodiscard]] std::vector<com::Ref<CParameter>> AllParameters() const;
   [[nodiscard]] const std::vector<com::Ref<CParameter>>& Parameters() const { return parameters; }
-  [[nodiscard]] bool UsesThermo11() const { return useThermo11; }
-  [[nodiscard]] material::OverallEmulation& Emulation() { return emulation; }
-  /// A port was connected or disconnected.
-  void ConnectionChanged();
-  /// A parameter was reset.
-  void ParameterChanged();
-  /// A value was put into a parameter.
-  void ParameterPut(const CParameter& parameter);
-  /// A material was connected: "Thermo Version" follows it.
-  void MatchThermoVersion(bool thermo11);
+  // UnitOwner
+  [[nodiscard]] com::Ref<IUnknown> KeepAlive() override;
+  [[nodiscard]] bool UsesThermo11() const override { return thermo.Uses11(); }
+  [[nodiscard]] material::OverallEmulation& Emulation() override { return emulation; }
+  void ConnectionChanged() override;
+  void ParameterChanged() override;
+  void ParameterPut(const CParameter& parameter) override;
+  void MatchThermoVersion(bool thermo11) override;
+  void LogToHost(const std::string& text) const override;
 
-  /// Writes a line to the host's log, if there is one.
-  void LogToHost(const std::string& text) const;
   /// Shows a text in the host's pop-up, or in a message box when the host has none.
   void ShowError(const std::string& text) const;
 
  protected:
   void* FindInterface(REFIID iid) override;
 
-  /// Creates the ports, parameters and reports of the declaration. A unit whose face varies adds to it.
-  virtual void CreateFace();
+  /// Creates ports, parameters and reports.
+  virtual void CreateObjects();
 
-  using PortList = std::vector<com::Ref<CUnitPort>>;
+  using PortList = UnitDeclarations::PortList;
 
   [[nodiscard]] com::Ref<CUnitPort> MakePort(const PortDeclaration& port);
   CUnitPort& AddPort(const PortDeclaration& port);
@@ -171,21 +151,29 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
   /// entropy [J/(mol K)].
   [[nodiscard]] double HFromPSFlash(double pressure, double entropy);
 
-  PortList inlets;
-  PortList outlets;
-  std::vector<com::Ref<CParameter>> extraParameters;  // kept apart from the list, and not saved with it
+  /// Brings ports in line with options and settings.
+  void ArrangePorts();
+  void CommitPorts(UnitDeclarations::PreparedPorts plan) noexcept;
+  /// Puts staged settings in force, and ports with them; all or nothing.
+  void CommitSettings(const std::vector<Setting*>& staged, SettingsFrom source);
+
+  UnitDeclarations declare{*this};
+  // (For units that do not declare their faces.)
+  PortList& inlets = declare.inlets;
+  PortList& outlets = declare.outlets;
+  std::vector<com::Ref<CParameter>>& extraParameters = declare.extraParameters;
   bool checkConnections = true;
   bool checkCompounds = true;
   bool simplifiedModelRequested = false;  // quiet mode, for the duration of one calculation
+  /// What its calculations say.
+  [[nodiscard]] Journal MakeJournal();
 
  private:
   template <class Body>
   HRESULT Enter(std::string_view scope, Body&& body);
   void Invalidate();
+  void NotifyInputs();
   [[nodiscard]] CParameter* FindThermoVersion() const;
-  void RefreshThermoVersion();
-  void ChooseThermoVersion(const std::string& version);
-  void ReadDefaultThermoVersion();
 
   /// The outcome of a validation: what is wrong, if anything, and the failure if it could not be carried out.
   struct Verdict {
@@ -193,8 +181,8 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
     std::optional<Failure> failure;
   };
 
-  /// Creates the face unless it exists.
-  void EnsureFace();
+  /// Creates them unless they exist.
+  void EnsureCreated();
   void WriteParameters(UnitWriter& writer) const;
   void WriteReports(UnitWriter& writer) const;
   /// What a stream holds, read as a whole before the unit takes it over.
@@ -204,46 +192,31 @@ class BaseUnit : public com::Implements<BaseObject, ICapeUtilities, ICapeUnit, I
 
   // Validation
   [[nodiscard]] Verdict ValidateAll();
-  [[nodiscard]] std::string FindFault();
-  [[nodiscard]] std::string FindUnconnectedPort() const;
-  [[nodiscard]] std::string FindCompoundMismatch();
-  [[nodiscard]] std::string FindInvalidParameter() const;
-  [[nodiscard]] std::string FindMissingProperty();
 
   // Calculation
-  [[nodiscard]] CUnitPort* FirstConnectedMaterialInlet() const;
   void RunCalculation(int& compoundCount);
   /// The parameters that are results, with their values, which a failed calculation does not change.
   [[nodiscard]] std::vector<std::pair<com::Ref<CParameter>, ParameterValue>> Results() const;
-  [[nodiscard]] int PreparePorts();
-  void PrepareWithOwnCompounds();
-  [[nodiscard]] int PrepareWithCommonCompounds();
-  void FlashOutlets(com::Name flashType);
   void FinishCalculation(int compoundCount, bool success);
 
   const UnitDeclaration declaration;
   CLSID classId{};
   bool initialized = false;
-  bool faceCreated = false;
+  bool isCreated = false;
   unsigned changes = 0;            // that made the unit not validated
   unsigned changesBefore = 0;      // a calculation
   const char* activity = nullptr;  // what a host that calls back must not disturb
   bool dirty = false;
-  bool useThermo11 = false;
-  bool thermoVersionFixed = false;
-  std::string pendingThermoVersion;  // chosen by the host before the parameter exists
+  ThermoChoice thermo{[this] { return ThermoVersionParameterIndex(); }, [this] { return FindThermoVersion(); }};
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
   std::string calcStatusText;  // empty for "unit not validated"
   SimulationContext context;
   Reports reports;
-  std::vector<com::Ref<CParameter>> parameters;
+  std::vector<com::Ref<CParameter>>& parameters = declare.parameters;
   com::Ref<CParamCollection> parameterCollection;
   com::Ref<CPortCollection> portCollection;
   material::OverallEmulation emulation;
   std::optional<std::size_t> validatedCompoundCount;  // of the first material inlet, within one calculation
 };
-
-/// Declares the "Thermo Version" option of a material unit.
-[[nodiscard]] ParameterDeclaration ThermoVersionParameter();
 
 }  // namespace morvelan

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "com/Text.h"
-#include "framework/BaseUnit.h"
+#include "framework/UnitOwner.h"
 #include "morvelan.h"
 
 namespace morvelan {
@@ -29,7 +29,7 @@ GUID SpecificationOf(CapeParamType kind) {
 
 }  // namespace
 
-CParameter::CParameter(const ParameterDeclaration& declaration, BaseUnit* owner)
+CParameter::CParameter(const ParameterDeclaration& declaration, UnitOwner* owner)
     : Implements(declaration.name, declaration.description, TypeOf(declaration.defaultValue)),
       value(declaration.defaultValue),
       defaultValue(declaration.defaultValue),
@@ -42,12 +42,19 @@ CParameter::CParameter(const ParameterDeclaration& declaration, BaseUnit* owner)
       hasFixedChoices(restrictedToList && !options.empty()),
       unit(owner) {}
 
-CParameter::CParameter(ParameterRecord record, BaseUnit* owner)
+CParameter::CParameter(ParameterRecord record, UnitOwner* owner)
     : CParameter(ParameterDeclaration{.name = "", .description = "", .defaultValue = record.value}, owner) {
   // The record has one default for all elements of an array.
   if (auto* initial = std::get_if<std::vector<double>>(&defaultValue))
     initial->assign(std::max<std::size_t>(initial->size(), 1), std::get<double>(record.defaultValue));
   Restore(std::move(record));
+}
+
+template <class Tell>
+void CParameter::TellUnit(Tell&& tell) {
+  if (!unit) return;
+  const auto alive = unit->KeepAlive();
+  tell(*unit);
 }
 
 template <class Body>
@@ -121,7 +128,7 @@ HRESULT CParameter::Reset() {
   return Enter("Reset", [&] {
     valStatus = CAPE_NOT_VALIDATED;
     if (Kind() != CAPE_ARRAY) SetResult(defaultValue);
-    if (const auto owner = com::Ref<BaseUnit>::Share(unit)) owner->ParameterChanged();
+    TellUnit([](UnitOwner& owner) { owner.ParameterChanged(); });
   });
 }
 
@@ -147,7 +154,7 @@ void CParameter::SetResult(ParameterValue result) {
 void CParameter::Put(ParameterValue newValue) {
   SetResult(std::move(newValue));
   valStatus = CAPE_NOT_VALIDATED;
-  if (const auto owner = com::Ref<BaseUnit>::Share(unit)) owner->ParameterPut(*this);
+  TellUnit([&](UnitOwner& owner) { owner.ParameterPut(*this); });
 }
 
 std::string CParameter::CheckCurrentValue() {
@@ -236,10 +243,10 @@ std::string CParameter::Check(const ParameterValue& candidate) const {
 }
 
 std::string CParameter::AskUnit(const ParameterValue& candidate) const {
-  const auto owner = com::Ref<BaseUnit>::Share(unit);
-  if (!owner) return {};
+  if (!unit) return {};
+  const auto alive = unit->KeepAlive();
   std::string fault;
-  const bool accepted = ForwardError({}, {}, [&] { return owner->ValidateParameterValue(*this, fault, candidate); });
+  const bool accepted = ForwardError({}, {}, [&] { return unit->ValidateParameterValue(*this, fault, candidate); });
   if (accepted) return {};
   return fault.empty() ? "value refused by the unit" : fault;
 }

@@ -12,7 +12,7 @@
 
 namespace morvelan {
 
-class BaseUnit;
+class UnitOwner;
 
 /// An input or a result of a unit: a typed value with its specification. One object answers as the parameter
 /// and as every kind of specification; the specifications of other kinds than its own refuse each call.
@@ -23,9 +23,9 @@ class CParameter final : public com::Implements<BaseObject, ICapeParameter, ICap
                                                 ICapeIntegerParameterSpec, ICapeOptionParameterSpec,
                                                 ICapeBooleanParameterSpec, ICapeArrayParameterSpec> {
  public:
-  CParameter(const ParameterDeclaration& declaration, BaseUnit* owner);
+  CParameter(const ParameterDeclaration& declaration, UnitOwner* owner);
   /// A parameter that a record describes.
-  CParameter(ParameterRecord record, BaseUnit* owner);
+  CParameter(ParameterRecord record, UnitOwner* owner);
 
   // ICapeParameter
   HRESULT get_Specification(IDispatch** specification) override;
@@ -112,6 +112,9 @@ class CParameter final : public com::Implements<BaseObject, ICapeParameter, ICap
   [[nodiscard]] std::string Check(const ParameterValue& candidate) const;
   /// What the unit holds against a value; empty when it accepts it.
   [[nodiscard]] std::string AskUnit(const ParameterValue& candidate) const;
+  /// Tells the unit of something, if it still exists.
+  template <class Tell>
+  void TellUnit(Tell&& tell);
 
   ParameterValue value;
   ParameterValue defaultValue;
@@ -127,7 +130,7 @@ class CParameter final : public com::Implements<BaseObject, ICapeParameter, ICap
   CapeValidationStatus valStatus = CAPE_NOT_VALIDATED;
   bool isArrayMember = false;
   const char* unavailable = nullptr;
-  BaseUnit* unit;  // absent for array members and once the unit is gone
+  UnitOwner* unit;  // absent for array members and once the unit is gone
   double* boundDouble = nullptr;
 };
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <limits>
 
-#include "framework/BaseUnit.h"
 #include "framework/CParameter.h"
 
 namespace morvelan {

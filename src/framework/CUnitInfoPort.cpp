@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "errors/HostCall.h"
-#include "framework/BaseUnit.h"
 #include "framework/CollectionItem.h"
 #include "framework/ConnectedCollection.h"
+#include "framework/UnitOwner.h"
 
 namespace morvelan {
 namespace {
@@ -28,7 +28,7 @@ bool IsMatch(const com::Variant& id) { return id.Get().vt != VT_EMPTY; }
 
 }  // namespace
 
-CUnitInfoPort::CUnitInfoPort(const PortDeclaration& declaration, BaseUnit& owner) : Implements(declaration, owner) {
+CUnitInfoPort::CUnitInfoPort(const PortDeclaration& declaration, UnitOwner& owner) : Implements(declaration, owner) {
   for (const InformationItem& item : declaration.items) items.push_back(com::Make<CInfoParamDesc>(item));
   matched.resize(items.size());
 }

@@ -1,7 +1,7 @@
 #include "framework/CUnitPort.h"
 
 #include "errors/ErrorText.h"
-#include "framework/BaseUnit.h"
+#include "framework/UnitOwner.h"
 #include "morvelan.h"
 
 namespace morvelan {
@@ -13,7 +13,7 @@ Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to co
 
 }  // namespace
 
-CUnitPort::CUnitPort(const PortDeclaration& declaration, BaseUnit& owner)
+CUnitPort::CUnitPort(const PortDeclaration& declaration, UnitOwner& owner)
     : Implements(declaration.name, declaration.description,
                  declaration.type == CAPE_MATERIAL ? __uuidof(DUnitPort) : __uuidof(DUnitInfoPort)),
       direction(declaration.direction),
@@ -92,14 +92,15 @@ void CUnitPort::Orphan() {
   unit = nullptr;
 }
 
-BaseUnit& CUnitPort::Unit() const {
+UnitOwner& CUnitPort::Unit() const {
   if (!unit) throw Failure("The unit operation of port " + ComponentName() + " no longer exists");
   return *unit;
 }
 
 void CUnitPort::TellUnit() {
-  const auto alive = com::Ref<BaseUnit>::Share(unit);
-  if (alive) alive->ConnectionChanged();
+  if (!unit) return;
+  const auto alive = unit->KeepAlive();
+  unit->ConnectionChanged();
 }
 
 }  // namespace morvelan

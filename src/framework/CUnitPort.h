@@ -8,10 +8,11 @@
 #include "framework/BaseObject.h"
 #include "framework/Declarations.h"
 #include "material/Thermo.h"
+#include "material/TrialMaterial.h"
 
 namespace morvelan {
 
-class BaseUnit;
+class UnitOwner;
 
 /// The place where the host connects a stream to a unit, and the unit's way to the connected material. This
 /// class is a material port; `CUnitInfoPort` is an energy or information port.
@@ -20,7 +21,7 @@ class BaseUnit;
 /// unit decided, and reaches the material with `CalcEquilibrium`.
 class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
  public:
-  CUnitPort(const PortDeclaration& declaration, BaseUnit& owner);
+  CUnitPort(const PortDeclaration& declaration, UnitOwner& owner);
 
   // ICapeUnitPort
   HRESULT get_portType(CapePortType* result) override;
@@ -37,6 +38,10 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
 
   /// The held state: what an inlet read from its material, or what an outlet is going to write.
   [[nodiscard]] material::StreamState& State() { return state; }
+
+  /// The flash that an outlet is left for, which comes after the unit's calculation.
+  void LeaveFor(std::optional<com::Name> flash) { leftFor = flash; }
+  [[nodiscard]] const std::optional<com::Name>& LeftFor() const { return leftFor; }
 
   /// Releases the connected object without a word to the unit.
   virtual void ReleaseConnection();
@@ -56,11 +61,15 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
   /// Calculates on a copy of the material. An empty basis asks for a total [.../s], others for a molar value.
   /// (Under thermo 1.0 a "Mass" basis of an emulated overall property is answered with the molar value: ask
   /// for "Mole".)
-  [[nodiscard]] com::Variant GetProperty(com::Name property, com::Name phase, com::Name calcType, com::Name basis);
+  [[nodiscard]] material::Answer GetProperty(const Property& property, com::Name phase, com::Name calcType,
+                                             com::Name basis);
   /// Calculates on the connected material itself.
-  [[nodiscard]] com::Variant GetPropertyNoDup(com::Name property, com::Name phase, com::Name calcType, com::Name basis);
+  [[nodiscard]] material::Answer GetPropertyNoDup(const Property& property, com::Name phase, com::Name calcType,
+                                                  com::Name basis);
   [[nodiscard]] com::Bstr GetVaporName();
   [[nodiscard]] com::Ref<IDispatch> DuplicateMaterial();
+  /// The same, for a unit to work on.
+  [[nodiscard]] TrialMaterial CopyMaterial();
   /// The compound list as the host gives it, whatever its form.
   [[nodiscard]] com::Variant GetCompoundList();
   /// At least one identifier.
@@ -89,7 +98,7 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
   virtual void Accept(IDispatch* object);
   void Keep(com::Ref<IDispatch> object) { connected = std::move(object); }
   /// The owning unit; throws once it is gone.
-  [[nodiscard]] BaseUnit& Unit() const;
+  [[nodiscard]] UnitOwner& Unit() const;
 
  private:
   template <class Body>
@@ -98,9 +107,10 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
 
   CapePortDirection direction;
   CapePortType type;
-  BaseUnit* unit;  // absent once the unit is gone
+  UnitOwner* unit;  // absent once the unit is gone
   com::Ref<IDispatch> connected;
   material::StreamState state;
+  std::optional<com::Name> leftFor;
 };
 
 }  // namespace morvelan

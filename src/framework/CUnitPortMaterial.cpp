@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "framework/BaseUnit.h"
 #include "framework/CUnitPort.h"
+#include "framework/UnitOwner.h"
 #include "material/Names.h"
 #include "material/Reading.h"
 
@@ -30,7 +30,7 @@ template <class Body>
 auto CUnitPort::OnMaterial(std::string_view operation, Body&& body, std::string_view interfaceName) {
   return Recorded(operation, interfaceName, [&] {
     if (!IsConnected()) throw Failure("port is not connected");
-    BaseUnit& owner = Unit();
+    UnitOwner& owner = Unit();
     const PortMaterial port{connected, ComponentName(), owner.Emulation()};
     return body(material::ThermoInForce(owner.UsesThermo11()), port);
   });
@@ -81,13 +81,13 @@ com::Variant CUnitPort::GetProp(Name property, Name phase, const VARIANT& compou
   });
 }
 
-com::Variant CUnitPort::GetProperty(Name property, Name phase, Name calcType, Name basis) {
+material::Answer CUnitPort::GetProperty(const Property& property, Name phase, Name calcType, Name basis) {
   return OnMaterial("GetProperty", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetProperty(port, {property, phase, calcType, basis});
   });
 }
 
-com::Variant CUnitPort::GetPropertyNoDup(Name property, Name phase, Name calcType, Name basis) {
+material::Answer CUnitPort::GetPropertyNoDup(const Property& property, Name phase, Name calcType, Name basis) {
   return OnMaterial("GetPropertyNoDup", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetPropertyNoDup(port, {property, phase, calcType, basis});
   });
@@ -102,6 +102,13 @@ com::Bstr CUnitPort::GetVaporName() {
 com::Ref<IDispatch> CUnitPort::DuplicateMaterial() {
   return OnMaterial("DuplicateMaterial",
                     [](const Thermo& thermo, const PortMaterial& port) { return thermo.DuplicateMaterial(port); });
+}
+
+TrialMaterial CUnitPort::CopyMaterial() {
+  return OnMaterial("DuplicateMaterial", [&](const Thermo& thermo, const PortMaterial& port) {
+    return TrialMaterial(thermo.DuplicateMaterial(port), port.portName, port.emulation, thermo,
+                         state.composition.size());
+  });
 }
 
 com::Variant CUnitPort::GetCompoundList() {

@@ -7,16 +7,12 @@
 #include <vector>
 
 #include "framework/BaseUnit.h"
+#include "framework/Settings.h"
 #include "morvelan.h"
 
 namespace morvelan {
 
-using Json = nlohmann::ordered_json;
-
 // What a configuration holds, and what is wrong with it.
-
-/// An object with keys of `known` only. Throws Failure that says where it is wrong.
-[[nodiscard]] Json ParseConfiguration(const std::string& text, const Json& known);
 
 /// A whole number between two bounds, or `otherwise` when the key is absent. Throws Failure.
 [[nodiscard]] std::int32_t ReadConfiguredCount(const Json& configuration, const char* key, std::int32_t lowest,

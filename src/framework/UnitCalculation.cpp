@@ -1,9 +1,11 @@
-// A unit's calculation: inlets are read, the unit calculates, outlets are flashed.
+// A unit's validation and calculation, as the door leads to them.
 
 #include <algorithm>
 
 #include "com/ScopeExit.h"
 #include "framework/BaseUnit.h"
+#include "framework/UnitMaterials.h"
+#include "framework/UnitValidation.h"
 #include "material/Names.h"
 
 namespace morvelan {
@@ -11,9 +13,49 @@ namespace {
 
 constexpr std::string_view kScope = "Calculate";
 constexpr std::string_view kInterface = "ICapeUnit";
+constexpr std::string_view kValidate = "Validate";
+constexpr std::string_view kUnitInterface = "ICapeUnit";
 constexpr const char* kCalculated = "calculated";
 
 }  // namespace
+
+HRESULT BaseUnit::Validate(BSTR* message, VARIANT_BOOL* isValid) {
+  if (!message || !isValid) return E_POINTER;
+  *isValid = VARIANT_FALSE;
+  return Guard(kValidate, kUnitInterface, [&] {
+    RequireInitialized();
+    // A unit that a host validates while it calls back would lose what it is working with.
+    if (activity) throw Failure(std::string("The unit can't be validated while it is being ") + activity);
+    ReplaceText(message, {});
+    const Verdict verdict = ValidateAll();
+    ReplaceText(message, verdict.fault);
+    if (verdict.failure) throw Failure(*verdict.failure);
+    *isValid = com::ToVariantBool(verdict.fault.empty());
+  });
+}
+
+BaseUnit::Verdict BaseUnit::ValidateAll() {
+  const Activity busy(*this, "validated");
+  valStatus = CAPE_INVALID;
+  thermo.Refresh();
+  UnitValidation validation(*this, declare, {checkConnections, checkCompounds}, ComponentName());
+  Verdict verdict;
+  try {
+    verdict.fault = ForwardError(kValidate, kUnitInterface, [&] {
+      return Recorded(kValidate, kUnitInterface, [&] { return validation.FindFault(); });
+    });
+    validatedCompoundCount = validation.CompoundCount();
+    // A host that calls back while it answers may change what has been checked already.
+    if (verdict.fault.empty() && valStatus != CAPE_INVALID)
+      verdict.fault = "the unit was changed while it was validated";
+  } catch (const Failure& failure) {
+    verdict.failure = failure;
+    verdict.fault = failure.error.description.empty() ? "the validation failed" : failure.error.description;
+  }
+  valStatus = verdict.fault.empty() ? CAPE_VALID : CAPE_INVALID;
+  calcStatusText = verdict.fault.empty() ? "unit specification complete" : verdict.fault;
+  return verdict;
+}
 
 HRESULT BaseUnit::Calculate() {
   return Guard(kScope, kInterface, [&] {
@@ -28,23 +70,24 @@ HRESULT BaseUnit::Calculate() {
 }
 
 void BaseUnit::RunCalculation(int& compoundCount) {
-  RefreshThermoVersion();
+  thermo.Refresh();
   validatedCompoundCount.reset();
   if (valStatus != CAPE_VALID) {
     const Verdict verdict = ValidateAll();
     if (!verdict.fault.empty()) throw Failure(verdict.fault, kScope, kInterface);
   }
   changesBefore = changes;
-  compoundCount = PreparePorts();
+  compoundCount = UnitMaterials(declare, checkCompounds).ReadInlets(validatedCompoundCount);
   RequireUnchanged();
   simplifiedModelRequested = context.SimplifiedModelRequested();
   auto formerResults = Results();
   const com::ScopeExit takeBack([&] {
     for (auto& [parameter, value] : formerResults) parameter->SetResult(std::move(value));
   });
+  for (const auto& outlet : outlets) outlet->LeaveFor({});
   std::optional<com::Name> outletFlashSpec = names::kTP;
   CalculateUnit(compoundCount, outletFlashSpec);
-  if (outletFlashSpec) FlashOutlets(*outletFlashSpec);
+  if (outletFlashSpec) UnitMaterials(declare, checkCompounds).FlashOutlets(*outletFlashSpec);
   if (!initialized) throw Failure("The unit was terminated while it was calculated");
   formerResults.clear();
 }
@@ -69,53 +112,6 @@ void BaseUnit::FinishCalculation(int compoundCount, bool success) {
   if (!success) throw outcome;
 }
 
-int BaseUnit::PreparePorts() {
-  if (checkCompounds && !FirstConnectedMaterialInlet()) {
-    for (const auto& outlet : outlets)
-      if (outlet->IsConnectedMaterial())
-        throw Failure(UnitError{"internal error", "unit has material outlets but no material inlets", {}, {}});
-    return 0;
-  }
-  return ForwardError(kScope, kInterface, [&] {
-    if (checkCompounds) return PrepareWithCommonCompounds();
-    PrepareWithOwnCompounds();
-    return -1;
-  });
-}
-
-void BaseUnit::PrepareWithOwnCompounds() {
-  for (const auto& port : AllPorts()) {
-    if (!port->IsConnectedMaterial()) continue;
-    const std::size_t count = port->GetCompoundCount();
-    port->ResizeCompoundBuffer(count);
-    if (port->Direction() == CAPE_INLET) port->ReadState(count);
-  }
-}
-
-int BaseUnit::PrepareWithCommonCompounds() {
-  const auto ports = AllPorts();
-  const std::size_t count =
-      validatedCompoundCount ? *validatedCompoundCount : FirstConnectedMaterialInlet()->GetCompoundCount();
-  for (const auto& port : ports)
-    if (port->IsConnectedMaterial()) port->ResizeCompoundBuffer(count);
-  for (const auto& port : ports)
-    if (port->IsConnectedMaterial() && port->Direction() == CAPE_INLET) port->ReadState(count);
-  return static_cast<int>(count);
-}
-
-CUnitPort* BaseUnit::FirstConnectedMaterialInlet() const {
-  for (const auto& inlet : inlets)
-    if (inlet->IsConnectedMaterial()) return inlet.Get();
-  return nullptr;
-}
-
-void BaseUnit::FlashOutlets(com::Name flashType) {
-  ForwardError(kScope, kInterface, [&] {
-    for (const auto& port : AllPorts())
-      if (port->IsConnectedMaterial() && port->Direction() == CAPE_OUTLET) port->CalcEquilibrium(flashType);
-  });
-}
-
 bool BaseUnit::IsCalculating() const { return activity == kCalculated; }
 
 double BaseUnit::HFromPSFlash(double pressure, double entropy) {
@@ -127,7 +123,7 @@ double BaseUnit::HFromPSFlash(double pressure, double entropy) {
     if (first == inlets.end() || !(*first)->IsConnected())
       throw Failure(UnitError{"Failed to get material", "Failed to get material connected to inlet port", {}, {}});
     const com::Ref<CUnitPort> inlet = *first;
-    return material::ThermoInForce(useThermo11)
+    return material::ThermoInForce(thermo.Uses11())
         .HFromPSFlash({inlet->ConnectedObject(), inlet->ComponentName(), emulation}, pressure, entropy);
   } catch (Failure& failure) {
     failure.error.scope = scope;

@@ -63,7 +63,7 @@ HRESULT BaseUnit::GetSizeMax(ULARGE_INTEGER* size) {
   if (!size) return E_POINTER;
   size->QuadPart = 0;
   return Guard("GetSizeMax", kInterface, [&] {
-    EnsureFace();
+    EnsureCreated();
     UnitWriter counter(nullptr);
     WriteParameters(counter);
     SaveUnit(counter);
@@ -76,7 +76,7 @@ HRESULT BaseUnit::Save(IStream* stream, BOOL clearDirty) {
   if (!stream) return E_POINTER;
   HRESULT outcome = S_OK;
   const HRESULT hr = Guard("Save", kInterface, [&] {
-    EnsureFace();
+    EnsureCreated();
     const auto target = com::Ref<IStream>::Share(stream);
     const Activity busy(*this, "saved");
     UnitWriter writer(stream);
@@ -106,6 +106,14 @@ void BaseUnit::WriteReports(UnitWriter& writer) const {
   }
 }
 
+std::function<void()> BaseUnit::LoadUnit(UnitReader& reader, int, const std::vector<ParameterRecord>& records) {
+  if (!declare.IsDeclared()) return {};
+  return [this, loaded = declare.ReadSettings(reader, records)]() mutable {
+    for (auto& [parameter, text] : loaded.options) parameter->SetResult(std::move(text));
+    CommitSettings(loaded.staged, SettingsFrom::kStream);
+  };
+}
+
 struct BaseUnit::Saved {
   std::vector<ParameterRecord> records;                      // for the unit's own parameters
   std::vector<com::Ref<CParameter>> further;                 // beyond them
@@ -122,7 +130,7 @@ HRESULT BaseUnit::Load(IStream* stream) {
     const auto source = com::Ref<IStream>::Share(stream);
     UnitReader reader(*stream);
     try {
-      EnsureFace();
+      EnsureCreated();
       TakeOver(ReadSaved(reader));
     } catch (const std::bad_alloc&) {
       outOfMemory = true;
@@ -158,16 +166,21 @@ BaseUnit::Saved BaseUnit::ReadSaved(UnitReader& reader) {
 }
 
 void BaseUnit::TakeOver(Saved saved) {
+  std::vector<ParameterRecord> former;
+  for (std::size_t i = 0; i < saved.records.size(); ++i) former.push_back(parameters[i]->Record());
   for (std::size_t i = 0; i < saved.records.size(); ++i) parameters[i]->Restore(std::move(saved.records[i]));
+  try {
+    if (saved.takeOverUnitData) saved.takeOverUnitData();
+  } catch (...) {  // of memory that ran out
+    for (std::size_t i = 0; i < former.size(); ++i) parameters[i]->Restore(std::move(former[i]));
+    throw;
+  }
   parameters.insert(parameters.end(), saved.further.begin(), saved.further.end());
-  thermoVersionFixed = true;
-  pendingThermoVersion.clear();
-  RefreshThermoVersion();
-  if (saved.takeOverUnitData) saved.takeOverUnitData();
+  thermo.Forget();
   if (saved.namedReports) reports.Replace(std::move(*saved.namedReports));
   Invalidate();
   dirty = false;
-  InputsChanged();
+  NotifyInputs();
 }
 
 }  // namespace morvelan

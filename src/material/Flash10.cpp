@@ -19,7 +19,7 @@ HRESULT SetOverall(const Material& material, Name property, Name basis, const co
 }  // namespace
 
 void Thermo10::CalcEquilibrium(const PortMaterial& port, const StreamState& state, Name flashType) const {
-  const StateArrays values = MakeStateArrays(state);
+  const StateArrays values = MakeStateArrays(state, flashType);
   HRESULT failure = S_OK;
   const Material material = port.object.As<ICapeThermoMaterialObject>(&failure);
   if (!material)

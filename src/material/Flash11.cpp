@@ -113,7 +113,7 @@ void Flash(const Material& material, const com::Variant& first, const com::Varia
 }  // namespace
 
 void Thermo11::CalcEquilibrium(const PortMaterial& port, const StreamState& state, Name flashType) const {
-  const StateArrays values = MakeStateArrays(state);
+  const StateArrays values = MakeStateArrays(state, flashType);
   HRESULT failure = S_OK;
   const Material material = port.object.As<ICapeThermoMaterial>(&failure);
   if (!material)

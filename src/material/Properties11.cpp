@@ -19,20 +19,20 @@ com::Ref<ICapeThermoPropertyRoutine> RoutineOf(ICapeThermoMaterial& material) {
   return routine;
 }
 
-HRESULT CalcProp(ICapeThermoPropertyRoutine& routine, Name property, Name phase) {
-  const com::Variant properties = com::MakeStrings(std::span(&property, 1));
-  return routine.CalcSinglePhaseProp(properties.Get(), phase.text);
+HRESULT CalcProp(ICapeThermoPropertyRoutine& routine, const Property& property, Name phase) {
+  return routine.CalcSinglePhaseProp(ListOfOne(property).Get(), phase.text);
 }
 
 com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest& request) {
   const auto routine = RoutineOf(material);
-  const std::string title = "Prop (" + Shown(request.property) + "/" + Shown(request.phase);
+  const auto title = [&] { return "Prop (" + request.property.Text() + "/" + Shown(request.phase); };
   CheckHost(CalcProp(*routine, request.property, request.phase), routine.Get(),
-            [&](const std::string& why) { return EvaluationFailure("Calc" + title + ") failed: " + why); });
+            [&](const std::string& why) { return EvaluationFailure("Calc" + title() + ") failed: " + why); });
   com::Variant values;
-  CheckHost(material.GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values.Put()),
+  CheckHost(material.GetSinglePhaseProp(com::Name(request.property).text, request.phase.text, request.basis.text,
+                                        values.Put()),
             &material, [&](const std::string& why) {
-              return EvaluationFailure("Get" + title + "/" + Shown(request.basis) + ") failed: " + why);
+              return EvaluationFailure("Get" + title() + "/" + Shown(request.basis) + ") failed: " + why);
             });
   return com::Settle(std::move(values));
 }
@@ -44,13 +44,14 @@ struct PresentPhases {
 };
 
 /// `opening` begins the messages.
-PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string& opening) {
+template <class Opening>
+PresentPhases GetPresentPhases(ICapeThermoMaterial& material, Opening&& opening) {
   com::Variant labels, statuses;
   CheckHost(material.GetPresentPhases(labels.Put(), statuses.Put()), &material,
-            [&](const std::string& why) { return EvaluationFailure(opening + "; GetPresentPhases failed: " + why); });
+            [&](const std::string& why) { return EvaluationFailure(opening() + "; GetPresentPhases failed: " + why); });
   const auto explain = [&](const char* what) {
     return [&opening, what](const std::string& why) {
-      return EvaluationFailure(opening + "; invalid " + what + " from GetPresentPhases: " + why);
+      return EvaluationFailure(opening() + "; invalid " + what + " from GetPresentPhases: " + why);
     };
   };
   PresentPhases phases;
@@ -62,19 +63,20 @@ PresentPhases GetPresentPhases(ICapeThermoMaterial& material, const std::string&
       explain("list of phases"));
   phases.statuses = ReadOr([&] { return com::ReadIntegers(statuses.Get()); }, explain("phase status list"));
   if (phases.labels.size() != phases.statuses.size())
-    throw EvaluationFailure(opening +
+    throw EvaluationFailure(opening() +
                             "; GetPresentPhases returned different sizes for phase name list and phase status list");
   return phases;
 }
 
 /// One value of a phase on mole basis; `what` names it in messages ("enthalpy", "phase fraction").
-double PhaseScalar(ICapeThermoMaterial& material, Name property, Name phase, const std::string& what) {
-  const std::string where = what + " for phase " + Shown(phase) + ", basis \"mole\": ";
+template <class What>
+double PhaseScalar(ICapeThermoMaterial& material, Name property, Name phase, What&& what) {
+  const auto where = [&] { return what() + " for phase " + Shown(phase) + ", basis \"mole\": "; };
   com::Variant values;
   CheckHost(material.GetSinglePhaseProp(property.text, phase.text, names::kMole.text, values.Put()), &material,
-            [&](const std::string& why) { return EvaluationFailure("Failed to get " + where + why); });
+            [&](const std::string& why) { return EvaluationFailure("Failed to get " + where() + why); });
   return ReadScalar(values.Get(),
-                    [&](const std::string& why) { return EvaluationFailure("Invalid values for " + where + why); });
+                    [&](const std::string& why) { return EvaluationFailure("Invalid values for " + where() + why); });
 }
 
 double TotalFlow(ICapeThermoMaterial& material) {
@@ -93,28 +95,29 @@ double TotalFlow(ICapeThermoMaterial& material) {
 }
 
 /// Sums an overall property over the phases present; an empty basis multiplies by the total flow.
-double SumOverPhases(ICapeThermoMaterial& material, Name property, Name basis) {
-  const std::string name = Shown(property);
+double SumOverPhases(ICapeThermoMaterial& material, const Property& property, Name basis) {
+  const auto name = [&] { return property.Text(); };
   if (!OverallEmulation::IndexOf(property))
-    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " + name);
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " + name());
   if (!basis.IsEmpty() && basis != names::kMole)
     throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " + Shown(basis));
-  const std::string opening = "Failed to calculate overall " + name;
+  const auto opening = [&] { return "Failed to calculate overall " + name(); };
   const PresentPhases phases = GetPresentPhases(material, opening);
   const auto routine = RoutineOf(material);
   // Without a phase there is no value, and 0 would be taken for one.
-  if (phases.labels.empty()) throw EvaluationFailure("Failed to get overall " + name + ": no valid phases are present");
+  if (phases.labels.empty())
+    throw EvaluationFailure("Failed to get overall " + name() + ": no valid phases are present");
   double sum = 0;
   for (std::size_t i = 0; i < phases.labels.size(); ++i) {
     const Name phase(phases.labels[i].Get().bstrVal);
     if (phases.statuses[i] != CAPE_ATEQUILIBRIUM)
-      throw EvaluationFailure(opening + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
+      throw EvaluationFailure(opening() + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
     if (phase == names::kOverall) throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
     CheckHost(CalcProp(*routine, property, phase), routine.Get(), [&](const std::string& why) {
-      return EvaluationFailure("Failed to calculate " + name + " for phase " + Shown(phase) + ": " + why);
+      return EvaluationFailure("Failed to calculate " + name() + " for phase " + Shown(phase) + ": " + why);
     });
     const double value = PhaseScalar(material, property, phase, name);
-    sum += value * PhaseScalar(material, names::kPhaseFraction, phase, "phase fraction");
+    sum += value * PhaseScalar(material, names::kPhaseFraction, phase, [] { return std::string("phase fraction"); });
   }
   return basis.IsEmpty() ? sum * TotalFlow(material) : sum;
 }
@@ -168,18 +171,17 @@ double MeanMolecularWeight(ICapeThermoMaterial& material) {
 
 }  // namespace
 
-com::Variant Evaluate11(ICapeThermoMaterial& material, const PropertyRequest& request) {
+Answer Evaluate11(ICapeThermoMaterial& material, const PropertyRequest& request) {
   if (request.calcType != names::kMixture)
     throw EvaluationFailure("Internal error: unimplemented thermo V11 call for calcType other than mixture");
   if (request.phase != names::kOverall) return EvaluatePhase(material, request);
   if (!OverallEmulation::IndexOf(request.property))
     throw EvaluationFailure("Internal error: unimplemented overall thermo V11 call for property " +
-                            Shown(request.property));
-  if (request.basis != names::kMass)
-    return com::MakeDoubles(std::array{SumOverPhases(material, request.property, request.basis)});
+                            request.property.Text());
+  if (request.basis != names::kMass) return SumOverPhases(material, request.property, request.basis);
   // A material without compounds divides by zero here: it has no mass to refer to.
   const double molar = SumOverPhases(material, request.property, names::kMole);
-  return com::MakeDoubles(std::array{molar / MeanMolecularWeight(material)});
+  return molar / MeanMolecularWeight(material);
 }
 
 }  // namespace morvelan::material

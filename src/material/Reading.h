@@ -36,10 +36,10 @@ auto ReadOr(Read&& read, Explain&& explain) {
 /// unreadable or the value is not set, `wrongCount` when there is not exactly one value.
 template <class Explain, class WrongCount>
 double ReadScalar(const VARIANT& array, Explain&& explain, WrongCount&& wrongCount) {
-  const std::vector<double> values = ReadOr([&] { return com::ReadDoubles(array); }, explain);
-  if (values.size() != 1) throw wrongCount();
-  if (IsMissing(values.front())) throw explain("value is not set");
-  return values.front();
+  const std::optional<double> value = ReadOr([&] { return com::ReadOnlyDouble(array); }, explain);
+  if (!value) throw wrongCount();
+  if (IsMissing(*value)) throw explain("value is not set");
+  return *value;
 }
 
 /// The same where one text fits every fault.
@@ -52,10 +52,10 @@ double ReadScalar(const VARIANT& array, Explain&& explain) {
 [[nodiscard]] inline double ReadOneDouble(const VARIANT& array) {
   const VARIANT held = com::Borrow(array);
   if (held.vt & VT_ARRAY && held.parray && SafeArrayGetDim(held.parray) != 1) throw Failure("unexpected array bounds");
-  const std::vector<double> values = ReadOr([&] { return com::ReadDoubles(array); },
-                                            [](const std::string&) { return Failure("expected a double array"); });
-  if (values.size() != 1) throw Failure("expected a double array with dimension of 1");
-  return values.front();
+  const std::optional<double> value = ReadOr([&] { return com::ReadOnlyDouble(array); },
+                                             [](const std::string&) { return Failure("expected a double array"); });
+  if (!value) throw Failure("expected a double array with dimension of 1");
+  return *value;
 }
 
 }  // namespace morvelan::material

@@ -10,6 +10,8 @@
 #include "com/Ref.h"
 #include "com/Values.h"
 #include "errors/Failure.h"
+#include "material/Answer.h"
+#include "material/Property.h"
 
 namespace morvelan::material {
 
@@ -28,7 +30,7 @@ struct StreamState {
 class OverallEmulation {
  public:
   /// Position of a property that can be summed over phases: enthalpy, enthalpyF, entropy, entropyF or volume.
-  [[nodiscard]] static std::optional<std::size_t> IndexOf(Name property);
+  [[nodiscard]] static std::optional<std::size_t> IndexOf(const Property& property);
 
   std::array<bool, 5> needed{};
 };
@@ -43,7 +45,7 @@ struct PortMaterial {
 
 /// The request for one property. Names are passed to the host as they are; a null basis asks for a total.
 struct PropertyRequest {
-  Name property;
+  Property property;
   Name phase;
   Name calcType;
   Name basis;
@@ -75,10 +77,9 @@ class Thermo {
   [[nodiscard]] virtual com::Variant GetProp(const PortMaterial& port, const PropertyRequest& request,
                                              const VARIANT& compoundIds) const = 0;
   /// Calculates on a copy, so that the connected material is left untouched.
-  [[nodiscard]] virtual com::Variant GetProperty(const PortMaterial& port, const PropertyRequest& request) const = 0;
+  [[nodiscard]] virtual Answer GetProperty(const PortMaterial& port, const PropertyRequest& request) const = 0;
   /// Calculates on the connected material itself.
-  [[nodiscard]] virtual com::Variant GetPropertyNoDup(const PortMaterial& port,
-                                                      const PropertyRequest& request) const = 0;
+  [[nodiscard]] virtual Answer GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const = 0;
   /// The host's label of the vapour phase.
   [[nodiscard]] virtual com::Bstr GetVaporName(const PortMaterial& port) const = 0;
   [[nodiscard]] virtual com::Ref<IDispatch> DuplicateMaterial(const PortMaterial& port) const = 0;

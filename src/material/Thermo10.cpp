@@ -1,6 +1,7 @@
 #include "material/Thermo10.h"
 
 #include "errors/HostCall.h"
+#include "errors/LazyText.h"
 #include "material/Names.h"
 #include "material/PhaseFractions.h"
 
@@ -27,20 +28,20 @@ Material MaterialOf(const PortMaterial& port, std::string_view operation = {}) {
 }
 
 /// The compound IDs; `title` names the failure of the operation that wants them.
-com::Variant ComponentIds(const Material& material, const std::string& title) {
+com::Variant ComponentIds(const Material& material, LazyText title) {
   com::Variant ids;
   CheckHost(material->get_ComponentIds(ids.Put()), material.Get(), [&](const std::string& why) {
-    return Failure(UnitError{title, "Failed to obtain compound IDs: " + why, {}, {}});
+    return Failure(UnitError{title(), "Failed to obtain compound IDs: " + why, {}, {}});
   });
   return ids;
 }
 
 /// A copy; `title` begins the message of the failure.
-com::Ref<IDispatch> Duplicate(const Material& material, const std::string& title) {
+com::Ref<IDispatch> Duplicate(const Material& material, LazyText title) {
   com::Ref<IDispatch> copy;
   HRESULT duplicated = material->Duplicate(copy.Put());
   if (SUCCEEDED(duplicated) && !copy) duplicated = E_POINTER;
-  CheckHost(duplicated, material.Get(), [&](const std::string& why) { return Failure(title + why); });
+  CheckHost(duplicated, material.Get(), [&](const std::string& why) { return Failure(title() + why); });
   return copy;
 }
 
@@ -60,7 +61,7 @@ void Thermo10::SetProp(const PortMaterial& port, const PropertyRequest& request,
                        const VARIANT& values) const {
   // Failing to get at the material names another operation than failing to set the property.
   const Material material = MaterialOf(port, "SetProperty");
-  CheckHost(material->SetProp(request.property.text, request.phase.text, compoundIds, request.calcType.text,
+  CheckHost(material->SetProp(com::Name(request.property).text, request.phase.text, compoundIds, request.calcType.text,
                               request.basis.text, values),
             material.Get(), [](const std::string& why) { return Failure(why); });
 }
@@ -69,26 +70,27 @@ com::Variant Thermo10::GetProp(const PortMaterial& port, const PropertyRequest& 
                                const VARIANT& compoundIds) const {
   const Material material = MaterialOf(port);
   com::Variant values;
-  CheckHost(material->GetProp(request.property.text, request.phase.text, compoundIds, request.calcType.text,
+  CheckHost(material->GetProp(com::Name(request.property).text, request.phase.text, compoundIds, request.calcType.text,
                               request.basis.text, values.Put()),
             material.Get(), [&](const std::string& why) {
-              return Failure("failed to get property " + Shown(request.property) + " from material connected to port " +
+              return Failure("failed to get property " + request.property.Text() + " from material connected to port " +
                              port.portName + ": " + why);
             });
   return values;
 }
 
-com::Variant Thermo10::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
+Answer Thermo10::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
   const Material material = MaterialOf(port);
-  const com::Ref<IDispatch> duplicate = Duplicate(material, "Failed to duplicate material for calculating " +
-                                                                Shown(request.property) + " in CPort::GetProperty(): ");
+  const com::Ref<IDispatch> duplicate = Duplicate(material, [&] {
+    return "Failed to duplicate material for calculating " + request.property.Text() + " in CPort::GetProperty(): ";
+  });
   const Material scratch = MaterialOf(duplicate.Get(), [](const std::string&) {
     return Failure("Failed to get ICapeThermoMaterialObject from duplicate material");
   });
   return Evaluate10(*scratch, request, port.emulation);
 }
 
-com::Variant Thermo10::GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const {
+Answer Thermo10::GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const {
   return Evaluate10(*MaterialOf(port), request, port.emulation);
 }
 
@@ -99,9 +101,9 @@ com::Ref<IDispatch> Thermo10::DuplicateMaterial(const PortMaterial& port) const 
 }
 
 com::Variant Thermo10::GetCompoundList(const PortMaterial& port) const {
-  const std::string title = "could not get compound IDs from port " + port.portName;
+  const auto title = [&] { return "could not get compound IDs from port " + port.portName; };
   const Material material = MaterialOf(port.object.Get(), [&](const std::string& why) {
-    return Failure(UnitError{title, "Failed to obtain material interface: " + why, {}, {}});
+    return Failure(UnitError{title(), "Failed to obtain material interface: " + why, {}, {}});
   });
   return ComponentIds(material, title);
 }
@@ -112,7 +114,7 @@ CompoundIdentities Thermo10::GetCompoundIdentities(const PortMaterial& port) con
     return Failure(UnitError{title, "Invalid compound names from material object: " + why, {}, {}});
   };
   const Material material = MaterialOf(port);
-  const com::Variant ids = ComponentIds(material, title);
+  const com::Variant ids = ComponentIds(material, [&] { return title; });
   const com::Variant casNumbers = ComponentConstant(material, names::kCasRegistryNumber, ids.Get(), title);
   return ReadOr(
       [&] {

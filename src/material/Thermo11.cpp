@@ -31,9 +31,9 @@ struct CompoundList {
 };
 
 /// `title` names the failure of the operation that wants the list.
-CompoundList ListCompounds(const PortMaterial& port, const std::string& title) {
+CompoundList ListCompounds(const PortMaterial& port, LazyText title) {
   const auto explain = [&](const char* what) {
-    return [&title, what](const std::string& why) { return Failure(UnitError{title, what + why, {}, {}}); };
+    return [&title, what](const std::string& why) { return Failure(UnitError{title(), what + why, {}, {}}); };
   };
   const auto compounds = InterfaceOf<ICapeThermoCompounds>(
       port.object.Get(), explain("Failed to obtain material's ICapeThermoCompounds interface: "));
@@ -51,36 +51,38 @@ void Thermo11::SetProp(const PortMaterial& port, const PropertyRequest& request,
                        const VARIANT& values) const {
   // Failing to get at the material names another operation than failing to set the property.
   const Material material = MaterialOf(port, "SetProperty");
-  const HRESULT set =
-      request.phase == names::kOverall
-          ? material->SetOverallProp(request.property.text, request.basis.text, values)
-          : material->SetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values);
+  const HRESULT set = request.phase == names::kOverall
+                          ? material->SetOverallProp(com::Name(request.property).text, request.basis.text, values)
+                          : material->SetSinglePhaseProp(com::Name(request.property).text, request.phase.text,
+                                                         request.basis.text, values);
   CheckHost(set, material.Get(), [](const std::string& why) { return Failure(why); });
 }
 
 com::Variant Thermo11::GetProp(const PortMaterial& port, const PropertyRequest& request, const VARIANT&) const {
   const Material material = MaterialOf(port);
   com::Variant values;
-  const HRESULT got =
-      request.phase == names::kOverall
-          ? material->GetOverallProp(request.property.text, request.basis.text, values.Put())
-          : material->GetSinglePhaseProp(request.property.text, request.phase.text, request.basis.text, values.Put());
+  const HRESULT got = request.phase == names::kOverall
+                          ? material->GetOverallProp(com::Name(request.property).text, request.basis.text, values.Put())
+                          : material->GetSinglePhaseProp(com::Name(request.property).text, request.phase.text,
+                                                         request.basis.text, values.Put());
   CheckHost(got, material.Get(), [&](const std::string& why) {
-    return Failure("failed to get property " + Shown(request.property) + " from material connected to port " +
+    return Failure("failed to get property " + request.property.Text() + " from material connected to port " +
                    port.portName + ": " + why);
   });
   return values;
 }
 
-com::Variant Thermo11::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
-  const Material duplicate = Duplicate11(
-      *MaterialOf(port), port.object,
-      {"Failed to duplicate material for calculating " + Shown(request.property) + " in CPort::GetProperty(): ",
-       "Failed to get ICapeThermoMaterial from duplicate material", "Failed to copy material: "});
+Answer Thermo11::GetProperty(const PortMaterial& port, const PropertyRequest& request) const {
+  const auto failed = [&] {
+    return "Failed to duplicate material for calculating " + request.property.Text() + " in CPort::GetProperty(): ";
+  };
+  const Material duplicate =
+      Duplicate11(*MaterialOf(port), port.object,
+                  {failed, "Failed to get ICapeThermoMaterial from duplicate material", "Failed to copy material: "});
   return Evaluate11(*duplicate, request);
 }
 
-com::Variant Thermo11::GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const {
+Answer Thermo11::GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const {
   return Evaluate11(*MaterialOf(port), request);
 }
 
@@ -90,7 +92,7 @@ com::Ref<ICapeThermoMaterial> Duplicate11(ICapeThermoMaterial& material, const c
                                           const DuplicationTexts& texts) {
   com::Ref<IDispatch> created;
   CheckHost(material.CreateMaterial(created.Put()), &material,
-            [&](const std::string& why) { return Failure(Explained(texts.create, why)); });
+            [&](const std::string& why) { return Failure(Explained(texts.create(), why)); });
   Material copy = InterfaceOf<ICapeThermoMaterial>(
       created.Get(), [&](const std::string& why) { return Failure(Explained(texts.noMaterial, why)); });
   // The source is passed by reference: whatever the host leaves there is released with it.
@@ -111,12 +113,13 @@ com::Ref<ICapeThermoMaterial> DuplicateForUnit11(const PortMaterial& port) {
 com::Ref<IDispatch> Thermo11::DuplicateMaterial(const PortMaterial& port) const { return DuplicateForUnit11(port); }
 
 com::Variant Thermo11::GetCompoundList(const PortMaterial& port) const {
-  return std::move(ListCompounds(port, "could not get compound IDs from port " + port.portName).ids);
+  const auto title = [&] { return "could not get compound IDs from port " + port.portName; };
+  return std::move(ListCompounds(port, title).ids);
 }
 
 CompoundIdentities Thermo11::GetCompoundIdentities(const PortMaterial& port) const {
   const std::string title = "Could not get compound names and/or CAS numbers from port " + port.portName;
-  const CompoundList list = ListCompounds(port, title);
+  const CompoundList list = ListCompounds(port, [&] { return title; });
   return ReadOr(
       [&] {
         return CompoundIdentities{com::ReadStrings(list.names.Get()), com::ReadStrings(list.casNumbers.Get())};

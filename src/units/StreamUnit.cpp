@@ -1,138 +1,93 @@
 #include "units/StreamUnit.h"
 
 #include <algorithm>
-#include <cmath>
+#include <nlohmann/json.hpp>
 
-#include "framework/ReportFormat.h"
-#include "material/MissingValue.h"
-#include "material/Names.h"
-#include "material/Reading.h"
+#include "framework/UnitMaterials.h"
 
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kScope = "Calculate";
-constexpr std::string_view kInterface = "ICapeUnit";
-constexpr std::size_t kLastRunReport = 1;
+constexpr const char* kLastRun[] = {"Last run"};
 
 constexpr double kLowestPressure = 1;              // [Pa]
 constexpr double kLowestSimplifiedPressure = 100;  // [Pa]
 constexpr double kSimplifiedDropFraction = 0.1;
 
-/// The enthalpy that a port's material gives.
-double ReadEnthalpy(const CUnitPort& port, const com::Variant& values) {
-  const double enthalpy = material::ReadOneDouble(values.Get());
-  if (IsMissing(enthalpy))
-    throw Failure("the enthalpy of the material on port " + port.ComponentName() + " is not set");
-  if (!std::isfinite(enthalpy))
-    throw Failure("the enthalpy of the material on port " + port.ComponentName() + " is infinite");
-  return enthalpy;
-}
-
 }  // namespace
 
-bool StreamUnit::ValidateUnit(std::string& message) {
-  for (std::size_t i = 0; i < Parameters().size(); ++i) {
-    const CParameter& parameter = Parameter(i);
-    const auto* number = std::get_if<double>(&parameter.Value());
-    if (!number || parameter.Mode() != CAPE_INPUT || !IsMissing(*number) || MayBeUnset(i)) continue;
-    message = "parameter " + parameter.ComponentName() + " has no value";
-    return false;
-  }
+StreamUnit::StreamUnit(UnitDeclaration identity) : Implements((identity.reports = kLastRun, identity)) {}
+
+// ---- The configuration
+
+void* StreamUnit::FindInterface(REFIID iid) {
+  if (iid == __uuidof(IUnitConfiguration) && !declare.IsConfigurable()) return nullptr;
+  return Implements::FindInterface(iid);
+}
+
+void StreamUnit::AppendFaces(std::vector<com::Face>& faces) {
+  Implements::AppendFaces(faces);
+  if (!declare.IsConfigurable()) faces.pop_back();
+}
+
+GUID StreamUnit::AutomationType() const {
+  return declare.IsConfigurable() ? __uuidof(DConfigurableUnit) : BaseUnit::AutomationType();
+}
+
+HRESULT StreamUnit::GetConfiguration(BSTR* json) {
+  if (!json) return E_POINTER;
+  *json = nullptr;
+  return Guard("GetConfiguration", "IUnitConfiguration", [&] {
+    RequireInitialized();
+    *json = com::ToBstr(declare.Configuration().dump()).Detach();
+  });
+}
+
+/// A bad object changes nothing.
+HRESULT StreamUnit::SetConfiguration(BSTR json) {
+  return Guard("SetConfiguration", "IUnitConfiguration", [&] {
+    RequireInitialized();
+    RequireIdle();
+    const Activity busy(*this, "configured");
+    CommitSettings(declare.Stage(ParseConfiguration(com::ToUtf8(json), declare.Configuration())), SettingsFrom::kHost);
+    ParameterChanged();
+  });
+}
+
+// ---- Validation
+
+bool StreamUnit::ValidateUnit(std::string& message) { return HasMaterials(message) && HasNumbers(message); }
+
+bool StreamUnit::HasMaterials(std::string& message) const {
+  for (const auto* ports : {&declare.inlets, &declare.outlets})
+    for (const auto& port : *ports)
+      if (port->Type() == CAPE_MATERIAL && !port->IsConnected()) {
+        message = "not all material ports are connected";
+        return false;
+      }
   return true;
+}
+
+bool StreamUnit::HasNumbers(std::string& message) const {
+  if (const CParameter* unset = declare.FindUnset()) message = "parameter " + unset->ComponentName() + " has no value";
+  return message.empty();
+}
+
+// ---- Calculation
+
+void StreamUnit::CalculateUnit(int, std::optional<com::Name>& outletFlashSpec) {
+  outletFlashSpec.reset();  // each outlet is left in a state of its own
+  journal.Start();
+  Solve();
+  UnitMaterials(declare, checkCompounds).FlashLeftOutlets();
 }
 
 double StreamUnit::PressureAfterDrop(double inletPressure, double pressureDrop) const {
   const double pressure = inletPressure - pressureDrop;
-  if (simplifiedModelRequested)
-    return std::max({kSimplifiedDropFraction * pressureDrop, kLowestSimplifiedPressure, pressure});
+  if (journal.IsQuiet()) return std::max({kSimplifiedDropFraction * pressureDrop, kLowestSimplifiedPressure, pressure});
   if (pressure > kLowestPressure) return pressure;
-  Warn(ComponentName() + " warning: limiting outlet pressure to 1 Pa");
+  journal.Warn(ComponentName() + " warning: limiting outlet pressure to 1 Pa");
   return kLowestPressure;
-}
-
-double StreamUnit::EnthalpyFlow(CUnitPort& inlet) {
-  return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(inlet, inlet.GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
-  });
-}
-
-double StreamUnit::FlashedEnthalpyFlow(CUnitPort& outlet) {
-  return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(outlet,
-                        outlet.GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, names::kNone));
-  });
-}
-
-double StreamUnit::MolarEnthalpy(CUnitPort& inlet, com::Name property) {
-  return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(inlet, inlet.GetProperty(property, names::kOverall, names::kMixture, names::kMole));
-  });
-}
-
-double StreamUnit::FlashedMolarEnthalpy(CUnitPort& outlet, com::Name property) {
-  return ForwardError(kScope, kInterface, [&] {
-    return ReadEnthalpy(outlet, outlet.GetPropertyNoDup(property, names::kOverall, names::kMixture, names::kMole));
-  });
-}
-
-std::optional<double> StreamUnit::StoredTemperature(CUnitPort& outlet) {
-  return ForwardError(kScope, kInterface, [&]() -> std::optional<double> {
-    const com::Variant values =
-        outlet.GetProp(names::kTemperature, names::kOverall, com::Variant().Get(), names::kNone, names::kNone);
-    const double temperature = material::ReadOneDouble(values.Get());
-    return IsMissing(temperature) ? std::nullopt : std::optional(temperature);
-  });
-}
-
-void StreamUnit::SetMolarEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property) {
-  ForwardError(kScope, kInterface, [&] {
-    outlet.SetProp(property, names::kOverall, com::Variant().Get(), names::kMixture, names::kMole,
-                   com::MakeDoubles(std::array{enthalpy}).Get());
-  });
-}
-
-void StreamUnit::Flash(CUnitPort& outlet, com::Name flashType) {
-  ForwardError(kScope, kInterface, [&] { outlet.CalcEquilibrium(flashType); });
-}
-
-void StreamUnit::FlashAtEnthalpy(CUnitPort& outlet, double enthalpy, com::Name property, const char* noTemperature) {
-  SetMolarEnthalpy(outlet, enthalpy, property);
-  Flash(outlet, property == names::kEnthalpyF ? names::kPHF : names::kPH);
-  TakeOverTemperature(outlet, noTemperature);
-}
-
-void StreamUnit::TakeOverTemperature(CUnitPort& outlet, const std::string& opening) {
-  std::optional<double> temperature;
-  try {
-    temperature = StoredTemperature(outlet);
-    if (!temperature) temperature = StoredTemperature(outlet);  // a host may need to be asked twice
-  } catch (Failure& failure) {
-    failure.error.description = opening + failure.error.description;
-    throw;
-  }
-  if (!temperature)
-    throw Failure(
-        opening + "the temperature of the material on port " + outlet.ComponentName() + " is not set after its flash",
-        kScope, kInterface);
-  outlet.State().temperature = *temperature;
-}
-
-void StreamUnit::WarnAs(std::string_view kind, const std::string& text) const {
-  Warn(std::string(kind) + " \"" + ComponentName() + '"' + text);
-}
-
-void StreamUnit::StartReport() { SetReportText(kLastRunReport, "+++ specifications +++\r\n\r\n"); }
-
-void StreamUnit::ReportLine(const std::string& text) { AddReportText(kLastRunReport, text + "\r\n"); }
-
-void StreamUnit::ReportParameter(const CParameter& parameter) {
-  if (!simplifiedModelRequested) ReportLine(FormatParameter(parameter));
-}
-
-void StreamUnit::ReportOptionalParameters(std::span<const std::size_t> positions) {
-  AddReportText(kLastRunReport, "\r\n+++ optional parameters +++\r\n");
-  for (const std::size_t position : positions) ReportParameter(Parameter(position));
 }
 
 }  // namespace morvelan

@@ -155,8 +155,8 @@ class Faceless final : public BaseUnit {
   void CalculateUnit(int, std::optional<com::Name>&) override {}
 
  protected:
-  void CreateFace() override {
-    BaseUnit::CreateFace();
+  void CreateObjects() override {
+    BaseUnit::CreateObjects();
     if (fails) throw Failure(UnitError{"title", "no room for port Inlet", "AddPort", "CUnitPort"});
   }
 

@@ -59,8 +59,8 @@ CInformationCalculator::CInformationCalculator() : Configurable(kDeclaration) {
   checkConnections = false;  // what is missing is named below
 }
 
-void CInformationCalculator::CreateFace() {
-  Configurable::CreateFace();
+void CInformationCalculator::CreateObjects() {
+  Configurable::CreateObjects();
   Plan(CalculatorSetup())();
 }
 

@@ -27,7 +27,7 @@ class CInformationCalculator final : public Configurable<BaseUnit> {
                                                const std::vector<ParameterRecord>& records) override;
 
  protected:
-  void CreateFace() override;
+  void CreateObjects() override;
   [[nodiscard]] Json Configuration() const override;
   void Configure(const Json& configuration) override;
 

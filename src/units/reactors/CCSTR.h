@@ -1,7 +1,9 @@
 #pragma once
 
-#include "units/reactors/BaseReactorConstrained.h"
-#include "units/reactors/CatalystSpecification.h"
+#include "units/reactors/BaseReactor.h"
+#include "units/reactors/CatalystParameters.h"
+#include "units/reactors/ExtentSearch.h"
+#include "units/reactors/ReactionPhase.h"
 #include "units/reactors/StirredTankEquations.h"
 
 namespace morvelan {
@@ -18,7 +20,7 @@ namespace morvelan {
 /// with all rates, constants, activities and the enthalpy H_out at the state of the outlet's one phase. What
 /// leaves is brought to phase equilibrium at that temperature; other phases than the reactions' are warned
 /// of.
-class CCSTR final : public BaseReactorConstrained {
+class CCSTR final : public BaseReactor {
  public:
   CCSTR();
 
@@ -28,27 +30,21 @@ class CCSTR final : public BaseReactorConstrained {
  protected:
   void ResolveAll() override;
   void React() override;
-  [[nodiscard]] bool MayBeUnset(std::size_t position) const override;
 
  private:
-  [[nodiscard]] std::string Phase();
-  [[nodiscard]] CatalystSpecification Catalyst();
-  [[nodiscard]] std::string FindForeignPhase();
-  [[nodiscard]] std::string FindDependence() const;
-  [[nodiscard]] std::string FindCatalystFault();
+  [[nodiscard]] bool HasIndependentReactions(std::string& message) const;
+  [[nodiscard]] bool HasCatalyst(std::string& message) const;
 
-  void ReportVolumes(const CatalystSpecification& catalyst);
-  void ReportReactions(const std::vector<ReactionRecord>& reactions);
+  void ReportBases(const std::vector<Reaction>& possible);
   /// Solves the equations, and returns the flows [mol/s], the temperature [K] and the extents [mol/s].
-  [[nodiscard]] ExtentTrial SolveTank(const std::vector<ReactionRecord>& reactions, const StirredTank& tank);
+  [[nodiscard]] ExtentTrial SolveTank(const std::vector<Reaction>& possible, const StirredTank& tank);
   /// Flashes the outlet at the solution's temperature, and returns the duty [W] if it is known.
-  [[nodiscard]] std::optional<double> FlashSolution(HeatDutyType type, const HeatSource& source, double temperature,
-                                                    double feedEnthalpyFlow, double heatOfReaction);
-  void WarnOfOtherPhases(HeatDutyType type);
+  [[nodiscard]] std::optional<double> FlashSolution(StreamState out, const HeatSource& source, double feedEnthalpyFlow,
+                                                    double heatOfReaction);
 
-  // Whose phases "Phase" lists, by which interfaces.
-  const IDispatch* listedMaterial = nullptr;  // only compared
-  bool listedThermo11 = false;
+  CatalystParameters catalyst;
+  ReactionPhase phase;
+  ExtentSearch search;
 };
 
 }  // namespace morvelan

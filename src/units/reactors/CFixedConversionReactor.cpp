@@ -5,141 +5,168 @@
 #include <numeric>
 
 #include "framework/ReportFormat.h"
-#include "material/MissingValue.h"
-#include "material/Names.h"
 
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kScope = "Calculate";
-constexpr std::string_view kInterface = "ICapeUnit";
-constexpr std::string_view kUnitKind = "FixedConversionReactor";
-
-const std::vector<ParameterDeclaration> kParameters =
-    ReactorParameters("Pressure drop over the reactor", "Reactor effluent temperature");
-
-const UnitDeclaration kDeclaration = {
-    .name = "FixedConversionReactor",
-    .description = "FixedConversionReactor - perform reactions using a specified conversion",
-    .about =
-        "The fixed conversion reactor performs one or more reactions using a specified conversion. The "
-        "reactions are performed either serial (conversions apply to concentrations after previous reaction) "
-        "or parallel (conversions apply to inlet concentrations). It either operates isothermally at "
-        "specified temperature, or with a specified heat duty (0 for adiabatic).",
-    .helpTopic = "fixedconversionreactor",
-    .ports = kReactorPorts,
-    .parameters = kParameters,
-    .reports = kLastRun,
-};
+// A conversion out of range is for the validation to explain.
+constexpr double kLargestConversion = 1e20;
+constexpr const char* kNotValidated = "unit not validated";
+constexpr const char* kTable = "Reactions in order";
 
 }  // namespace
 
-CFixedConversionReactor::CFixedConversionReactor() : BaseReactor(kDeclaration, kUnitKind) {}
+CFixedConversionReactor::CFixedConversionReactor()
+    : BaseReactor({.name = "FixedConversionReactor",
+                   .description = "FixedConversionReactor - perform reactions using a specified conversion",
+                   .about = "The fixed conversion reactor performs one or more reactions using a specified "
+                            "conversion. The reactions are performed either serial (conversions apply to "
+                            "concentrations after previous reaction) or parallel (conversions apply to inlet "
+                            "concentrations). It either operates isothermally at specified temperature, or with "
+                            "a specified heat duty (0 for adiabatic).",
+                   .helpTopic = "fixedconversionreactor"}) {
+  BeginDeclaration("Pressure drop over the reactor", "Reactor effluent temperature");
+  EndDeclaration().MayHaveEmpty().ColumnOf(kTable);
+  declare.Setting(keyCompounds, "reactionCompounds").MayHaveEmpty().ColumnOf(kTable).Label("Key compound");
+  declare.Setting(conversions, "reactionConversions").ColumnOf(kTable).Label("Conversion");
+  declare.Setting(isSerial, "serialReactions")
+      .Label("In series", "Conversions apply to what the reaction before leaves");
+}
+
+// ---- The table of reactions
+
+void CFixedConversionReactor::SettingsChanged(SettingsFrom source) {
+  const Names& names = reactions.Selected();
+  if (keyCompounds.size() != names.size() || conversions.size() != names.size()) throw Failure("array size mismatch");
+  if (std::ranges::any_of(names, &std::string::empty)) throw Failure("empty strings");
+  UnitDeclarations::ParameterList parameters;
+  for (std::size_t r = 0; r < names.size(); ++r) {
+    // A host's parameter stays that of its reaction and compound, wherever they stand now.
+    UnitDeclarations::ParameterRef own = ConversionParameter(r);
+    for (const auto& former : extraParameters)
+      if (former->ComponentDescription() == own->ComponentDescription() &&
+          std::ranges::none_of(parameters, [&](const auto& taken) { return taken.Get() == former.Get(); })) {
+        own = former;
+        break;
+      }
+    parameters.push_back(std::move(own));
+  }
+  BaseReactor::SettingsChanged(source);
+  extraParameters.swap(parameters);
+  for (std::size_t r = 0; r < extraParameters.size(); ++r) {
+    extraParameters[r]->SetResult(conversions[r]);
+    // The reactions of a loaded selection are still to be found, also where the unit had them before.
+    if (source == SettingsFrom::kStream) extraParameters[r]->SetUnavailable(kNotValidated);
+  }
+  for (const auto& former : parameters)
+    if (std::ranges::none_of(extraParameters, [&](const auto& p) { return p.Get() == former.Get(); })) former->Orphan();
+}
+
+void CFixedConversionReactor::InputsChanged() {
+  for (std::size_t r = 0; r < extraParameters.size(); ++r)
+    conversions.Set(r, std::get<double>(extraParameters[r]->Value()));
+}
+
+UnitDeclarations::ParameterRef CFixedConversionReactor::ConversionParameter(std::size_t r) {
+  const std::string& reaction = reactions.Selected()[r];
+  return declare.MakeExtra("Conversion " + keyCompounds[r] + " reaction " + reaction,
+                           "Conversion of " + keyCompounds[r] + " in reaction " + reaction, 0,
+                           {-kLargestConversion, kLargestConversion}, kNotValidated);
+}
 
 // ---- Validation
 
 void CFixedConversionReactor::ResolveAll() {
-  std::vector<ReactionRequest> requests(selection.size());
-  for (std::size_t r = 0; r < requests.size(); ++r) requests[r].name = selection[r].name;
-  Resolve(requests, "", [&](std::size_t r, const ReactionRecord& record) {
-    selection.at(r).conversion->SetUnavailable(nullptr);
-    return FindFault(selection[r], record);
+  Resolve({}, "", [&](std::size_t r, const Reaction& reaction) {
+    extraParameters.at(r)->SetUnavailable(nullptr);
+    return FindFault(r, reaction);
   });
 }
 
-std::string CFixedConversionReactor::FindFault(const SelectedReaction& selected, const ReactionRecord& record) {
-  if (selected.keyCompound.empty()) return "no compound specified to which conversion applies";
-  if (!TakesPart(record, selected.keyCompound))
-    return "compound specified to which conversion applies does not take part in reaction";
-  if (CoefficientOf(record, selected.keyCompound) == 0)
+std::string CFixedConversionReactor::FindFault(std::size_t r, const Reaction& reaction) const {
+  const std::string& key = keyCompounds[r];
+  if (key.empty()) return "no compound specified to which conversion applies";
+  if (!TakesPart(reaction, key)) return "compound specified to which conversion applies does not take part in reaction";
+  if (CoefficientOf(reaction, key) == 0)
     return "compound specified to which conversion applies does not take part in reaction (zero "
            "stoichiometric coefficient)";
-  const double conversion = selected.Conversion();
-  return conversion >= 0 && conversion <= 1 ? "" : "conversion must be between zero and unity";
+  return conversions[r] >= 0 && conversions[r] <= 1 ? "" : "conversion must be between zero and unity";
 }
 
 bool CFixedConversionReactor::ValidateUnit(std::string& message) {
   if (!HasMaterials(message)) return false;
-  if (!HasReactionPackage())
+  if (!reactions.Package())
     message = IsCalculating() ? kNoReactionPackage : "A reaction package has not been selected";
-  else if (selection.empty())
+  else if (reactions.Selected().empty())
     message = "No reaction specified";
-  return message.empty() && HasReactions(message) && HasHeatSpecification(message) &&
-         BaseReactor::ValidateUnit(message);
+  return message.empty() && HasReactions(message) && heat.HasSpecification(message) && HasNumbers(message);
 }
 
 // ---- Calculation
 
 void CFixedConversionReactor::React() {
-  const HeatDutyType type = HeatType();
-  const HeatSource source = ReadHeatSource();
-  const material::StreamState& feed = Inlet(0).State();
-  if (feed.totalFlow < 0) throw Failure(UnitError{"underflow", "Negative flow on inlet", kScope, kInterface});
-  material::StreamState& product = Outlet(0).State();
-  product.pressure = ReactorPressure(false);
-  if (feed.totalFlow == 0) return BypassFeed(type, source);
+  const HeatSource source = heat.ReadSource();
+  StreamState out = feed.State();
+  if (out.totalFlow < 0) throw CalculationFailure("underflow", "Negative flow on inlet");
+  out.pressure = PressureAfterDrop(false);
+  if (out.totalFlow == 0) return heat.Bypass(out.pressure, source);
 
   const Converted converted = Convert();
   ReportReactions(converted);
-  product.totalFlow = std::accumulate(converted.flows.begin(), converted.flows.end(), 0.0);
-  if (!(product.totalFlow > 0) || !std::isfinite(product.totalFlow))
-    throw Failure("The reactions leave no flow at the outlet", kScope, kInterface);
-  for (std::size_t j = 0; j < compounds.size(); ++j) product.composition[j] = converted.flows[j] / product.totalFlow;
+  out.totalFlow = std::accumulate(converted.flows.begin(), converted.flows.end(), 0.0);
+  if (!(out.totalFlow > 0) || !std::isfinite(out.totalFlow))
+    throw CalculationFailure("The reactions leave no flow at the outlet");
+  for (std::size_t j = 0; j < out.composition.size(); ++j) out.composition[j] = converted.flows[j] / out.totalFlow;
 
   // All is read before the outlet is written, so that a failure leaves it as it was.
-  const double feedEnthalpyFlow = FeedEnthalpyFlow();
-  const double heatOfReaction = TotalHeatOfReaction(converted.extents);
-  const std::optional<double> duty = CloseHeatBalance(type, source, feedEnthalpyFlow, heatOfReaction);
-  WarnOfInfeasibleHeat(source, product.temperature);
-  PublishHeat(type, duty);
+  const double feedEnthalpyFlow = heat.FeedEnthalpyFlow();
+  double heatOfReaction = 0;
+  if (heat.CountsReactions()) {
+    const std::vector<double> heats = reactions.HeatsAtFeed(reactions.Resolved());
+    heatOfReaction = std::inner_product(converted.extents.begin(), converted.extents.end(), heats.begin(), 0.0);
+  }
+  const std::optional<double> duty = heat.Close(out, source, feedEnthalpyFlow, heatOfReaction);
+  heat.WarnOfInfeasibility(source);
+  heat.Publish(duty);
   NotePhases();
 }
 
 Converted CFixedConversionReactor::Convert() const {
-  const material::StreamState& feed = inlets[0]->State();
+  const StreamState& in = feed.State();
   std::vector<double> flows;
-  for (const double fraction : feed.composition) flows.push_back(fraction * feed.totalFlow);
-  std::vector<ConvertingReaction> reactions;
-  for (std::size_t r = 0; r < records.size(); ++r)
-    reactions.push_back({&records[r], selection[r].keyCompound, selection[r].Conversion()});
-  if (serialReactions || reactions.size() == 1) return ConvertInSeries(reactions, std::move(flows));
-  return ConvertInParallel(reactions, flows, compounds);
+  for (const double fraction : in.composition) flows.push_back(fraction * in.totalFlow);
+  std::vector<ConvertingReaction> converting;
+  for (std::size_t r = 0; r < reactions.Resolved().size(); ++r)
+    converting.push_back({&reactions.Resolved()[r], keyCompounds[r], conversions[r]});
+  if (isSerial || converting.size() == 1) return ConvertInSeries(converting, std::move(flows));
+  return ConvertInParallel(converting, flows, reactions.Compounds());
 }
 
 void CFixedConversionReactor::ReportReactions(const Converted& converted) {
-  ReportLine(std::string("\r\n+++ reactions, ") + (serialReactions ? "serial" : "parallel") + " +++\r\n");
-  for (std::size_t r = 0; r < records.size(); ++r) {
-    ReportParameter(*selection[r].conversion);
-    ReportLine("Extent of reaction \"" + records[r].name + "\":\t" +
-               FormatValue(converted.extents[r], kMolarFlowDimension));
+  journal.Section(std::string("reactions, ") + (isSerial ? "serial" : "parallel"));
+  for (std::size_t r = 0; r < converted.extents.size(); ++r) {
+    journal.Parameter(*extraParameters[r]);
+    journal.Line("Extent of reaction \"" + reactions.Selected()[r] + "\":\t" +
+                 FormatValue(converted.extents[r], kMolarFlowDimension));
   }
-}
-
-double CFixedConversionReactor::TotalHeatOfReaction(const std::vector<double>& extents) {
-  if (EnthalpyKind() != kUseEnthalpyAndReaction) return 0;
-  const std::vector<double> heats = HeatsOfReaction(records);
-  return std::inner_product(extents.begin(), extents.end(), heats.begin(), 0.0);
 }
 
 /// Says where the phases at the outlet are not those in which the reactions are thought to take place.
 void CFixedConversionReactor::NotePhases() {
-  if (simplifiedModelRequested) return;
-  std::vector<std::string> present;
-  for (const material::PhaseFraction& phase :
-       ForwardError(kScope, kInterface, [&] { return Outlet(0).GetPhaseFractions(); }))
-    if (phase.fraction > 0) present.push_back(phase.phase);
+  if (journal.IsQuiet()) return;
+  const std::vector<PhaseFraction> present = product.Phases();
   if (present.size() > 1) {
     std::string list;
-    for (const std::string& phase : present) list += (list.empty() ? "" : ", ") + phase;
-    WarnAs(Kind(), " warning: Multiple phases (" + list +
-                       ") are present in reactor. All reactions will be performed on OVERALL phase.");
+    for (const PhaseFraction& phase : present) list += (list.empty() ? "" : ", ") + phase.phase;
+    journal.WarnNamed(" warning: Multiple phases (" + list +
+                      ") are present in reactor. All reactions will be performed on OVERALL phase.");
   }
   if (present.size() != 1) return;
-  for (const ReactionRecord& reaction : records)
-    if (!com::EqualNoCase(reaction.phase, present[0]) && !com::EqualNoCase(reaction.phase, "Overall"))
+  for (const Reaction& reaction : reactions.Resolved())
+    if (!reaction.phase.Is(present[0].phase) && !reaction.phase.IsOverall())
       // (Worded so, and without a blank in front: hosts search their logs for it.)
-      WarnAs(Kind(), "warning: phase defined for reaction " + reaction.name + " is " + reaction.phase +
-                         " but phase present is " + present[0] + ". Reaction is be performed anyway.");
+      journal.WarnNamed("warning: phase defined for reaction " + reaction.name.Text() + " is " + reaction.phase.Text() +
+                        " but phase present is " + present[0].phase + ". Reaction is be performed anyway.");
 }
 
 }  // namespace morvelan

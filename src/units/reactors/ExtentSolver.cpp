@@ -89,7 +89,7 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
   const double largestDeficit = kLargestDeficit * equations.inletFlows.sum();
   const numerics::NonlinearSystem system{
       .residual = [&](std::span<const double> x, std::span<double> residuals,
-                      std::string& why) { return equations.residual(unknowns.Trial(x), residuals, why); },
+                      std::string& why) { return equations.model->Evaluate(unknowns.Trial(x), residuals, why); },
       .isValid =
           [&](std::span<const double> x) {
             const ExtentTrial trial = unknowns.Trial(x);

@@ -37,7 +37,7 @@ constexpr double kClosestTemperature = 1;  // [K]
 ExtentTrial Balanced(const ExtentEquations& equations, ExtentTrial trial) {
   if (!equations.temperatureIsUnknown) return trial;
   try {
-    trial.temperature = equations.balancedTemperature(trial);
+    trial.temperature = equations.model->BalancedTemperature(trial);
   } catch (const Failure&) {
     // A start need not be a good one.
   }
@@ -129,7 +129,7 @@ double SolveOne(const ExtentEquations& equations, const VectorXd& direction, Ext
   if (!way.LeadsAnywhere()) return 0;
   VectorXd residuals(equations.nu.cols() + (equations.temperatureIsUnknown ? 1 : 0));
   const auto residual = [&](double t, double& value, std::string& why) {
-    if (!equations.residual(way.At(t), {residuals.data(), static_cast<std::size_t>(residuals.size())}, why))
+    if (!equations.model->Evaluate(way.At(t), {residuals.data(), static_cast<std::size_t>(residuals.size())}, why))
       return false;
     value = direction.dot(residuals.head(direction.size()));
     return true;
@@ -155,7 +155,7 @@ bool CanBeEvaluated(const ExtentEquations& equations, const ExtentTrial& trial) 
   std::vector<double> residuals(static_cast<std::size_t>(equations.nu.cols()) +
                                 (equations.temperatureIsUnknown ? 1 : 0));
   std::string why;
-  return equations.residual(trial, residuals, why);
+  return equations.model->Evaluate(trial, residuals, why);
 }
 
 }  // namespace

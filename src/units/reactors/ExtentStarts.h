@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "units/reactors/ExtentSolver.h"
+#include "units/reactors/ExtentModel.h"
 
 namespace morvelan {
 

@@ -3,19 +3,18 @@
 #include <algorithm>
 #include <cmath>
 
-#include "com/Text.h"
-#include "material/Names.h"
-
 namespace morvelan {
 namespace {
+
+using Basis = TrialMaterial::Basis;
 
 constexpr double kSmallest = 1e-47;
 constexpr double kGreatest = 1e200;
 
 constexpr const char* kNoMaterial = "Failed to pass the material to the reaction package: ";
 
-/// a^nu, for the usual coefficients without rounding errors of their own.
-double Raised(double product, double a, double nu) {
+/// product * a^nu, for the usual coefficients without rounding errors of their own.
+double TimesPower(double product, double a, double nu) {
   if (nu == 1) return product * a;
   if (nu == -1) return product / a;
   if (nu == 2) return product * (a * a);
@@ -31,70 +30,72 @@ double ClampedLog(double value) {
   return std::log(value);
 }
 
-ReactingMixture::ReactingMixture(TrialMaterial content, const com::Ref<ICapeReactionProperties>& package)
-    : material(std::move(content)), properties(package, material.Object(), kNoMaterial) {}
+ReactingMixture::ReactingMixture(TrialMaterial content, const ReactionPackage& package)
+    : material(std::move(content)), properties(package, material, kNoMaterial) {}
 
 void ReactingMixture::StateChanged() {
-  known.clear();
+  for (Activities& known : activities) known.isCurrent = false;
   properties.HandOver(kNoMaterial);
 }
 
-double ReactingMixture::LogActivityProduct(const ReactionRecord& reaction, ActivityBasis basis) {
+double ReactingMixture::LogActivityProduct(const Reaction& reaction, ActivityBasis basis) {
   const std::vector<double>& a = ActivitiesIn(reaction.phase, basis);
   double product = 1;
   for (std::size_t i = 0; i < reaction.coefficients.size(); ++i)
-    product = Raised(product, a.at(static_cast<std::size_t>(reaction.compoundIndices[i])), reaction.coefficients[i]);
+    product =
+        TimesPower(product, a.at(static_cast<std::size_t>(reaction.compoundIndices[i])), reaction.coefficients[i]);
   return ClampedLog(product);
 }
 
-const std::vector<double>& ReactingMixture::ActivitiesIn(const std::string& phase, ActivityBasis basis) {
-  const auto found = std::ranges::find_if(known, [&](const Activities& activities) {
-    return activities.basis == basis && com::EqualNoCase(activities.phase, phase);
-  });
-  if (found != known.end()) return found->values;
+const std::vector<double>& ReactingMixture::ActivitiesIn(const PhaseLabel& phase, ActivityBasis basis) {
+  auto known = std::ranges::find_if(
+      activities, [&](const Activities& candidate) { return candidate.basis == basis && candidate.phase == phase; });
+  if (known == activities.end()) known = activities.insert(known, Activities{.phase = phase, .basis = basis});
+  if (known->isCurrent) return known->values;
   const bool byMass = basis == ActivityBasis::kConcentration || basis == ActivityBasis::kMassFraction;
-  std::vector<double> values = material.Fractions(
-      phase, byMass ? names::kMass : names::kMole,
-      std::string("Failed to get ") + (byMass ? "mass" : "mole") + " fractions for phase " + phase + ": ");
+  const Basis amounts = byMass ? Basis::kMass : Basis::kMole;
+  material.ReadFractions(phase, amounts, known->values, [&] {
+    return std::string("Failed to get ") + (byMass ? "mass" : "mole") + " fractions for phase " + phase.Text() + ": ";
+  });
   if (basis == ActivityBasis::kMolarity || basis == ActivityBasis::kConcentration) {
-    const double density = Density(phase, basis);
-    for (double& value : values) value *= density;
+    const double density = Density(phase, amounts);
+    for (double& value : known->values) value *= density;
   }
-  known.push_back({phase, basis, std::move(values)});
-  return known.back().values;
+  known->isCurrent = true;
+  return known->values;
 }
 
-double ReactingMixture::Density(const std::string& phase, ActivityBasis basis) {
-  const bool byMass = basis == ActivityBasis::kConcentration;
-  const std::string opening =
-      std::string("Failed to calculate ") + (byMass ? "mass " : "") + "density for phase " + phase + ": ";
-  const std::string invalid =
-      std::string("Invalid value for ") + (byMass ? "" : "molar ") + "density for phase " + phase + ": ";
-  std::string where = phase;
-  if (com::EqualNoCase(phase, "Overall")) {
-    // Hosts know densities of phases only; that of a mixture of them would mean little to a reaction.
-    const std::vector<std::string> present = material.PresentPhases();
-    if (present.size() != 1) throw Failure(opening + "the mixture is not a single phase");
-    where = present[0];
+double ReactingMixture::Density(const PhaseLabel& phase, Basis basis) {
+  const bool byMass = basis == Basis::kMass;
+  const auto opening = [&] {
+    return std::string("Failed to calculate ") + (byMass ? "mass " : "") + "density for phase " + phase.Text() + ": ";
+  };
+  const auto invalid = [&] {
+    return std::string("Invalid value for ") + (byMass ? "" : "molar ") + "density for phase " + phase.Text() + ": ";
+  };
+  PhaseLabel only;
+  if (phase.IsOverall()) {
+    // Hosts know the densities of phases, not that of a mixture of them.
+    const std::vector<PhaseFraction> present = material.Phases();
+    if (present.size() != 1) throw Failure(opening() + "the mixture is not a single phase");
+    only = PhaseLabel(present[0].phase);
   }
   const double density =
-      material.Property(names::kDensity, where, byMass ? names::kMass : names::kMole, opening, invalid);
-  if (density <= 0) throw Failure(invalid + "value is not positive");
+      material.PhaseProperty(property::kDensity, phase.IsOverall() ? only : phase, basis, opening, invalid);
+  if (density <= 0) throw Failure(invalid() + "value is not positive");
   return density;
 }
 
-double ReactingMixture::ReactionProperty(com::Name property, const ReactionRecord& reaction) {
-  const std::string which = com::ToUtf8(property) + " for reaction " + reaction.name + ": ";
-  return properties.Read(property, reaction.phase, reaction.name,
-                         {"Failed to obtain " + which, "Invalid format for " + which});
+double ReactingMixture::ReactionProperty(const Property& which, const Reaction& reaction) {
+  const auto what = [&] { return which.Text() + " for reaction " + reaction.name.Text() + ": "; };
+  return properties.Read(
+      which, reaction, [&] { return "Failed to obtain " + what(); }, [&] { return "Invalid format for " + what(); });
 }
 
-double ReactingMixture::EquilibriumConstant(const ReactionRecord& reaction) {
-  return ReactionProperty(names::kChemicalEquilibriumConstant, reaction);
+double ReactingMixture::EquilibriumConstant(const Reaction& reaction) {
+  return ReactionProperty(property::kChemicalEquilibriumConstant, reaction);
 }
 
-double ReactingMixture::Rate(const ReactionRecord& reaction) {
-  return ReactionProperty(names::kReactionRate, reaction);
-}
+double ReactingMixture::Rate(const Reaction& reaction) { return ReactionProperty(property::kReactionRate, reaction); }
 
 }  // namespace morvelan

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
-#include "units/reactors/ActivityBasis.h"
-#include "units/reactors/ReactionProperties.h"
-#include "units/reactors/ReactionRecord.h"
-#include "units/reactors/TrialMaterial.h"
+#include "material/TrialMaterial.h"
+#include "reactions/ReactionProperties.h"
 
 namespace morvelan {
 
@@ -18,32 +15,33 @@ namespace morvelan {
 /// at it. After each change of the material's state `StateChanged` must be called. All throw Failure.
 class ReactingMixture {
  public:
-  ReactingMixture(TrialMaterial content, const com::Ref<ICapeReactionProperties>& package);
+  ReactingMixture(TrialMaterial content, const ReactionPackage& package);
 
   [[nodiscard]] TrialMaterial& Material() { return material; }
   /// What is known of the state before is forgotten, by the package too.
   void StateChanged();
 
   /// ln of the product of a_i^nu_i over the reaction's compounds, with the activities of its phase.
-  [[nodiscard]] double LogActivityProduct(const ReactionRecord& reaction, ActivityBasis basis);
-  [[nodiscard]] double EquilibriumConstant(const ReactionRecord& reaction);
+  [[nodiscard]] double LogActivityProduct(const Reaction& reaction, ActivityBasis basis);
+  [[nodiscard]] double EquilibriumConstant(const Reaction& reaction);
   /// [mol/(s m3)], or [mol/(s kg catalyst)] of a heterogeneous reaction.
-  [[nodiscard]] double Rate(const ReactionRecord& reaction);
+  [[nodiscard]] double Rate(const Reaction& reaction);
 
  private:
   struct Activities {
-    std::string phase;
+    PhaseLabel phase;
     ActivityBasis basis;
-    std::vector<double> values;  // one per compound
+    std::vector<double> values = {};  // one per compound
+    bool isCurrent = false;           // at the material's state
   };
 
-  [[nodiscard]] const std::vector<double>& ActivitiesIn(const std::string& phase, ActivityBasis basis);
-  [[nodiscard]] double Density(const std::string& phase, ActivityBasis basis);
-  [[nodiscard]] double ReactionProperty(com::Name property, const ReactionRecord& reaction);
+  [[nodiscard]] const std::vector<double>& ActivitiesIn(const PhaseLabel& phase, ActivityBasis basis);
+  [[nodiscard]] double Density(const PhaseLabel& phase, TrialMaterial::Basis basis);
+  [[nodiscard]] double ReactionProperty(const Property& which, const Reaction& reaction);
 
   TrialMaterial material;
   ReactionProperties properties;
-  std::vector<Activities> known;  // at the material's state
+  std::vector<Activities> activities;
 };
 
 }  // namespace morvelan

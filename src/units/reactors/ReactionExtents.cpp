@@ -18,36 +18,36 @@ constexpr std::string_view kInterface = "ICapeUnit";
 /// What rounding leaves of a flow that is used up, relative to what was used.
 constexpr double kRounding = 10 * std::numeric_limits<double>::epsilon();
 
-std::size_t Place(const ReactionRecord& reaction, std::size_t i) {
+std::size_t Place(const Reaction& reaction, std::size_t i) {
   return static_cast<std::size_t>(reaction.compoundIndices[i]);
 }
 
 /// Position of a compound among the reaction's, or their number.
-std::size_t Find(const ReactionRecord& reaction, const std::string& compound) {
+std::size_t Find(const Reaction& reaction, const std::string& compound) {
   const auto found =
       std::ranges::find_if(reaction.compoundIds, [&](const std::string& id) { return com::EqualNoCase(id, compound); });
   return static_cast<std::size_t>(found - reaction.compoundIds.begin());
 }
 
 double ExtentOf(const ConvertingReaction& reaction, const std::vector<double>& flows) {
-  const ReactionRecord& record = *reaction.record;
+  const Reaction& record = *reaction.record;
   const double keyFlow = flows.at(Place(record, Find(record, reaction.keyCompound)));
   return -reaction.conversion * keyFlow / CoefficientOf(record, reaction.keyCompound);
 }
 
-void Perform(const ReactionRecord& reaction, double extent, std::vector<double>& flows) {
+void Perform(const Reaction& reaction, double extent, std::vector<double>& flows) {
   for (std::size_t i = 0; i < reaction.coefficients.size(); ++i)
     flows.at(Place(reaction, i)) += reaction.coefficients[i] * extent;
 }
 
 }  // namespace
 
-bool TakesPart(const ReactionRecord& reaction, const std::string& compound) {
+bool TakesPart(const Reaction& reaction, const std::string& compound) {
   return Find(reaction, compound) < reaction.compoundIds.size();
 }
 
 /// (A package may list a compound twice, as reactant and as product.)
-double CoefficientOf(const ReactionRecord& reaction, const std::string& compound) {
+double CoefficientOf(const Reaction& reaction, const std::string& compound) {
   const std::size_t place = Place(reaction, Find(reaction, compound));
   double sum = 0;
   for (std::size_t i = 0; i < reaction.coefficients.size(); ++i)
@@ -58,7 +58,7 @@ double CoefficientOf(const ReactionRecord& reaction, const std::string& compound
 Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::vector<double> inletFlows) {
   Converted result{.extents = {}, .flows = std::move(inletFlows)};
   for (const ConvertingReaction& reaction : reactions) {
-    const ReactionRecord& record = *reaction.record;
+    const Reaction& record = *reaction.record;
     const double extent = ExtentOf(reaction, result.flows);
     Perform(record, extent, result.flows);
     for (std::size_t i = 0; i < record.coefficients.size(); ++i) {
@@ -67,7 +67,7 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
       if (flow < 0 && flow >= -kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
       if (flow < 0)
         throw Failure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " + reaction.keyCompound +
-                          " for reaction " + record.name + " caused negative concentrations of compound " +
+                          " for reaction " + record.name.Text() + " caused negative concentrations of compound " +
                           record.compoundIds[i],
                       kScope, kInterface);
     }

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "units/reactors/ReactionRecord.h"
+#include "reactions/Reaction.h"
 
 namespace morvelan {
 
 /// A reaction that converts a fraction of the flow of its key compound.
 struct ConvertingReaction {
-  const ReactionRecord* record;
+  const Reaction* record;
   std::string keyCompound;
   double conversion;  // 0 to 1
 };
@@ -22,9 +22,9 @@ struct Converted {
 };
 
 /// Whether a compound is one of the reaction's, without regard to case.
-[[nodiscard]] bool TakesPart(const ReactionRecord& reaction, const std::string& compound);
+[[nodiscard]] bool TakesPart(const Reaction& reaction, const std::string& compound);
 /// The stoichiometric coefficient of a compound that takes part in the reaction.
-[[nodiscard]] double CoefficientOf(const ReactionRecord& reaction, const std::string& compound);
+[[nodiscard]] double CoefficientOf(const Reaction& reaction, const std::string& compound);
 
 // Both throw Failure when a flow would become negative by more than rounding.
 

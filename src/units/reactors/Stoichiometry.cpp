@@ -66,7 +66,7 @@ VectorXd WithoutRounding(const VectorXd& coefficients) {
   return (coefficients.array().abs() > least).select(coefficients, 0);
 }
 
-MatrixXd StoichiometricMatrix(std::span<const ReactionRecord> reactions, std::size_t compoundCount) {
+MatrixXd StoichiometricMatrix(std::span<const Reaction> reactions, std::size_t compoundCount) {
   MatrixXd nu = MatrixXd::Zero(Signed(compoundCount), Signed(reactions.size()));
   for (std::size_t r = 0; r < reactions.size(); ++r) {
     for (std::size_t i = 0; i < reactions[r].coefficients.size(); ++i)
@@ -152,12 +152,6 @@ Feasibility FindFeasibility(const MatrixXd& nu, const VectorXd& inletFlows) {
       feasibility.tied.push_back(static_cast<std::size_t>(r));
   }
   return feasibility;
-}
-
-std::string JoinedNames(std::span<const ReactionRecord> reactions, const std::vector<std::size_t>& set) {
-  std::string joined;
-  for (const std::size_t r : set) joined += (joined.empty() ? "" : " and ") + reactions[r].name;
-  return joined;
 }
 
 }  // namespace morvelan

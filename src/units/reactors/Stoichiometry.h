@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "units/reactors/ReactionRecord.h"
+#include "reactions/Reaction.h"
 
 namespace morvelan {
 
@@ -14,8 +14,7 @@ namespace morvelan {
 
 /// Net stoichiometric coefficients: one row per compound of the feed, one column per reaction. (A package may
 /// list a compound twice, as reactant and as product.)
-[[nodiscard]] Eigen::MatrixXd StoichiometricMatrix(std::span<const ReactionRecord> reactions,
-                                                   std::size_t compoundCount);
+[[nodiscard]] Eigen::MatrixXd StoichiometricMatrix(std::span<const Reaction> reactions, std::size_t compoundCount);
 
 /// Sets of reactions, by column in ascending order, of which each follows from others of its set. No reaction
 /// is in two sets, and those that depend on none are in no set.
@@ -38,8 +37,5 @@ struct Feasibility {
   Eigen::VectorXd direction;  // extents that make some of every compound that can be made
 };
 [[nodiscard]] Feasibility FindFeasibility(const Eigen::MatrixXd& nu, const Eigen::VectorXd& inletFlows);
-
-/// Names joined as in "R1 and R2".
-[[nodiscard]] std::string JoinedNames(std::span<const ReactionRecord> reactions, const std::vector<std::size_t>& set);
 
 }  // namespace morvelan

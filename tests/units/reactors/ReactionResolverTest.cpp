@@ -1,9 +1,9 @@
 // How reactions of a package are found and explained: what every reactor asks, whatever it does with them.
 
+#include "reactions/ReactionResolver.h"
 #include "tests/support/Faults.h"
 #include "tests/support/TestUnit.h"
 #include "tests/units/reactors/ReactorBench.h"
-#include "units/reactors/ReactionResolver.h"
 
 namespace morvelan::test::reaction_resolver {
 
@@ -12,14 +12,13 @@ struct ResolverBench {
   explicit ResolverBench(bool usesThermo11) : thermo11(usesThermo11) {
     EXPECT_EQ(unit->Initialize(), S_OK);
     EXPECT_EQ(unit->Inlet(0).Connect(feed.As<IDispatch>().Get()), S_OK);
-    inlets.push_back(com::Ref<CUnitPort>::Share(&unit->Inlet(0)));
     script->Restart();
   }
 
-  [[nodiscard]] ReactionRecord Resolve(const ReactionRequest& request) const {
-    const auto properties = com::Ref<FakeReactionPackage>(package).As<ICapeReactionProperties>();
+  [[nodiscard]] Reaction Resolve(const ReactionRequest& request) const {
+    const ReactionPackage known = package ? ReactionPackage(package.As<IDispatch>().Get()) : ReactionPackage();
     script->Restart();
-    return ReactionResolver(properties, inlets, thermo11).Resolve(request);
+    return ReactionResolver(known, unit->Inlet(0).ConnectedObject(), thermo11).Resolve(request);
   }
   [[nodiscard]] std::string Fault(const ReactionRequest& request) const {
     try {
@@ -36,7 +35,6 @@ struct ResolverBench {
   std::shared_ptr<HostScript> script = std::make_shared<HostScript>();
   com::Ref<TestUnit> unit = com::Make<TestUnit>(kTestUnit);
   com::Ref<FakeMaterial> feed = com::Make<FakeMaterial>(script, ReactorFeed());
-  std::vector<com::Ref<CUnitPort>> inlets;
   com::Ref<FakeReactionPackage> package = com::Make<FakeReactionPackage>(script, ReactorPackage());
 };
 
@@ -53,18 +51,17 @@ TEST(ReactionResolver, FillsARecord) {
                                          .phase = "Liquid",
                                          .concentrationBasis = "MoleFraction"};
     bench.feed->state.compounds = {"A", "B", "C", "b"};
-    const ReactionRecord record =
-        bench.Resolve({.name = kFirst, .mustBeKinetic = true, .wantsConcentrationBasis = true});
-    EXPECT_EQ(record.name, kFirst);
-    EXPECT_EQ(record.type, CAPE_KINETIC);
+    const Reaction record = bench.Resolve({.name = kFirst, .mustBeKinetic = true, .wantsConcentrationBasis = true});
+    EXPECT_EQ(record.name.Text(), kFirst);
+    EXPECT_EQ(record.type, ReactionType::kKinetic);
     EXPECT_FALSE(record.rateBasis) << "not asked for";
     EXPECT_EQ(record.compoundIds, (std::vector<std::string>{"c", "b", "A"}));
     EXPECT_EQ(record.compoundIndices, (std::vector<std::int32_t>{2, 1, 0})) << "the first of equal names";
     EXPECT_EQ(record.coefficients, (std::vector<double>{2, 0, -1}));
-    EXPECT_EQ(record.phase + " " + record.concentrationBasis, "Liquid MoleFraction");
+    EXPECT_EQ(record.phase.Text() + " " + record.concentrationBasis, "Liquid MoleFraction");
     const std::string list = thermo11 ? "GetCompoundList" : "ComponentIds";
     EXPECT_EQ(std::ranges::count(bench.script->calls, list), 1);
-    EXPECT_EQ(bench.Resolve({.name = kFirst, .wantsKind = true}).rateBasis, CAPE_HETEROGENEOUS);
+    EXPECT_EQ(bench.Resolve({.name = kFirst, .wantsKind = true}).rateBasis, RateBasis::kHeterogeneous);
     bench.First().type = CAPE_EQUILIBRIUM;
     EXPECT_FALSE(bench.Resolve({.name = kFirst, .wantsKind = true}).rateBasis) << "of kinetic ones only";
     EXPECT_FALSE(bench.Resolve({kFirst}).type) << "not asked for";
@@ -103,7 +100,6 @@ TEST(ReactionResolver, ExplainsWhatItCannotUse) {
        odd("GetReactionCompoundIds A to B", [] { return com::MakeDouble(1); }),
        "Invalid format for reaction compounds IDs: an array of texts expected, a number found"},
       {{kFirst}, [](ResolverBench& b) { b.First().compounds = {}; }, "Zero compounds in selected reaction \"A to B\""},
-      {{kFirst}, [](ResolverBench& b) { b.inlets.clear(); }, "internal error: no material inlet ports"},
       {{kFirst},
        [](ResolverBench& b) { EXPECT_EQ(b.unit->Inlet(0).Disconnect(), S_OK); },
        "failed to obtain material from the (first) inlet port"},
@@ -181,11 +177,11 @@ TEST(ReactionResolver, ExplainsEveryFailingCall) {
         SCOPED_TRACE(testing::Message() << call.label << ", " << mode.title << ", thermo 1.1: " << thermo11);
         ResolverBench bench(thermo11);
         bench.First().type = CAPE_KINETIC;
-        const auto properties = com::Ref<FakeReactionPackage>(bench.package).As<ICapeReactionProperties>();
+        const ReactionPackage package(bench.package.As<IDispatch>().Get());
         Provoke(*bench.script, mode, static_cast<int>(k));
         std::string fault = "none";
         try {
-          ReactionResolver resolver(properties, bench.inlets, thermo11);
+          ReactionResolver resolver(package, bench.unit->Inlet(0).ConnectedObject(), thermo11);
           EXPECT_EQ(
               resolver.Resolve({.name = kFirst, .wantsKind = true, .wantsConcentrationBasis = true}).concentrationBasis,
               "");

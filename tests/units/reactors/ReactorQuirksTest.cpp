@@ -20,13 +20,13 @@ struct TankBench {
       const std::string name = "R" + std::to_string(r);
       packageState.reactions.push_back(
           AtRate(name.c_str(), {"A", "B"}, {-1, 1}, [rate = rates[r]](const FakeConditions&) { return rate; }));
-      records.push_back({.name = name,
-                         .type = CAPE_KINETIC,
-                         .rateBasis = CAPE_HOMOGENEOUS,
+      records.push_back({.name = com::HostText(name),
+                         .type = ReactionType::kKinetic,
+                         .rateBasis = RateBasis::kHomogeneous,
                          .compoundIds = {"A", "B"},
                          .compoundIndices = {0, 1},
                          .coefficients = {-1, 1},
-                         .phase = "Vapor"});
+                         .phase = PhaseLabel("Vapor")});
     }
     material = com::Make<FakeMaterial>(script, state);
     package = com::Make<FakeReactionPackage>(script, packageState);
@@ -36,10 +36,9 @@ struct TankBench {
 
   /// The residuals of a trial, or why there are none.
   std::vector<double> Evaluate(const ExtentTrial& trial, std::string& why) {
-    material::OverallEmulation emulation;
-    ReactingMixture mixture({unit->Inlet(0).DuplicateMaterial(), "Inlet", emulation, true, 3},
-                            package.As<ICapeReactionProperties>());
-    StirredTankEquations equations(records, tank, mixture, kFeed);
+    unit->Inlet(0).ResizeCompoundBuffer(3);
+    ReactingMixture mixture(unit->Inlet(0).CopyMaterial(), ReactionPackage(package.As<IDispatch>().Get()));
+    StirredTankEquations equations(records, tank, mixture);
     std::vector<double> residuals(records.size());
     if (!equations.Evaluate(trial, residuals, why)) residuals.clear();
     return residuals;
@@ -50,8 +49,9 @@ struct TankBench {
   com::Ref<TestUnit> unit = com::Make<TestUnit>(kTestUnit);
   com::Ref<FakeMaterial> material;
   com::Ref<FakeReactionPackage> package;
-  std::vector<ReactionRecord> records;
-  StirredTank tank{.phase = "Vapor", .pressure = 1e5, .volume = 2, .temperatureIsGiven = true};
+  std::vector<Reaction> records;
+  StirredTank tank{
+      .phase = PhaseLabel("Vapor"), .pressure = 1e5, .volume = 2, .feedFlow = kFeed, .temperatureIsGiven = true};
 };
 
 Eigen::VectorXd Vector(const std::vector<double>& values) {

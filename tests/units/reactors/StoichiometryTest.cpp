@@ -22,10 +22,10 @@ Eigen::VectorXd Flows(const std::vector<double>& flows) {
 }
 
 TEST(Stoichiometry, AddsUpWhatAReactionLists) {
-  const ReactionRecord reactions[] = {
-      {.name = "R1", .compoundIndices = {2, 0}, .coefficients = {-1, 2}},
-      {.name = "R2", .compoundIndices = {1, 0, 1}, .coefficients = {-1, 1, 3}},
-      {.name = "R3", .compoundIndices = {3, 3, 3, 0}, .coefficients = {0.3, -0.1, -0.2, 1}},
+  const Reaction reactions[] = {
+      {.name = com::HostText("R1"), .compoundIndices = {2, 0}, .coefficients = {-1, 2}},
+      {.name = com::HostText("R2"), .compoundIndices = {1, 0, 1}, .coefficients = {-1, 1, 3}},
+      {.name = com::HostText("R3"), .compoundIndices = {3, 3, 3, 0}, .coefficients = {0.3, -0.1, -0.2, 1}},
   };
   EXPECT_EQ(StoichiometricMatrix(reactions, 4), Columns({{2, 0, -1, 0}, {1, 2, 0, 0}, {1, 0, 0, 0}}));
   EXPECT_EQ(JoinedNames(reactions, {0, 1}), "R1 and R2");

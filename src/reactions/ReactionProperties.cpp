@@ -1,12 +1,10 @@
-#include "units/reactors/ReactionProperties.h"
+#include "reactions/ReactionProperties.h"
 
-#include <array>
 #include <cmath>
 
 #include "errors/HostCall.h"
 #include "material/Names.h"
 #include "material/Reading.h"
-#include "units/reactors/ReactionResolver.h"
 
 namespace morvelan {
 namespace {
@@ -36,19 +34,19 @@ HRESULT SetMaterialByName(IDispatch& context, IDispatch* material) {
 }
 
 /// A host may have taken the package back while it was asked for something else.
-com::Ref<ICapeReactionProperties> Required(com::Ref<ICapeReactionProperties> package) {
+const com::Ref<ICapeReactionProperties>& Required(const ReactionPackage& package) {
   if (!package) throw Failure(kNoReactionPackage);
-  return package;
+  return package.Properties();
 }
 
 }  // namespace
 
-ReactionProperties::ReactionProperties(com::Ref<ICapeReactionProperties> reactionPackage,
-                                       const com::Ref<IDispatch>& material, const std::string& failed)
-    : package(Required(std::move(reactionPackage))),
+ReactionProperties::ReactionProperties(const ReactionPackage& reactionPackage, const TrialMaterial& material,
+                                       LazyText failed)
+    : package(Required(reactionPackage)),
       routine(package.As<ICapeReactionsRoutine>()),
       context(package.As<ICapeThermoMaterialContext>()),
-      handedOver(material) {
+      handedOver(material.Object()) {
   HandOver(failed);
 }
 
@@ -56,31 +54,28 @@ ReactionProperties::~ReactionProperties() {
   if (context) context->UnsetMaterial();  // there is nobody left to tell of a failure
 }
 
-void ReactionProperties::HandOver(const std::string& failed) {
-  const auto explain = [&](const std::string& why) { return Failure(failed + why); };
+void ReactionProperties::HandOver(LazyText failed) {
+  const auto explain = [&](const std::string& why) { return Failure(failed() + why); };
   if (context)
     CheckHost(context->SetMaterial(handedOver.Get()), context.Get(), explain);
   else if (const auto older = ThermoContextOf(package.Get()))
     CheckHost(SetMaterialByName(*older, handedOver.Get()), older.Get(), explain);
 }
 
-double ReactionProperties::Read(com::Name property, const std::string& phase, const std::string& reaction,
-                                const ReactionPropertyTexts& texts) {
-  const auto explain = [&](const std::string& why) { return Failure(texts.failed + why); };
-  const auto invalid = [&](const std::string& why) { return Failure(texts.invalid + why); };
-  const com::Bstr phaseName = com::ToBstr(phase);
-  const com::Variant reactions = com::MakeStrings(std::span(&reaction, 1));
-  if (routine) {
-    const com::Variant properties = com::MakeStrings(std::span(&property, 1));
-    CheckHost(routine->CalcReactionProp(properties.Get(), phaseName.Get(), reactions.Get(), names::kMole.text),
-              routine.Get(), explain);
-  }
+double ReactionProperties::Read(const Property& which, const Reaction& reaction, LazyText failed, LazyText invalid) {
+  const auto explain = [&](const std::string& why) { return Failure(failed() + why); };
+  const auto refuse = [&](const std::string& why) { return Failure(invalid() + why); };
+  const BSTR phase = reaction.phase.HostName().text;
+  const VARIANT& reactions = reaction.name.AsList();
+  if (routine)
+    CheckHost(routine->CalcReactionProp(ListOfOne(which).Get(), phase, reactions, names::kMole.text), routine.Get(),
+              explain);
   com::Variant values;
-  CheckHost(package->GetReactionProp(property.text, phaseName.Get(), reactions.Get(), names::kMole.text, values.Put()),
+  CheckHost(package->GetReactionProp(com::Name(which).text, phase, reactions, names::kMole.text, values.Put()),
             package.Get(), explain);
-  const double value = material::ReadScalar(values.Get(), invalid);
-  const bool isTooLarge = std::isinf(value) && value > 0 && property == names::kChemicalEquilibriumConstant;
-  if (!std::isfinite(value) && !isTooLarge) throw invalid("value is infinite");
+  const double value = material::ReadScalar(values.Get(), refuse);
+  const bool isTooLarge = std::isinf(value) && value > 0 && which == property::kChemicalEquilibriumConstant;
+  if (!std::isfinite(value) && !isTooLarge) throw refuse("value is infinite");
   return value;
 }
 

@@ -1,4 +1,4 @@
-#include "units/reactors/ActivityBasis.h"
+#include "reactions/Reaction.h"
 
 #include "com/Text.h"
 
@@ -26,10 +26,22 @@ std::optional<ActivityBasis> FindActivityBasis(const std::string& name) {
   return std::nullopt;
 }
 
-const char* ReportWord(std::optional<ActivityBasis> basis) {
+ActivityBasis Reaction::Basis() const {
+  return FindActivityBasis(concentrationBasis).value_or(ActivityBasis::kMolarity);
+}
+
+const char* Reaction::BasisWord() const {
+  const std::optional<ActivityBasis> named =
+      concentrationBasis.empty() ? Basis() : FindActivityBasis(concentrationBasis);
   for (const BasisTexts& texts : kBases)
-    if (basis == texts.basis) return texts.reportWord;
+    if (named == texts.basis) return texts.reportWord;
   return "Unknown";
+}
+
+std::string JoinedNames(std::span<const Reaction> reactions, const std::vector<std::size_t>& places) {
+  std::string names;
+  for (const std::size_t r : places) names += (names.empty() ? "" : " and ") + reactions[r].name.Text();
+  return names;
 }
 
 }  // namespace morvelan

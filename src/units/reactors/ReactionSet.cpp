@@ -1,0 +1,85 @@
+#include "units/reactors/ReactionSet.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "units/EnergyStream.h"
+#include "units/reactors/Stoichiometry.h"
+
+namespace morvelan {
+namespace {
+
+constexpr const char* kInfeasible =
+    "Infeasible system: Infeasible system. Given the current feed, a linear combination of the reactions may "
+    "take place with a rank less than the total number of the reactions; an insufficient number of "
+    "individual "
+    "reactions can be eliminated";
+
+}  // namespace
+
+SettingRow ReactionSet::Declare(UnitDeclarations& declare) {
+  return declare.Setting(selected, "reactionNames").Group("Reactions").Label("Reactions").From([this] {
+    std::vector<Available> available;
+    if (package)
+      for (std::string& name : package.ListReactions()) available.push_back({std::move(name), {}});
+    return available;
+  });
+}
+
+void ReactionSet::Assign(IDispatch* object) { package = ReactionPackage(object); }
+
+void ReactionSet::Release() noexcept { const ReactionPackage released = std::exchange(package, {}); }
+
+void ReactionSet::Take(std::vector<Reaction> reactions, std::vector<std::string> feedCompounds) {
+  resolved = std::move(reactions);
+  compounds = std::move(feedCompounds);
+}
+
+Eigen::VectorXd ReactionSet::FeedFlows() const {
+  const StreamState& in = feed.State();
+  return in.totalFlow *
+         Eigen::Map<const Eigen::VectorXd>(in.composition.data(), static_cast<Eigen::Index>(in.composition.size()));
+}
+
+void ReactionSet::LeaveOutInactive(std::vector<Reaction>& reactions) const {
+  for (bool changed = true; changed;) {
+    auto [out, tied, direction] = FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), FeedFlows());
+    // Through compounds of which there is none a kinetic reaction has no rate.
+    const auto stays =
+        std::ranges::partition(tied, [&](std::size_t r) { return reactions[r].Is(ReactionType::kKinetic); });
+    out.insert(out.end(), tied.begin(), stays.begin());
+    if (out.empty() && !tied.empty()) throw CalculationFailure(kInfeasible);
+    std::ranges::sort(out);
+    for (const std::size_t r : out)
+      journal.Note("Reaction \"" + reactions[r].name.Text() + "\" is ignored: it can't take place with this feed");
+    for (auto r = out.rbegin(); r != out.rend(); ++r)
+      reactions.erase(reactions.begin() + static_cast<std::ptrdiff_t>(*r));
+    changed = !out.empty();
+  }
+  if (reactions.empty()) journal.Note("No reactions are possible");
+}
+
+std::vector<double> ReactionSet::HeatsAtFeed(const std::vector<Reaction>& reactions) const try {
+  std::vector<double> heats;
+  if (reactions.empty()) return heats;
+  constexpr const char* kFailed = "failed to get property enthalpyOfReaction: ";
+  const TrialMaterial copy = [&] {
+    try {
+      return feed.Port().CopyMaterial();
+    } catch (const Failure& failure) {
+      throw Failure(kFailed + failure.error.description);
+    }
+  }();
+  ReactionProperties properties(package, copy, kFailed);
+  for (const Reaction& reaction : reactions) {
+    const auto failed = [&] {
+      return "failed to get property enthalpyOfReaction for reaction " + reaction.name.Text() + ": ";
+    };
+    heats.push_back(properties.Read(property::kEnthalpyOfReaction, reaction, failed, failed));
+  }
+  return heats;
+} catch (const Failure& failure) {
+  throw Failure(UnitError{"GetReactionProperty failed", failure.error.description, "Calculate", "BaseReactor"});
+}
+
+}  // namespace morvelan
