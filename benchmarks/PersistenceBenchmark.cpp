@@ -41,7 +41,7 @@ std::vector<ParameterDeclaration> FortyParameters() {
 
 com::Ref<TestUnit> MakeUnit() {
   static const std::vector<ParameterDeclaration> parameters = FortyParameters();
-  static const UnitDeclaration declaration = {.name = "Unit",
+  static const TestDeclaration declaration = {.name = "Unit",
                                               .description = "A unit with many parameters",
                                               .about = "",
                                               .helpTopic = "",

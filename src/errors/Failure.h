@@ -35,4 +35,16 @@ class Failure : public std::exception {
   UnitError error;
 };
 
+/// Runs `body`; a failure takes the given scope and interface, and its description becomes its name too, as
+/// when one object passes on the error of another.
+template <class Body>
+auto ForwardError(std::string_view scope, std::string_view interfaceName, Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (Failure& failure) {
+    UnitError& error = failure.error;
+    throw Failure(std::move(error.description.empty() ? error.name : error.description), scope, interfaceName);
+  }
+}
+
 }  // namespace morvelan

@@ -95,18 +95,6 @@ class BaseObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   com::Automation automation{*this};
 };
 
-/// Runs `body`; a failure takes the given scope and interface, and its description becomes its name too, as
-/// when one object passes on the error of another.
-template <class Body>
-auto ForwardError(std::string_view scope, std::string_view interfaceName, Body&& body) {
-  try {
-    return std::forward<Body>(body)();
-  } catch (Failure& failure) {
-    UnitError& error = failure.error;
-    throw Failure(std::move(error.description.empty() ? error.name : error.description), scope, interfaceName);
-  }
-}
-
 /// Hands a text out through an out-parameter, which must not be null.
 HRESULT ReturnText(BSTR* value, std::string_view text) noexcept;
 

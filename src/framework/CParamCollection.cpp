@@ -30,18 +30,18 @@ BaseUnit& CParamCollection::Unit() const {
 HRESULT CParamCollection::Count(LONG* count) {
   if (!count) return E_POINTER;
   *count = 0;
-  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().AllParameters().size()); });
+  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().Declarations().parameters.All().size()); });
 }
 
 HRESULT CParamCollection::Item(VARIANT id, IDispatch** item) {
   if (!item) return E_POINTER;
   *item = nullptr;
   return Guard("Item", kInterface, [&] {
-    const auto parameters = Unit().AllParameters();
+    const auto parameters = Unit().Declarations().parameters.All();
     const auto nameOf = [&](std::size_t i) { return parameters[i]->ComponentName(); };
     const std::size_t index = FindItem(id, parameters.size(), nameOf, kTexts);
     // The unit may have a value to bring up to date before the host reads it.
-    if (index < Unit().Parameters().size()) Unit().ParameterRequested(index);
+    if (index < Unit().Declarations().parameters.List().size()) Unit().ParameterRequested(index);
     *item = HandOut(parameters[index], kTexts);
   });
 }

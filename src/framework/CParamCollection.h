@@ -18,7 +18,7 @@ class CParamCollection final : public com::Implements<BaseObject, ICapeCollectio
   HRESULT Count(LONG* count) override;
 
   /// The unit is going; the collection may stay with the host.
-  void Orphan() { unit = nullptr; }
+  void DetachFromUnit() { unit = nullptr; }
 
  private:
   BaseUnit& Unit() const;

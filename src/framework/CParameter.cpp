@@ -1,44 +1,16 @@
 #include "framework/CParameter.h"
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 #include <utility>
 
-#include "com/Text.h"
 #include "framework/UnitOwner.h"
-#include "morvelan.h"
 
 namespace morvelan {
 
-namespace {
-
-/// The dispatch interface of a parameter of a value's kind.
-GUID TypeOf(const ParameterValue& value) {
-  const GUID types[] = {__uuidof(DRealParameter), __uuidof(DIntegerParameter), __uuidof(DOptionParameter),
-                        __uuidof(DBooleanParameter), __uuidof(DArrayParameter)};
-  return types[value.index()];
-}
-
-GUID SpecificationOf(CapeParamType kind) {
-  const GUID types[] = {__uuidof(ICapeRealParameterSpec), __uuidof(ICapeIntegerParameterSpec),
-                        __uuidof(ICapeOptionParameterSpec), __uuidof(ICapeBooleanParameterSpec),
-                        __uuidof(ICapeArrayParameterSpec)};
-  return types[kind];
-}
-
-}  // namespace
-
 CParameter::CParameter(const ParameterDeclaration& declaration, UnitOwner* owner)
-    : Implements(declaration.name, declaration.description, TypeOf(declaration.defaultValue)),
+    : Implements(declaration),
       value(declaration.defaultValue),
-      defaultValue(declaration.defaultValue),
-      mode(declaration.mode),
-      lowerBound(declaration.lowerBound),
-      upperBound(declaration.upperBound),
-      dimensionality(declaration.dimensionality),
-      options(declaration.options),
-      restrictedToList(declaration.restrictedToList),
       hasFixedChoices(restrictedToList && !options.empty()),
       unit(owner) {}
 
@@ -139,16 +111,10 @@ std::optional<std::size_t> CParameter::OptionIndex() const {
   return std::nullopt;
 }
 
-void CParameter::BindDouble(double* mirror) {
-  boundDouble = mirror;
-  *mirror = std::get<double>(value);
-}
-
 void CParameter::SetResult(ParameterValue result) {
   if (result.index() != value.index())
     throw std::logic_error("a value of another kind than parameter " + ComponentName());
   value = std::move(result);
-  if (boundDouble) *boundDouble = std::get<double>(value);
 }
 
 void CParameter::Put(ParameterValue newValue) {
@@ -199,16 +165,10 @@ void CParameter::Restore(ParameterRecord record) noexcept {
 }
 
 void CParameter::AppendFaces(std::vector<com::Face>& faces) {
-  std::vector<com::Face> all;
-  Implements::AppendFaces(all);
-  // The specifications of the other kinds bear the same names.
-  const GUID own = SpecificationOf(Kind());
-  for (const com::Face& face : all) {
-    const bool foreign = std::ranges::any_of(std::array{CAPE_REAL, CAPE_INT, CAPE_OPTION, CAPE_BOOLEAN, CAPE_ARRAY},
-                                             [&](CapeParamType kind) { return face.iid == SpecificationOf(kind); }) &&
-                         !(face.iid == own);
-    if (!foreign) faces.push_back(face);
-  }
+  Implements::AppendFaces(faces);
+  // A parameter's own Validate comes before that of its specification.
+  const auto specification = std::ranges::find(faces, __uuidof(ICapeParameterSpec), &com::Face::iid);
+  std::rotate(specification, std::prev(faces.end()), faces.end());
 }
 
 std::optional<com::Variant> CParameter::AdaptPut(REFIID iid, DISPID, const VARIANT& given) const try {
@@ -224,18 +184,6 @@ std::optional<com::Variant> CParameter::AdaptPut(REFIID iid, DISPID, const VARIA
   return std::nullopt;  // to be refused as it is
 }
 
-void CParameter::Orphan() {
-  unit = nullptr;
-  boundDouble = nullptr;
-}
-
-ValueLimits CParameter::Limits() const {
-  return {.boundsChecked = mode == CAPE_INPUT,
-          .lower = lowerBound,
-          .upper = upperBound,
-          .allowed = restrictedToList ? &options : nullptr};
-}
-
 std::string CParameter::Check(const ParameterValue& candidate) const {
   std::string fault =
       isArrayMember ? CheckElement(std::get<double>(candidate), Limits()) : CheckLimits(candidate, Limits());
@@ -249,6 +197,20 @@ std::string CParameter::AskUnit(const ParameterValue& candidate) const {
   const bool accepted = ForwardError({}, {}, [&] { return unit->ValidateParameterValue(*this, fault, candidate); });
   if (accepted) return {};
   return fault.empty() ? "value refused by the unit" : fault;
+}
+
+com::Ref<IDispatch> CParameter::MakeElement(std::size_t position) const {
+  const auto& initial = std::get<std::vector<double>>(defaultValue);
+  ParameterDeclaration element{.name = ComponentName().c_str(),
+                               .description = "Element of an array parameter",
+                               .mode = mode,
+                               .defaultValue = position < initial.size() ? initial[position] : lowerBound,
+                               .lowerBound = lowerBound,
+                               .upperBound = upperBound,
+                               .dimensionality = dimensionality};
+  auto member = com::Make<CParameter>(element, nullptr);
+  member->isArrayMember = true;
+  return com::Query<IDispatch>(static_cast<ICapeParameter*>(member.Get()));
 }
 
 }  // namespace morvelan

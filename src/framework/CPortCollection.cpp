@@ -30,14 +30,14 @@ BaseUnit& CPortCollection::Unit() const {
 HRESULT CPortCollection::Count(LONG* count) {
   if (!count) return E_POINTER;
   *count = 0;
-  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().AllPorts().size()); });
+  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().Declarations().ports.All().size()); });
 }
 
 HRESULT CPortCollection::Item(VARIANT id, IDispatch** item) {
   if (!item) return E_POINTER;
   *item = nullptr;
   return Guard("Item", kInterface, [&] {
-    const auto ports = Unit().AllPorts();
+    const auto ports = Unit().Declarations().ports.All();
     const auto nameOf = [&](std::size_t i) {
       const std::string& name = ports[i]->ComponentName();
       return name.empty() ? "<unknown>" : name;

@@ -16,7 +16,7 @@ class CPortCollection final : public com::Implements<BaseObject, ICapeCollection
   HRESULT Count(LONG* count) override;
 
   /// The unit is going; the collection may stay with the host.
-  void Orphan() { unit = nullptr; }
+  void DetachFromUnit() { unit = nullptr; }
 
  private:
   BaseUnit& Unit() const;

@@ -15,10 +15,9 @@ Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to co
 
 CUnitPort::CUnitPort(const PortDeclaration& declaration, UnitOwner& owner)
     : Implements(declaration.name, declaration.description,
-                 declaration.type == CAPE_MATERIAL ? __uuidof(DUnitPort) : __uuidof(DUnitInfoPort)),
+                 declaration.type == CAPE_MATERIAL ? __uuidof(DUnitPort) : __uuidof(DUnitInfoPort), owner),
       direction(declaration.direction),
-      type(declaration.type),
-      unit(&owner) {}
+      type(declaration.type) {}
 
 HRESULT CUnitPort::get_portType(CapePortType* result) {
   if (!result) return E_POINTER;
@@ -36,8 +35,8 @@ HRESULT CUnitPort::get_connectedObject(IDispatch** object) {
   if (!object) return E_POINTER;
   *object = nullptr;
   return Guard("get_connectedObject", kInterface, [&] {
-    if (!connected) return;
-    com::Ref<IDispatch> handedOut = connected.As<IDispatch>();
+    if (!IsConnected()) return;
+    com::Ref<IDispatch> handedOut = ConnectedObject().As<IDispatch>();
     if (!handedOut) throw Failure("failed to get interface");
     *object = handedOut.Detach();
   });
@@ -83,21 +82,15 @@ void CUnitPort::Accept(IDispatch* object) {
   Keep(dispatch);
 }
 
-void CUnitPort::ReleaseConnection() {
-  const auto released = std::move(connected);  // the host may call back while it goes
-}
+void CUnitPort::ReleaseConnection() { ReleaseObject(); }
 
-void CUnitPort::Orphan() {
+void CUnitPort::DetachFromUnit() {
   ReleaseConnection();
-  unit = nullptr;
-}
-
-UnitOwner& CUnitPort::Unit() const {
-  if (!unit) throw Failure("The unit operation of port " + ComponentName() + " no longer exists");
-  return *unit;
+  ForgetUnit();
 }
 
 void CUnitPort::TellUnit() {
+  UnitOwner* unit = FindUnit();
   if (!unit) return;
   const auto alive = unit->KeepAlive();
   unit->ConnectionChanged();

@@ -1,25 +1,16 @@
 #pragma once
 
-#include <optional>
-#include <span>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include "framework/BaseObject.h"
+#include "framework/ConnectedMaterial.h"
 #include "framework/Declarations.h"
-#include "material/Thermo.h"
-#include "material/TrialMaterial.h"
 
 namespace morvelan {
 
-class UnitOwner;
-
-/// The place where the host connects a stream to a unit, and the unit's way to the connected material. This
-/// class is a material port; `CUnitInfoPort` is an energy or information port.
-///
-/// The material operations throw Failure; the texts stay on the port as well. An outlet's state is what the
-/// unit decided, and reaches the material with `CalcEquilibrium`.
-class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
+/// The place where the host connects a stream to a unit. This class is a material port; `CUnitInfoPort` is an
+/// energy or information port.
+class CUnitPort : public com::Implements<ConnectedMaterial, ICapeUnitPort> {
  public:
   CUnitPort(const PortDeclaration& declaration, UnitOwner& owner);
 
@@ -32,85 +23,24 @@ class CUnitPort : public com::Implements<BaseObject, ICapeUnitPort> {
 
   [[nodiscard]] CapePortType Type() const { return type; }
   [[nodiscard]] CapePortDirection Direction() const { return direction; }
-  [[nodiscard]] bool IsConnected() const { return static_cast<bool>(connected); }
   [[nodiscard]] bool IsConnectedMaterial() const { return type == CAPE_MATERIAL && IsConnected(); }
-  [[nodiscard]] const com::Ref<IDispatch>& ConnectedObject() const { return connected; }
-
-  /// The held state: what an inlet read from its material, or what an outlet is going to write.
-  [[nodiscard]] material::StreamState& State() { return state; }
-
-  /// The flash that an outlet is left for, which comes after the unit's calculation.
-  void LeaveFor(std::optional<com::Name> flash) { leftFor = flash; }
-  [[nodiscard]] const std::optional<com::Name>& LeftFor() const { return leftFor; }
 
   /// Releases the connected object without a word to the unit.
   virtual void ReleaseConnection();
   /// The unit is going; the port may stay with the host.
-  void Orphan();
-
-  /// Sizes the held composition.
-  void ResizeCompoundBuffer(std::size_t count);
-  /// Reads temperature [K], pressure [Pa], total flow [mol/s] and `count` mole fractions from the material.
-  void ReadState(std::size_t count);
-
-  void SetProp(com::Name property, com::Name phase, const VARIANT& compoundIds, com::Name calcType, com::Name basis,
-               const VARIANT& values);
-  /// Reads stored values.
-  [[nodiscard]] com::Variant GetProp(com::Name property, com::Name phase, const VARIANT& compoundIds,
-                                     com::Name calcType, com::Name basis);
-  /// Calculates on a copy of the material. An empty basis asks for a total [.../s], others for a molar value.
-  /// (Under thermo 1.0 a "Mass" basis of an emulated overall property is answered with the molar value: ask
-  /// for "Mole".)
-  [[nodiscard]] material::Answer GetProperty(const Property& property, com::Name phase, com::Name calcType,
-                                             com::Name basis);
-  /// Calculates on the connected material itself.
-  [[nodiscard]] material::Answer GetPropertyNoDup(const Property& property, com::Name phase, com::Name calcType,
-                                                  com::Name basis);
-  [[nodiscard]] com::Bstr GetVaporName();
-  [[nodiscard]] com::Ref<IDispatch> DuplicateMaterial();
-  /// The same, for a unit to work on.
-  [[nodiscard]] TrialMaterial CopyMaterial();
-  /// The compound list as the host gives it, whatever its form.
-  [[nodiscard]] com::Variant GetCompoundList();
-  /// At least one identifier.
-  [[nodiscard]] std::vector<std::string> GetCompoundIds();
-  [[nodiscard]] std::size_t GetCompoundCount();
-  [[nodiscard]] material::CompoundIdentities GetCompoundIdentities();
-  /// A numeric constant, one value per compound, none missing.
-  [[nodiscard]] std::vector<double> GetCompoundConstant(com::Name constant);
-  /// A constant that is a text, such as a formula; one per compound.
-  [[nodiscard]] std::vector<std::string> GetCompoundText(com::Name constant);
-  [[nodiscard]] std::vector<material::PhaseFraction> GetPhaseFractions();
-  /// The labels of the phases that the material may have; under thermo 1.0, that it has.
-  [[nodiscard]] std::vector<std::string> GetPhaseLabels();
-  /// The names of the single-phase properties that the material can calculate.
-  [[nodiscard]] std::vector<std::string> GetPropertyList();
-  /// Writes the held state to the material and brings it to equilibrium.
-  void CalcEquilibrium(com::Name flashType);
-  /// Molar enthalpy [J/mol] of a composition at 101325 Pa and 298.15 K.
-  [[nodiscard]] double CalcNormalEnthalpy(std::span<const double> composition);
-  /// Throws unless this port carries the same compounds in the same order as `referencePort`, whose `list` is
-  /// given.
-  void CheckCompoundLists(std::span<const std::string> list, const CUnitPort& referencePort);
+  void DetachFromUnit();
+  /// Gives the port another name, and its only value the other one.
+  virtual void Rename(std::string portName, std::string) noexcept { SetName(std::move(portName)); }
 
  protected:
   /// Takes the object as this port's connection, or throws.
   virtual void Accept(IDispatch* object);
-  void Keep(com::Ref<IDispatch> object) { connected = std::move(object); }
-  /// The owning unit; throws once it is gone.
-  [[nodiscard]] UnitOwner& Unit() const;
 
  private:
-  template <class Body>
-  auto OnMaterial(std::string_view operation, Body&& body, std::string_view interfaceName = "UnitPort");
   void TellUnit();
 
   CapePortDirection direction;
   CapePortType type;
-  UnitOwner* unit;  // absent once the unit is gone
-  com::Ref<IDispatch> connected;
-  material::StreamState state;
-  std::optional<com::Name> leftFor;
 };
 
 }  // namespace morvelan

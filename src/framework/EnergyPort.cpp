@@ -2,20 +2,18 @@
 
 #include <cmath>
 
+#include "framework/CalculationFailure.h"
 #include "material/Reading.h"
 
 namespace morvelan {
 namespace {
-
-constexpr std::string_view kScope = "Calculate";
-constexpr std::string_view kInterface = "ICapeUnit";
 
 enum Item : std::size_t { kWork, kTemperatureLow, kTemperatureHigh };
 
 }  // namespace
 
 double EnergyPort::ReadHeat() const {
-  return ForwardError(kScope, kInterface, [&] {
+  return InCalculation([&] {
     const auto explain = [](const std::string& why) { return Failure("heat flow of the energy stream: " + why); };
     const double heat = material::ReadOr([&] { return com::ReadDouble(port->ReadInformation(kWork).Get()); }, explain);
     if (IsMissing(heat)) throw explain("value is not set");
@@ -35,7 +33,7 @@ std::optional<double> EnergyPort::ReadTemperature(End end) const {
 }
 
 void EnergyPort::WriteHeat(double heat) {
-  if (port) ForwardError(kScope, kInterface, [&] { port->WriteInformation(kWork, heat); });
+  if (port) InCalculation([&] { port->WriteInformation(kWork, heat); });
 }
 
 }  // namespace morvelan

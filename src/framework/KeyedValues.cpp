@@ -1,10 +1,9 @@
 #include "framework/KeyedValues.h"
 
-#include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "errors/Failure.h"
-#include "material/MissingValue.h"
 
 namespace morvelan {
 namespace {
@@ -13,7 +12,7 @@ constexpr std::int32_t kNewestVersion = 1;
 
 enum Kind : std::int32_t { kText, kFlag, kTexts, kNumbers };
 
-/// (An empty list has no kind; it is written as one of texts.)
+/// An empty list is written as one of texts.
 Kind KindOf(const Json& value) {
   if (value.is_string()) return kText;
   if (value.is_boolean()) return kFlag;
@@ -44,10 +43,6 @@ Json ReadKeyedValue(UnitReader& reader) {
   return elements;
 }
 
-Failure BadValue(const char* key, const char* wanted) {
-  return Failure(std::string("\"") + key + "\" of the configuration must be " + wanted);
-}
-
 }  // namespace
 
 void WriteKeyedValues(UnitWriter& writer, const Json& values) {
@@ -73,35 +68,6 @@ Json ReadKeyedValues(UnitReader& reader, const Json& known) {
     values[key] = std::move(value);
   }
   return values;
-}
-
-bool ReadConfiguredFlag(const Json& configuration, const char* key, bool otherwise) {
-  const auto found = configuration.find(key);
-  if (found == configuration.end()) return otherwise;
-  if (!found->is_boolean()) throw BadValue(key, "true or false");
-  return found->get<bool>();
-}
-
-std::vector<std::string> ReadConfiguredTexts(const Json& configuration, const char* key,
-                                             std::vector<std::string> otherwise) {
-  const auto found = configuration.find(key);
-  if (found == configuration.end()) return otherwise;
-  if (!found->is_array() || !std::ranges::all_of(*found, [](const Json& e) { return e.is_string(); }))
-    throw BadValue(key, "a list of texts");
-  return found->get<std::vector<std::string>>();
-}
-
-std::vector<double> ReadConfiguredNumbers(const Json& configuration, const char* key, std::vector<double> otherwise) {
-  const auto found = configuration.find(key);
-  if (found == configuration.end()) return otherwise;
-  const auto isNumber = [](const Json& e) { return e.is_number() || e.is_null(); };
-  if (!found->is_array() || !std::ranges::all_of(*found, isNumber)) throw BadValue(key, "a list of numbers");
-  std::vector<double> numbers;
-  for (const Json& element : *found) {
-    const double number = element.is_null() ? kMissingValue : element.get<double>();
-    numbers.push_back(IsMissing(number) ? kMissingValue : number);
-  }
-  return numbers;
 }
 
 }  // namespace morvelan

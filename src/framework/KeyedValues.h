@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/Configuration.h"
+#include "framework/Settings.h"
 #include "framework/UnitStream.h"
 
 namespace morvelan {
@@ -15,14 +15,5 @@ void WriteKeyedValues(UnitWriter& writer, const Json& values);
 /// Reads what `WriteKeyedValues` wrote; each key is one of `known` and its value of the same kind as there.
 /// Throws Failure.
 [[nodiscard]] Json ReadKeyedValues(UnitReader& reader, const Json& known);
-
-// One value of a configuration, or what is in force when the key is absent. Throw Failure.
-
-[[nodiscard]] bool ReadConfiguredFlag(const Json& configuration, const char* key, bool otherwise);
-[[nodiscard]] std::vector<std::string> ReadConfiguredTexts(const Json& configuration, const char* key,
-                                                           std::vector<std::string> otherwise);
-/// A null or NaN is read as the mark of a value that is not set.
-[[nodiscard]] std::vector<double> ReadConfiguredNumbers(const Json& configuration, const char* key,
-                                                        std::vector<double> otherwise);
 
 }  // namespace morvelan

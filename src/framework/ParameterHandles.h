@@ -10,10 +10,10 @@
 
 namespace morvelan {
 
-// A unit's ways to its own parameters: members of the unit, which its constructor declares. They lead to the
+// A unit's ways to parameters of its own: members of the unit, which its constructor declares. They lead to the
 // parameters once the unit is initialized or loaded.
 
-/// What they all are.
+/// What all of them share.
 class ParameterHandle {
  public:
   ParameterHandle() = default;
@@ -27,7 +27,8 @@ class ParameterHandle {
   [[nodiscard]] bool Is(const CParameter& other) const { return parameter == &other; }
 
  protected:
-  friend class UnitDeclarations;
+  friend class DeclaredParameters;
+  friend class DeclaredSettings;
   CParameter* parameter = nullptr;  // of the unit's list
 };
 

@@ -3,17 +3,12 @@
 #include <array>
 #include <cmath>
 
+#include "framework/CalculationFailure.h"
 #include "material/Names.h"
 #include "material/Reading.h"
 
 namespace morvelan {
 namespace {
-
-/// A failure becomes the calculation's.
-template <class Body>
-auto InCalculation(Body&& body) {
-  return ForwardError("Calculate", "ICapeUnit", std::forward<Body>(body));
-}
 
 /// The number that a port's material gives. (Users know both enthalpies by the one name.)
 double ReadNumber(const CUnitPort& port, const Property& which, const material::Answer& answer) {

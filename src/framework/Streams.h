@@ -6,24 +6,12 @@
 #include <vector>
 
 #include "framework/CUnitPort.h"
+#include "framework/PortHandle.h"
 #include "material/TrialMaterial.h"
 
 namespace morvelan {
 
-// A unit's ways to its own ports: members of the unit, which its constructor declares. They lead to the ports
-// once the unit is initialized or loaded. Operations on materials throw Failure of "Calculate".
-
-/// What they all are.
-class PortHandle {
- public:
-  virtual ~PortHandle() = default;
-
- protected:
-  friend class UnitDeclarations;
-  /// Makes room, which may fail, for what `Attach` then takes without failing.
-  virtual void Prepare(std::size_t) {}
-  virtual void Attach(std::span<CUnitPort* const> ports) noexcept = 0;
-};
+// A unit's ways to its material ports. Operations on materials throw Failure of "Calculate".
 
 /// The stream of a material port, which may be absent.
 class MaterialStream : public PortHandle {
@@ -65,8 +53,8 @@ class InletStream final : public MaterialStream {
   /// A copy of its material, to be brought to states.
   [[nodiscard]] TrialMaterial Copy() const;
 
-  /// Its port, for the chemistry of a reactor, which knows materials by itself.
-  [[nodiscard]] CUnitPort& Port() const { return *port; }
+  /// The connected object, for the chemistry of a reactor, which asks it for compounds by itself.
+  [[nodiscard]] const com::Ref<IDispatch>& Object() const { return port->ConnectedObject(); }
 
  private:
   friend class InletStreams;

@@ -1,19 +1,12 @@
 #include "framework/UnitMaterials.h"
 
+#include "framework/CalculationFailure.h"
+
 namespace morvelan {
-namespace {
-
-/// A failure becomes the calculation's.
-template <class Body>
-auto InCalculation(Body&& body) {
-  return ForwardError("Calculate", "ICapeUnit", std::forward<Body>(body));
-}
-
-}  // namespace
 
 int UnitMaterials::ReadInlets(const std::optional<std::size_t>& known) const {
-  if (common && !declared.FirstConnectedMaterialInlet()) {
-    for (const auto& outlet : declared.outlets)
+  if (common && !ports.FirstConnectedMaterialInlet()) {
+    for (const auto& outlet : ports.Outlets())
       if (outlet->IsConnectedMaterial())
         throw Failure(UnitError{"internal error", "unit has material outlets but no material inlets", {}, {}});
     return 0;
@@ -26,7 +19,7 @@ int UnitMaterials::ReadInlets(const std::optional<std::size_t>& known) const {
 }
 
 void UnitMaterials::ReadOwn() const {
-  for (const auto& port : declared.AllPorts()) {
+  for (const auto& port : ports.All()) {
     if (!port->IsConnectedMaterial()) continue;
     const std::size_t count = port->GetCompoundCount();
     port->ResizeCompoundBuffer(count);
@@ -35,25 +28,25 @@ void UnitMaterials::ReadOwn() const {
 }
 
 std::size_t UnitMaterials::ReadCommon(const std::optional<std::size_t>& known) const {
-  const auto ports = declared.AllPorts();
-  const std::size_t count = known ? *known : declared.FirstConnectedMaterialInlet()->GetCompoundCount();
-  for (const auto& port : ports)
+  const auto all = ports.All();
+  const std::size_t count = known ? *known : ports.FirstConnectedMaterialInlet()->GetCompoundCount();
+  for (const auto& port : all)
     if (port->IsConnectedMaterial()) port->ResizeCompoundBuffer(count);
-  for (const auto& port : ports)
+  for (const auto& port : all)
     if (port->IsConnectedMaterial() && port->Direction() == CAPE_INLET) port->ReadState(count);
   return count;
 }
 
 void UnitMaterials::FlashOutlets(com::Name flashType) const {
   InCalculation([&] {
-    for (const auto& outlet : declared.outlets)
+    for (const auto& outlet : ports.Outlets())
       if (outlet->IsConnectedMaterial()) outlet->CalcEquilibrium(flashType);
   });
 }
 
 void UnitMaterials::FlashLeftOutlets() const {
   InCalculation([&] {
-    for (const auto& outlet : declared.outlets)
+    for (const auto& outlet : ports.Outlets())
       if (outlet->LeftFor()) outlet->CalcEquilibrium(*outlet->LeftFor());
   });
 }

@@ -32,15 +32,15 @@ std::string UnitValidation::FindFault() {
 }
 
 std::string UnitValidation::FindUnconnectedPort() const {
-  for (const auto& inlet : declared.inlets)
+  for (const auto& inlet : declared.ports.Inlets())
     if (!inlet->IsConnected()) return UnconnectedInlet(inlet->Type());
-  for (const auto& outlet : declared.outlets)
+  for (const auto& outlet : declared.ports.Outlets())
     if (outlet->Type() == CAPE_MATERIAL && !outlet->IsConnected()) return "not all material ports are connected";
   return {};
 }
 
 std::string UnitValidation::FindCompoundMismatch() try {
-  std::vector<com::Ref<CUnitPort>> ports = declared.AllPorts();
+  std::vector<com::Ref<CUnitPort>> ports = declared.ports.All();
   std::erase_if(ports, [](const auto& port) { return !port->IsConnectedMaterial(); });
   if (ports.empty()) return {};
   CUnitPort& reference = *ports.front();
@@ -52,7 +52,7 @@ std::string UnitValidation::FindCompoundMismatch() try {
                        });
   if (list.empty()) return "No chemical compounds on port " + reference.ComponentName();
   for (std::size_t i = 1; i < ports.size(); ++i) ports[i]->CheckCompoundLists(list, reference);
-  if (&reference == declared.FirstConnectedMaterialInlet()) compoundCount = list.size();
+  if (&reference == declared.ports.FirstConnectedMaterialInlet()) compoundCount = list.size();
   return {};
 } catch (const Failure& failure) {
   return failure.error.description;
@@ -60,7 +60,7 @@ std::string UnitValidation::FindCompoundMismatch() try {
 
 std::string UnitValidation::FindInvalidParameter() const {
   std::string first;
-  for (const auto& parameter : declared.parameters) {
+  for (const auto& parameter : declared.parameters.List()) {
     const std::string fault = parameter->CheckCurrentValue();
     if (first.empty() && !fault.empty())
       first = "invalid value for parameter " + parameter->ComponentName() + ": " + fault;
@@ -70,7 +70,7 @@ std::string UnitValidation::FindInvalidParameter() const {
 
 std::string UnitValidation::FindMissingProperty() try {
   const std::vector<std::string> required = unit.RequiredProperties();
-  CUnitPort* feed = declared.FirstConnectedMaterialInlet();
+  CUnitPort* feed = declared.ports.FirstConnectedMaterialInlet();
   if (required.empty() || !feed) return {};
   const std::vector<std::string> supported = feed->GetPropertyList();
   for (const std::string& property : required) {

@@ -79,4 +79,28 @@ double ReactionProperties::Read(const Property& which, const Reaction& reaction,
   return value;
 }
 
+std::vector<double> HeatsOfReaction(const ReactionPackage& package, const std::function<TrialMaterial()>& copyMaterial,
+                                    std::span<const Reaction> reactions) try {
+  std::vector<double> heats;
+  if (reactions.empty()) return heats;
+  constexpr const char* kFailed = "failed to get property enthalpyOfReaction: ";
+  const TrialMaterial copy = [&] {
+    try {
+      return copyMaterial();
+    } catch (const Failure& failure) {
+      throw Failure(kFailed + failure.error.description);
+    }
+  }();
+  ReactionProperties properties(package, copy, kFailed);
+  for (const Reaction& reaction : reactions) {
+    const auto failed = [&] {
+      return "failed to get property enthalpyOfReaction for reaction " + reaction.name.Text() + ": ";
+    };
+    heats.push_back(properties.Read(property::kEnthalpyOfReaction, reaction, failed, failed));
+  }
+  return heats;
+} catch (const Failure& failure) {
+  throw Failure(UnitError{"GetReactionProperty failed", failure.error.description, "Calculate", "BaseReactor"});
+}
+
 }  // namespace morvelan

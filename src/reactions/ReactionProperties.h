@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <span>
+#include <vector>
+
 #include "errors/LazyText.h"
 #include "material/Property.h"
 #include "material/TrialMaterial.h"
@@ -43,5 +47,10 @@ class ReactionProperties {
   com::Ref<ICapeThermoMaterialContext> context;
   com::Ref<IDispatch> handedOver;
 };
+
+/// Heats of reaction [J/mol] at the state of a material, one per reaction. Throws Failure of "Calculate".
+[[nodiscard]] std::vector<double> HeatsOfReaction(const ReactionPackage& package,
+                                                  const std::function<TrialMaterial()>& copyMaterial,
+                                                  std::span<const Reaction> reactions);
 
 }  // namespace morvelan

@@ -2,21 +2,10 @@
 
 #include <utility>
 
+#include "framework/CalculationFailure.h"
 #include "framework/ReportFormat.h"
 
 namespace morvelan {
-namespace {
-
-constexpr std::string_view kScope = "Calculate";
-constexpr std::string_view kInterface = "ICapeUnit";
-
-}  // namespace
-
-Failure CalculationFailure(std::string title, std::string description) {
-  return Failure(UnitError{std::move(title), std::move(description), kScope, kInterface});
-}
-
-Failure CalculationFailure(std::string description) { return Failure(std::move(description), kScope, kInterface); }
 
 HeatSource ReadHeat(const EnergyPort& port, Journal& journal, const char* afterColon) {
   if (!port.IsInlet() || !port.IsConnected())

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include "errors/Failure.h"
+#include "framework/CalculationFailure.h"
 #include "framework/ReportFormat.h"
 #include "numerics/BracketedRoot.h"
 
@@ -92,9 +92,8 @@ double BringToEnthalpy(Flashable& material, StreamState state, double enthalpy, 
       return *found;
     }
   }
-  throw Failure("no state found at " + FormatNumber(state.pressure, 8) + " Pa and " + FormatNumber(enthalpy, 8) +
-                    " J/mol: " + failure,
-                "Calculate", "ICapeUnit");
+  throw CalculationFailure("no state found at " + FormatNumber(state.pressure, 8) + " Pa and " +
+                           FormatNumber(enthalpy, 8) + " J/mol: " + failure);
 }
 
 FluidState ReadState(Flashable& material, const StreamState& state) {

@@ -8,18 +8,13 @@
 namespace morvelan::test {
 namespace {
 
-constexpr PortDeclaration kPorts[] = {{"Inlet", "feed", CAPE_INLET}, {"Outlet", "product", CAPE_OUTLET}};
-const ParameterDeclaration kParameters[] = {ThermoVersionParameter()};
-constexpr const char* kReports[] = {"Last run"};
-const UnitDeclaration kDeclaration = {.name = "ReactionTaker",
-                                      .description = "Takes reactions",
-                                      .ports = kPorts,
-                                      .parameters = kParameters,
-                                      .reports = kReports};
-
 class ReactionTaker final : public com::Implements<BaseUnit, ICapeKineticReactionContext> {
  public:
-  ReactionTaker() : Implements(kDeclaration) {}
+  ReactionTaker() : Implements(UnitDeclaration{.name = "ReactionTaker", .description = "Takes reactions"}) {
+    declare.Port(feed, "Inlet", "feed");
+    declare.Port(product, "Outlet", "product");
+    declare.ThermoVersion(thermoVersion);
+  }
 
   /// Keeps the package; a unit named "Refusing" does not.
   HRESULT SetReactionObject(IDispatch** object) override {
@@ -35,10 +30,11 @@ class ReactionTaker final : public com::Implements<BaseUnit, ICapeKineticReactio
   }
 
   void CalculateUnit(int, std::optional<com::Name>&) override {
-    Outlet(0).State() = Inlet(0).State();
-    SetReportText(1, "without material: " + Asked());
-    package.As<ICapeThermoMaterialContext>()->SetMaterial(Inlet(0).ConnectedObject().Get());
-    AddReportText(1, "\nln K: " + Asked());  // and leaves the material there
+    product.Leave(feed.State());
+    std::string& report = reports.At(1).text;
+    report = "without material: " + Asked();
+    package.As<ICapeThermoMaterialContext>()->SetMaterial(feed.Object().Get());
+    report += "\nln K: " + Asked();  // and leaves the material there
   }
 
  private:
@@ -58,6 +54,9 @@ class ReactionTaker final : public com::Implements<BaseUnit, ICapeKineticReactio
     return std::to_string(std::log(com::ReadDoubles(values.Get()).at(0)));
   }
 
+  InletStream feed;
+  OutletStream product;
+  OptionHandle thermoVersion;
   com::Ref<IDispatch> package;
 };
 

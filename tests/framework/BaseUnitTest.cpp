@@ -21,7 +21,7 @@ constexpr PortDeclaration kAllPorts[] = {
     {"Heat", "heat", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
     {"Loss", "loss", CAPE_OUTLET, CAPE_ENERGY, kEnergyItems},
 };
-const UnitDeclaration kUnitWithHeat = {.name = "Heated",
+const TestDeclaration kUnitWithHeat = {.name = "Heated",
                                        .description = "",
                                        .about = "",
                                        .ports = kAllPorts,
@@ -34,7 +34,7 @@ constexpr PortDeclaration kSignalPorts[] = {
     {"Signal", "signal", CAPE_INLET, CAPE_INFORMATION, kNumber},
     {"Outlet", "product", CAPE_OUTLET},
 };
-const UnitDeclaration kUnitWithSignal = {.name = "Signalled",
+const TestDeclaration kUnitWithSignal = {.name = "Signalled",
                                          .description = "",
                                          .ports = kSignalPorts,
                                          .parameters = kOnlyThermoVersion,
@@ -42,7 +42,7 @@ const UnitDeclaration kUnitWithSignal = {.name = "Signalled",
 
 /// A unit and a host for it.
 struct Bench {
-  explicit Bench(const UnitDeclaration& declaration = kTestUnit) : unit(com::Make<TestUnit>(declaration)) {
+  explicit Bench(const TestDeclaration& declaration = kTestUnit) : unit(com::Make<TestUnit>(declaration)) {
     EXPECT_EQ(unit->Initialize(), S_OK);
   }
 
@@ -148,10 +148,10 @@ TEST(BaseUnit, TellsWhatKindOfErrorItHas) {
   EXPECT_TRUE(com::Query<ECapeUnknown>(door));
 }
 
-/// A unit whose face can't be created.
-class Faceless final : public BaseUnit {
+/// A unit whose ports can't be created.
+class Portless final : public BaseUnit {
  public:
-  Faceless() : BaseUnit(kTestUnit) {}
+  Portless() : BaseUnit({.name = "Portless", .description = ""}) { declare.Port(feed, "Inlet", "feed"); }
   void CalculateUnit(int, std::optional<com::Name>&) override {}
 
  protected:
@@ -162,17 +162,18 @@ class Faceless final : public BaseUnit {
 
  public:
   bool fails = true;
+  InletStream feed;
 };
 
 TEST(BaseUnit, InitializesWholeOrNotAtAll) {
-  const auto unit = com::Make<Faceless>();
+  const auto unit = com::Make<Portless>();
   EXPECT_EQ(unit->Initialize(), kFailed);
   EXPECT_EQ(ErrorOf(static_cast<ICapeUnit*>(unit.Get())),
             (Texts{"no room for port Inlet", "no room for port Inlet", "Initialize", "ICapeUnit"}));
   EXPECT_EQ(unit->Calculate(), kFailed);
   unit->fails = false;
   EXPECT_EQ(unit->Initialize(), S_OK);
-  EXPECT_EQ(unit->AllPorts().size(), 2u);
+  EXPECT_EQ(unit->Declarations().ports.All().size(), 1u);
 }
 
 TEST(BaseUnit, AnswersOnlyAfterInitializeAndUntilTerminate) {
@@ -181,7 +182,7 @@ TEST(BaseUnit, AnswersOnlyAfterInitializeAndUntilTerminate) {
   EXPECT_EQ(unit->Terminate(), S_OK);
   EXPECT_EQ(unit->Initialize(), S_OK);
   EXPECT_EQ(unit->Initialize(), S_OK);
-  EXPECT_EQ(unit->AllPorts().size(), 2u) << "a second Initialize adds nothing";
+  EXPECT_EQ(unit->Declarations().ports.All().size(), 2u) << "a second Initialize adds nothing";
   for (const EntryPoint& entry : kEntryPoints) {
     if (std::string_view(entry.scope) == "Calculate" || std::string_view(entry.scope) == "Edit") continue;
     EXPECT_EQ(entry.call(*unit), S_OK) << entry.scope;
@@ -366,7 +367,7 @@ TEST(BaseUnit, ShowsErrorsInThePopUpOrAMessageBox) {
 
 struct ValidationCase {
   const char* title;
-  const UnitDeclaration* declaration;
+  const TestDeclaration* declaration;
   void (*prepare)(Bench&);
   const char* message;  // empty when valid
   HRESULT outcome;
@@ -386,7 +387,7 @@ TEST(BaseUnit, ValidatesInOrder) {
        "", S_OK},
       {"parameter out of bounds", &kTestUnit,
        [](Bench& b) {
-         b.unit->CreateParameter({.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
+         b.unit->AddParameter({.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
          b.unit->onValidate = [](std::string&) -> bool { throw std::logic_error("asked too early"); };
        },
        "invalid value for parameter Drop: value out of bounds", S_OK},
@@ -583,14 +584,15 @@ TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {
     EXPECT_EQ(bench.unit->put_simulationContext(bench.Context()), S_OK);
     bench.unit->onCalculate = [&](std::optional<com::Name>&) {
       EXPECT_EQ(bench.unit->simplifiedModelRequested, c.quiet);
-      bench.unit->Warn("limiting");
-      bench.unit->SetReportText(1, "text\r\n");
-      bench.unit->AddReportWarning(1, "limited");
+      bench.unit->journal.Warn("limiting");
+      bench.unit->journal.Start();
+      bench.unit->journal.Line("limited");
     };
     EXPECT_EQ(bench.door.Report("Last run"), "Report is not available");
     EXPECT_EQ(bench.unit->Calculate(), S_OK);
     EXPECT_EQ(bench.context->log.size(), c.quiet ? 0u : 1u);
-    EXPECT_EQ(bench.door.Report("LAST RUN"), c.quiet ? "Report is not available" : "text\r\nWARNING: limited\r\n");
+    EXPECT_EQ(bench.door.Report("LAST RUN"),
+              c.quiet ? "Report is not available" : "+++ specifications +++\r\n\r\nlimited\r\n");
     EXPECT_FALSE(bench.unit->simplifiedModelRequested);
   }
 }

@@ -21,7 +21,7 @@ constexpr PortDeclaration kPorts[] = {
     {"Plain", "plain", CAPE_INLET, CAPE_INFORMATION, kPlainItem},
     {"Result", "result", CAPE_OUTLET, CAPE_INFORMATION, kTemperatureItem},
 };
-const UnitDeclaration kUnit = {
+const TestDeclaration kUnit = {
     .name = "U", .description = "", .about = "", .ports = kPorts, .parameters = kOnlyThermoVersion};
 
 const std::vector<double> kPower = {2, 1, -3, 0, 0, 0, 0, 0};
@@ -119,7 +119,7 @@ TEST(CUnitPort, LeavesItsUnitForGood) {
   EXPECT_EQ(bench.Connect("Result", bench.stream), kFailed);
   bench.stream->Add("T", kKelvin, 1);
   EXPECT_EQ(bench.Connect("Result", bench.stream), S_OK);
-  bench.unit->ReplacePorts(bench.unit->inlets, {});
+  bench.unit->RemoveOutlets();
   EXPECT_EQ(bench.stream->References(), 1u);
   EXPECT_FALSE(bench.door.Port("Result"));
   EXPECT_EQ(port->Connect(static_cast<ICapeIdentification*>(bench.stream.Get())), kFailed);

@@ -32,11 +32,11 @@ const ParameterDeclaration kParameters[] = {
      .upperBound = 1},
     {.name = "Duty", .description = "", .mode = CAPE_OUTPUT, .defaultValue = 12.5},
 };
-const UnitDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = {}, .parameters = kParameters};
+const TestDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = {}, .parameters = kParameters};
 
 /// A parameter as the host reads it from the unit.
 host::UnitParameter ReadParameter(const TestUnit& unit, const std::string& name) {
-  for (const auto& parameter : unit.AllParameters())
+  for (const auto& parameter : unit.Declarations().parameters.All())
     if (parameter->ComponentName() == name)
       return {name, "", parameter->Kind(), parameter->Mode(), {}, com::Ref<ICapeParameter>(parameter)};
   throw std::runtime_error("no parameter " + name);

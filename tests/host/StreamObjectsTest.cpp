@@ -85,7 +85,7 @@ TEST(StreamParameterObject, KeepsRealValues) {
 constexpr InformationItem kTemperature[] = {{"T", "", kTemperatureDimension}};
 constexpr PortDeclaration kPorts[] = {{"Heat", "", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
                                       {"Signal", "", CAPE_OUTLET, CAPE_INFORMATION, kTemperature}};
-const UnitDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = kPorts, .parameters = {}};
+const TestDeclaration kUnit = {.name = "Test", .description = "", .about = "", .ports = kPorts, .parameters = {}};
 
 TEST(ValueStreamObject, ConnectsToPortsThatReadAndWriteIt) {
   const auto context = com::Make<host::SimulationContext>(false, "");

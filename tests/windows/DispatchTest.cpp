@@ -98,7 +98,7 @@ TEST(Dispatch, TakesAScriptsFormsOfValues) {
       {.name = "Array", .description = "", .defaultValue = std::vector{1.0}},
   };
   const auto object =
-      com::Make<TestUnit>(UnitDeclaration{.name = "", .description = "", .ports = {}, .parameters = kParameters});
+      com::Make<TestUnit>(TestDeclaration{.name = "", .description = "", .ports = {}, .parameters = kParameters});
   const auto unit = com::Query<IDispatch>(static_cast<ICapeUnit*>(object.Get()));
   EXPECT_EQ(CallByName(unit.Get(), "Initialize").code, S_OK);
   const Ref<IDispatch> parameters = ObjectByName(unit.Get(), "parameters");

@@ -130,7 +130,7 @@ TEST(DispatchTypes, AreThoseOfEveryKindOfObject) {
       {.name = "Array", .description = "", .defaultValue = std::vector{1.0}},
   };
   const auto unit = com::Make<TestUnit>(
-      UnitDeclaration{.name = "Test", .description = "", .ports = kPorts, .parameters = kParameters});
+      TestDeclaration{.name = "Test", .description = "", .ports = kPorts, .parameters = kParameters});
   const auto seen = CheckAll(com::Query<IDispatch>(static_cast<ICapeUnit*>(unit.Get())));
   const std::map<std::string, int> wanted = {{"DUnit", 1},
                                              {"DCollection", 2},

@@ -2,8 +2,7 @@
 
 #include <memory>
 
-#include "framework/CUnitInfoPort.h"
-#include "framework/Configuration.h"
+#include "framework/BaseUnit.h"
 #include "numerics/formula/CalculatorFormula.h"
 #include "units/information/CalculatorVariables.h"
 
@@ -13,44 +12,27 @@ namespace morvelan {
 ///
 ///     y = f(x_1, x_2, ...)      all values in SI units
 ///
-/// The formula, the output variable and the input variables, each with its port, are the configuration. Units
-/// of measure are those of the streams; the formula is not checked for them.
-class CInformationCalculator final : public Configurable<BaseUnit> {
+/// The formula, the output variable and the input variables, each with its port, are the configuration. Units of
+/// measure are those of the streams; the formula is not checked for them.
+class CInformationCalculator final : public BaseUnit {
  public:
   CInformationCalculator();
 
-  [[nodiscard]] int ThermoVersionParameterIndex() const override { return -1; }
   [[nodiscard]] bool ValidateUnit(std::string& message) override;
-  void CalculateUnit(int compoundCount, std::optional<com::Name>& outletFlashSpec) override;
-  HRESULT SaveUnit(UnitWriter& writer) override;
+  void CalculateUnit(int compoundCount, OutletFlashSpec& outletFlashSpec) override;
+  SaveOutcome SaveUnit(UnitWriter& writer) override;
   [[nodiscard]] std::function<void()> LoadUnit(UnitReader& reader, int version,
                                                const std::vector<ParameterRecord>& records) override;
-
- protected:
-  void CreateObjects() override;
-  [[nodiscard]] Json Configuration() const override;
-  void Configure(const Json& configuration) override;
+  void SettingsChanged(const SettingsChange& change) override;
 
  private:
-  /// Prepares the change to other variables and another formula, which then can't fail.
-  [[nodiscard]] std::function<void()> Plan(CalculatorSetup planned);
-  struct Renaming {
-    com::Ref<CUnitPort> port;
-    std::string portName;
-    std::string itemName;
-  };
-  struct PlannedPorts {
-    PortList ports;
-    std::vector<Renaming> renamings;
-  };
-  /// The ports of variables: those of the former variables that they continue, and new ones.
-  [[nodiscard]] PlannedPorts PlanPorts(const PortList& ports, const std::vector<CalculatorVariable>& former,
-                                       CapePortDirection direction, const std::vector<CalculatorVariable>& variables);
-  [[nodiscard]] CUnitInfoPort& InletPort(std::size_t i) { return dynamic_cast<CUnitInfoPort&>(Inlet(i)); }
-  [[nodiscard]] double ReadInlet(std::size_t i);
   void Report(const std::vector<double>& values, double result);
 
-  CalculatorSetup setup;
+  TextSetting formula;
+  VariableSetting outputVariable{{"output"}};
+  VariablesSetting inputVariables;
+  InformationPorts inputs;
+  InformationPorts output;
   std::shared_ptr<const numerics::CalculatorFormula> checkedFormula;  // since the last validation
 };
 

@@ -3,13 +3,9 @@
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kSetScope = "SetReactionObject";
-constexpr std::string_view kSetInterface = "ICapeKineticReactionContext";
 constexpr double kLowestPressure = 1;  // [Pa]
 
 }  // namespace
-
-GUID BaseReactor::AutomationType() const { return __uuidof(DReactor); }
 
 void BaseReactor::BeginDeclaration(const char* pressureDropText, const char* temperatureText) {
   checkConnections = false;  // the energy port is needed for one specification only
@@ -24,39 +20,9 @@ SettingRow BaseReactor::EndDeclaration() {
   return reactions.Declare(declare);
 }
 
-// ---- The reaction package
-
-HRESULT BaseReactor::SetReactionObject(IDispatch** reactionsObject) {
-  if (!reactionsObject) return E_POINTER;
-  return Guard(kSetScope, kSetInterface, [&] {
-    const auto object = com::Ref<IDispatch>::Share(*reactionsObject);
-    reactions.Release();
-    SetError({});
-    ConnectionChanged();
-    if (!object) return;
-    reactions.Assign(object.Get());
-    // A package whose reactions can't be listed is a package all the same; why stays as the last error.
-    try {
-      (void)ReactionPackage(reactions.Package()).ListReactions();
-    } catch (Failure& failure) {
-      failure.error.scope = kSetScope;
-      failure.error.interfaceName = kSetInterface;
-      SetError(std::move(failure.error));
-    }
-    ConnectionChanged();
-  });
-}
-
-HRESULT BaseReactor::Terminate() {
-  const auto alive = com::Ref<BaseReactor>::Share(this);
-  const HRESULT outcome = Implements::Terminate();
-  reactions.Release();
-  return outcome;
-}
-
 void BaseReactor::Resolve(ReactionRequest request, const std::string& quote,
                           const std::function<std::string(std::size_t, const Reaction&)>& findFault) {
-  ReactionResolver resolver(reactions.Package(), feed.Port().ConnectedObject(), UsesThermo11());
+  ReactionResolver resolver(package, feed.Object(), UsesThermo11());
   std::vector<Reaction> resolved;
   for (const std::string& name : reactions.Selected()) {
     request.name = name;
@@ -64,7 +30,7 @@ void BaseReactor::Resolve(ReactionRequest request, const std::string& quote,
       throw CalculationFailure("Error for reaction " + quote + name + quote + ": " + fault);
     };
     try {
-      resolved.push_back(Recorded("Validate", "ICapeUnit", [&] { return resolver.Resolve(request); }));
+      resolved.push_back(InValidation([&] { return resolver.Resolve(request); }));
     } catch (const Failure& failure) {
       refuse(failure.error.description);
     }
@@ -95,18 +61,16 @@ bool BaseReactor::HasReactions(std::string& message) {
   return true;
 }
 
-// ---- Calculation
-
 void BaseReactor::Solve() {
   heat.ReportEnthalpies();
   try {
-    if (!reactions.Package()) throw CalculationFailure(kNoReactionPackage);
+    if (!package) throw CalculationFailure(kNoReactionPackage);
     // What was validated may be otherwise by now.
     if (std::string message; !reactionsAreFresh && !ValidateUnit(message)) throw CalculationFailure(message);
     if (reactions.Compounds().size() != feed.State().composition.size())
       throw CalculationFailure("the list of compounds of the inlet material has changed");
     React();
-    journal.OptionalParameters(Parameters());
+    journal.OptionalParameters(declare.parameters.List());
   } catch (const Failure& failure) {
     journal.Line("\r\nCalculation failed: " + failure.error.description);
     throw;

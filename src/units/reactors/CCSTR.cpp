@@ -43,13 +43,11 @@ CCSTR::CCSTR()
 
 void CCSTR::InputsChanged() { phase.FollowFeed(feed, UsesThermo11()); }
 
-// ---- Validation
-
 bool CCSTR::ValidateUnit(std::string& message) {
   if (!HasMaterials(message)) return false;
   if (reactions.Selected().empty())
     message = "No reaction specified";
-  else if (IsCalculating() && !reactions.Package())
+  else if (IsCalculating() && !package)
     message = kNoReactionPackage;
   return message.empty() && HasReactions(message) && HasIndependentReactions(message) &&
          heat.HasSpecification(message) && HasCatalyst(message) && HasNumbers(message);
@@ -86,8 +84,6 @@ bool CCSTR::HasCatalyst(std::string& message) const {
   message = catalyst.Given().FindFault(has(RateBasis::kHomogeneous), has(RateBasis::kHeterogeneous));
   return message.empty();
 }
-
-// ---- Calculation
 
 void CCSTR::React() {
   const HeatSource source = heat.ReadSource("\t");
@@ -144,7 +140,7 @@ void CCSTR::ReportBases(const std::vector<Reaction>& possible) {
 }
 
 ExtentTrial CCSTR::SolveTank(const std::vector<Reaction>& possible, const StirredTank& tank) {
-  ReactingMixture mixture(feed.Copy(), reactions.Package());
+  ReactingMixture mixture(feed.Copy(), package);
   StirredTankEquations model(possible, tank, mixture);
   const ExtentSolution solution =
       search.Solve({.nu = StoichiometricMatrix(possible, reactions.Compounds().size()),

@@ -19,11 +19,9 @@ CEquilibriumReactor::CEquilibriumReactor()
   EndDeclaration();
 }
 
-// ---- Validation
-
 bool CEquilibriumReactor::ValidateUnit(std::string& message) {
   if (!HasMaterials(message)) return false;
-  if (!reactions.Package())
+  if (!package)
     message = IsCalculating() ? kNoReactionPackage : "no reaction package selected";
   else if (reactions.Selected().empty())
     message = "No reaction specified";
@@ -53,8 +51,6 @@ bool CEquilibriumReactor::HasIndependentReactions(std::string& message) const {
         (setCount == 1 ? " One of these reactions must be removed" : " A reaction from each set must be removed.");
   return message.empty();
 }
-
-// ---- Calculation
 
 void CEquilibriumReactor::React() {
   const HeatSource source = heat.ReadSource();
@@ -97,7 +93,7 @@ std::vector<Reaction> CEquilibriumReactor::ReactionsOfPresentPhases() {
 ExtentTrial CEquilibriumReactor::FindEquilibrium(const std::vector<Reaction>& possible,
                                                  const EquilibriumConditions& conditions) {
   if (possible.empty()) return {.extents = {}, .flows = reactions.FeedFlows()};
-  ReactingMixture mixture(feed.Copy(), reactions.Package());
+  ReactingMixture mixture(feed.Copy(), package);
   EquilibriumEquations model(possible, conditions, mixture);
   const ExtentSolution solution = search.Solve({.nu = StoichiometricMatrix(possible, reactions.Compounds().size()),
                                                 .inletFlows = reactions.FeedFlows(),

@@ -33,52 +33,33 @@ CFixedConversionReactor::CFixedConversionReactor()
       .Label("In series", "Conversions apply to what the reaction before leaves");
 }
 
-// ---- The table of reactions
-
-void CFixedConversionReactor::SettingsChanged(SettingsFrom source) {
+void CFixedConversionReactor::SettingsChanged(const SettingsChange& change) {
   const Names& names = reactions.Selected();
   if (keyCompounds.size() != names.size() || conversions.size() != names.size()) throw Failure("array size mismatch");
   if (std::ranges::any_of(names, &std::string::empty)) throw Failure("empty strings");
-  UnitDeclarations::ParameterList parameters;
+  std::vector<DeclaredParameters::Further> wanted;
+  for (std::size_t r = 0; r < names.size(); ++r)
+    wanted.push_back({"Conversion " + keyCompounds[r] + " reaction " + names[r],
+                      "Conversion of " + keyCompounds[r] + " in reaction " + names[r],
+                      {-kLargestConversion, kLargestConversion}});
+  declare.parameters.ReplaceFurther(wanted, kNotValidated);
+  BaseReactor::SettingsChanged(change);
   for (std::size_t r = 0; r < names.size(); ++r) {
-    // A host's parameter stays that of its reaction and compound, wherever they stand now.
-    UnitDeclarations::ParameterRef own = ConversionParameter(r);
-    for (const auto& former : extraParameters)
-      if (former->ComponentDescription() == own->ComponentDescription() &&
-          std::ranges::none_of(parameters, [&](const auto& taken) { return taken.Get() == former.Get(); })) {
-        own = former;
-        break;
-      }
-    parameters.push_back(std::move(own));
-  }
-  BaseReactor::SettingsChanged(source);
-  extraParameters.swap(parameters);
-  for (std::size_t r = 0; r < extraParameters.size(); ++r) {
-    extraParameters[r]->SetResult(conversions[r]);
+    CParameter& conversion = *declare.parameters.FurtherList()[r];
+    conversion.SetResult(conversions[r]);
     // The reactions of a loaded selection are still to be found, also where the unit had them before.
-    if (source == SettingsFrom::kStream) extraParameters[r]->SetUnavailable(kNotValidated);
+    if (change.IsFromStream()) conversion.SetUnavailable(kNotValidated);
   }
-  for (const auto& former : parameters)
-    if (std::ranges::none_of(extraParameters, [&](const auto& p) { return p.Get() == former.Get(); })) former->Orphan();
 }
 
 void CFixedConversionReactor::InputsChanged() {
-  for (std::size_t r = 0; r < extraParameters.size(); ++r)
-    conversions.Set(r, std::get<double>(extraParameters[r]->Value()));
+  const auto& parameters = declare.parameters.FurtherList();
+  for (std::size_t r = 0; r < parameters.size(); ++r) conversions.Set(r, std::get<double>(parameters[r]->Value()));
 }
-
-UnitDeclarations::ParameterRef CFixedConversionReactor::ConversionParameter(std::size_t r) {
-  const std::string& reaction = reactions.Selected()[r];
-  return declare.MakeExtra("Conversion " + keyCompounds[r] + " reaction " + reaction,
-                           "Conversion of " + keyCompounds[r] + " in reaction " + reaction, 0,
-                           {-kLargestConversion, kLargestConversion}, kNotValidated);
-}
-
-// ---- Validation
 
 void CFixedConversionReactor::ResolveAll() {
   Resolve({}, "", [&](std::size_t r, const Reaction& reaction) {
-    extraParameters.at(r)->SetUnavailable(nullptr);
+    declare.parameters.FurtherList().at(r)->SetUnavailable(nullptr);
     return FindFault(r, reaction);
   });
 }
@@ -95,14 +76,12 @@ std::string CFixedConversionReactor::FindFault(std::size_t r, const Reaction& re
 
 bool CFixedConversionReactor::ValidateUnit(std::string& message) {
   if (!HasMaterials(message)) return false;
-  if (!reactions.Package())
+  if (!package)
     message = IsCalculating() ? kNoReactionPackage : "A reaction package has not been selected";
   else if (reactions.Selected().empty())
     message = "No reaction specified";
   return message.empty() && HasReactions(message) && heat.HasSpecification(message) && HasNumbers(message);
 }
-
-// ---- Calculation
 
 void CFixedConversionReactor::React() {
   const HeatSource source = heat.ReadSource();
@@ -145,7 +124,7 @@ Converted CFixedConversionReactor::Convert() const {
 void CFixedConversionReactor::ReportReactions(const Converted& converted) {
   journal.Section(std::string("reactions, ") + (isSerial ? "serial" : "parallel"));
   for (std::size_t r = 0; r < converted.extents.size(); ++r) {
-    journal.Parameter(*extraParameters[r]);
+    journal.Parameter(*declare.parameters.FurtherList()[r]);
     journal.Line("Extent of reaction \"" + reactions.Selected()[r] + "\":\t" +
                  FormatValue(converted.extents[r], kMolarFlowDimension));
   }

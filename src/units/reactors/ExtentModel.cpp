@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "errors/Failure.h"
+#include "framework/CalculationFailure.h"
 
 namespace morvelan {
 namespace {
@@ -41,8 +41,7 @@ void ExtentModel::Settle(const ExtentTrial& solution) {
                        evaluated.temperature == solution.temperature;
   std::vector<double> residuals(residualCount);
   std::string why;
-  if (!isThere && !Evaluate(solution, residuals, why))
-    throw Failure("Solution failed: " + why, "Calculate", "ICapeUnit");
+  if (!isThere && !Evaluate(solution, residuals, why)) throw CalculationFailure("Solution failed: " + why);
 }
 
 }  // namespace morvelan

@@ -1,5 +1,6 @@
 #include "units/reactors/ExtentSearch.h"
 
+#include "framework/CalculationFailure.h"
 #include "framework/ReportFormat.h"
 #include "units/EnergyStream.h"
 

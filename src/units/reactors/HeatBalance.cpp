@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "framework/CalculationFailure.h"
 #include "framework/ReportFormat.h"
 
 namespace morvelan {

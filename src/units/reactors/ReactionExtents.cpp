@@ -6,14 +6,11 @@
 #include <numeric>
 
 #include "com/Text.h"
-#include "errors/Failure.h"
+#include "framework/CalculationFailure.h"
 #include "framework/ReportFormat.h"
 
 namespace morvelan {
 namespace {
-
-constexpr std::string_view kScope = "Calculate";
-constexpr std::string_view kInterface = "ICapeUnit";
 
 /// What rounding leaves of a flow that is used up, relative to what was used.
 constexpr double kRounding = 10 * std::numeric_limits<double>::epsilon();
@@ -66,10 +63,9 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
       // What rounding takes too much of a compound that is used up.
       if (flow < 0 && flow >= -kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
       if (flow < 0)
-        throw Failure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " + reaction.keyCompound +
-                          " for reaction " + record.name.Text() + " caused negative concentrations of compound " +
-                          record.compoundIds[i],
-                      kScope, kInterface);
+        throw CalculationFailure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " +
+                                 reaction.keyCompound + " for reaction " + record.name.Text() +
+                                 " caused negative concentrations of compound " + record.compoundIds[i]);
     }
     result.extents.push_back(extent);
   }
@@ -88,9 +84,8 @@ Converted ConvertInParallel(std::span<const ConvertingReaction> reactions, const
     double& flow = result.flows[j];
     if (flow < 0 && flow >= -band) flow = 0;
     if (flow < 0)
-      throw Failure(UnitError{"Conversion too high",
-                              "Specified conversions cause negative concentrations of compound " + compounds[j], kScope,
-                              kInterface});
+      throw CalculationFailure("Conversion too high",
+                               "Specified conversions cause negative concentrations of compound " + compounds[j]);
   }
   return result;
 }

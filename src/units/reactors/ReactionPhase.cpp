@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "framework/CalculationFailure.h"
 #include "units/EnergyStream.h"
 
 namespace morvelan {

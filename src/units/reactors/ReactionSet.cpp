@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/CalculationFailure.h"
 #include "units/EnergyStream.h"
 #include "units/reactors/Stoichiometry.h"
 
@@ -25,10 +26,6 @@ SettingRow ReactionSet::Declare(UnitDeclarations& declare) {
     return available;
   });
 }
-
-void ReactionSet::Assign(IDispatch* object) { package = ReactionPackage(object); }
-
-void ReactionSet::Release() noexcept { const ReactionPackage released = std::exchange(package, {}); }
 
 void ReactionSet::Take(std::vector<Reaction> reactions, std::vector<std::string> feedCompounds) {
   resolved = std::move(reactions);
@@ -59,27 +56,9 @@ void ReactionSet::LeaveOutInactive(std::vector<Reaction>& reactions) const {
   if (reactions.empty()) journal.Note("No reactions are possible");
 }
 
-std::vector<double> ReactionSet::HeatsAtFeed(const std::vector<Reaction>& reactions) const try {
-  std::vector<double> heats;
-  if (reactions.empty()) return heats;
-  constexpr const char* kFailed = "failed to get property enthalpyOfReaction: ";
-  const TrialMaterial copy = [&] {
-    try {
-      return feed.Port().CopyMaterial();
-    } catch (const Failure& failure) {
-      throw Failure(kFailed + failure.error.description);
-    }
-  }();
-  ReactionProperties properties(package, copy, kFailed);
-  for (const Reaction& reaction : reactions) {
-    const auto failed = [&] {
-      return "failed to get property enthalpyOfReaction for reaction " + reaction.name.Text() + ": ";
-    };
-    heats.push_back(properties.Read(property::kEnthalpyOfReaction, reaction, failed, failed));
-  }
-  return heats;
-} catch (const Failure& failure) {
-  throw Failure(UnitError{"GetReactionProperty failed", failure.error.description, "Calculate", "BaseReactor"});
+std::vector<double> ReactionSet::HeatsAtFeed(const std::vector<Reaction>& reactions) const {
+  return HeatsOfReaction(
+      package, [&] { return feed.Copy(); }, reactions);
 }
 
 }  // namespace morvelan

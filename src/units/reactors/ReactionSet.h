@@ -14,17 +14,13 @@ namespace morvelan {
 /// The reactions of a reactor: which ones are selected, and what the reaction package says of them.
 class ReactionSet {
  public:
-  /// Feed and journal are the reactor's.
-  ReactionSet(InletStream& reactorFeed, Journal& reactorJournal) : feed(reactorFeed), journal(reactorJournal) {}
+  /// Feed, package and journal are the reactor's.
+  ReactionSet(InletStream& reactorFeed, const ReactionPackage& reactionPackage, Journal& reactorJournal)
+      : feed(reactorFeed), package(reactionPackage), journal(reactorJournal) {}
 
   /// Declares the selection.
   SettingRow Declare(UnitDeclarations& declare);
 
-  /// Takes the package that a host assigns; null takes it back. Throws Failure.
-  void Assign(IDispatch* object);
-  /// Gives the package back, whatever the host does meanwhile.
-  void Release() noexcept;
-  [[nodiscard]] const ReactionPackage& Package() const { return package; }
   [[nodiscard]] const Names& Selected() const { return selected; }
   /// Forgets what was resolved.
   void Forget() { resolved.clear(); }
@@ -48,10 +44,10 @@ class ReactionSet {
 
  private:
   InletStream& feed;
+  const ReactionPackage& package;
   Journal& journal;
 
   Names selected;
-  ReactionPackage package;
   std::vector<Reaction> resolved;
   std::vector<std::string> compounds;
 };

@@ -42,8 +42,8 @@ bool CSplitter::ValidateParameterValue(const CParameter& parameter, std::string&
   return message.empty();
 }
 
-void CSplitter::SettingsChanged(SettingsFrom source) {
-  if (source == SettingsFrom::kStream) return;  // which brought the factors too
+void CSplitter::SettingsChanged(const SettingsChange& change) {
+  if (change.IsFromStream()) return;  // which brought the factors too
   const auto count = static_cast<std::size_t>(productCount);
   std::vector<double> factors = splitFactors.Values();
   if (factors.size() + 1 < count) factors.push_back(Rest(factors));  // of what was the last outlet

@@ -366,28 +366,6 @@ TEST(CNoOperation, StandsManyRunsWithoutGrowing) {
   }
 }
 
-TEST(CNoOperation, RepeatsTheLastFractionBeyondTheInletsCompounds) {
-  const auto unit = com::Make<CNoOperation>();
-  EXPECT_EQ(unit->Initialize(), S_OK);
-  material::StreamState& inlet = unit->AllPorts()[0]->State();
-  material::StreamState& outlet = unit->AllPorts()[1]->State();
-  std::optional<com::Name> flash = names::kTP;
-  inlet = {.pressure = 1e5, .temperature = 300, .totalFlow = 2, .composition = {0.3, 0.7}};
-  outlet.composition.resize(3);
-  unit->CalculateUnit(4, flash);
-  EXPECT_EQ(outlet.composition, (std::vector<double>{0.3, 0.7, 0.7}));
-  EXPECT_EQ(outlet.pressure, 1e5);
-  inlet.composition = {};
-  unit->CalculateUnit(2, flash);
-  EXPECT_EQ(outlet.composition, (std::vector<double>{0, 0, 0.7}));
-  inlet = {.pressure = 2e5, .temperature = 400, .totalFlow = 1, .composition = {1}};
-  unit->CalculateUnit(0, flash);
-  EXPECT_EQ(outlet.composition, (std::vector<double>{0, 0, 0.7})) << "no compounds, no fractions";
-  EXPECT_EQ(outlet.temperature, 400);
-  EXPECT_EQ(outlet.totalFlow, 1);
-  EXPECT_TRUE(flash == names::kTP);
-}
-
 TEST(CNoOperation, OutlivesItsReleaseDuringACalculation) {
   Flowsheet sheet(false);
   auto unit = sheet.door.unit;

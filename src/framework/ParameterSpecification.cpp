@@ -1,10 +1,10 @@
-// The specification interfaces of a parameter.
+#include "framework/ParameterSpecification.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
 
-#include "framework/CParameter.h"
+#include "morvelan.h"
 
 namespace morvelan {
 namespace {
@@ -21,6 +21,20 @@ LONG ToBound(double bound) {
   return static_cast<LONG>(std::clamp(bound, kLowest, kHighest));
 }
 
+/// The dispatch interface of a parameter of a value's kind.
+GUID AutomationTypeOf(const ParameterValue& value) {
+  const GUID types[] = {__uuidof(DRealParameter), __uuidof(DIntegerParameter), __uuidof(DOptionParameter),
+                        __uuidof(DBooleanParameter), __uuidof(DArrayParameter)};
+  return types[value.index()];
+}
+
+GUID SpecificationOf(CapeParamType kind) {
+  const GUID types[] = {__uuidof(ICapeRealParameterSpec), __uuidof(ICapeIntegerParameterSpec),
+                        __uuidof(ICapeOptionParameterSpec), __uuidof(ICapeBooleanParameterSpec),
+                        __uuidof(ICapeArrayParameterSpec)};
+  return types[kind];
+}
+
 /// True for each message that is empty.
 com::Variant MakeVerdicts(const std::vector<std::string>& messages) {
   com::Variant result = com::MakeArray(messages.size(), VT_BOOL);
@@ -31,8 +45,19 @@ com::Variant MakeVerdicts(const std::vector<std::string>& messages) {
 
 }  // namespace
 
+ParameterSpecification::ParameterSpecification(const ParameterDeclaration& declaration)
+    : Implements(declaration.name, declaration.description, AutomationTypeOf(declaration.defaultValue)),
+      defaultValue(declaration.defaultValue),
+      mode(declaration.mode),
+      lowerBound(declaration.lowerBound),
+      upperBound(declaration.upperBound),
+      dimensionality(declaration.dimensionality),
+      options(declaration.options),
+      restrictedToList(declaration.restrictedToList) {}
+
 template <class Body>
-HRESULT CParameter::EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName, Body&& body) {
+HRESULT ParameterSpecification::EnterSpec(CapeParamType kind, std::string_view scope, std::string_view interfaceName,
+                                          Body&& body) {
   return Guard(scope, interfaceName, [&] {
     if (Kind() != kind)
       throw Failure(UnitError{"invalid call", "wrong interface for parameter type", scope, interfaceName});
@@ -40,9 +65,9 @@ HRESULT CParameter::EnterSpec(CapeParamType kind, std::string_view scope, std::s
   });
 }
 
-HRESULT CParameter::ValidateCandidate(CapeParamType kind, std::string_view interfaceName,
-                                      const std::function<ParameterValue()>& candidate, BSTR* message,
-                                      VARIANT_BOOL* isValid) {
+HRESULT ParameterSpecification::ValidateCandidate(CapeParamType kind, std::string_view interfaceName,
+                                                  const std::function<ParameterValue()>& candidate, BSTR* message,
+                                                  VARIANT_BOOL* isValid) {
   if (!message || !isValid) return E_POINTER;
   *isValid = VARIANT_FALSE;
   return EnterSpec(kind, "Validate", interfaceName, [&] {
@@ -52,132 +77,131 @@ HRESULT CParameter::ValidateCandidate(CapeParamType kind, std::string_view inter
   });
 }
 
-HRESULT CParameter::get_Type(CapeParamType* type) {
+HRESULT ParameterSpecification::get_Type(CapeParamType* type) {
   if (!type) return E_POINTER;
   *type = Kind();
   return S_OK;
 }
 
-HRESULT CParameter::get_Dimensionality(VARIANT* exponents) {
+HRESULT ParameterSpecification::get_Dimensionality(VARIANT* exponents) {
   if (!exponents) return E_POINTER;
   VariantInit(exponents);
   return Guard("get_Dimensionality", "ICapeParameterSpec",
                [&] { *exponents = MakeForHost([&] { return ToVariant(dimensionality); }).Detach(); });
 }
 
-HRESULT CParameter::get_DefaultValue(double* result) {
+HRESULT ParameterSpecification::get_DefaultValue(double* result) {
   if (!result) return E_POINTER;
   *result = {};
   return EnterSpec(CAPE_REAL, "get_DefaultValue", kReal, [&] { *result = std::get<double>(defaultValue); });
 }
 
-HRESULT CParameter::get_LowerBound(double* bound) {
+HRESULT ParameterSpecification::get_LowerBound(double* bound) {
   if (!bound) return E_POINTER;
   *bound = {};
   return EnterSpec(CAPE_REAL, "get_LowerBound", kReal, [&] { *bound = lowerBound; });
 }
 
-HRESULT CParameter::get_UpperBound(double* bound) {
+HRESULT ParameterSpecification::get_UpperBound(double* bound) {
   if (!bound) return E_POINTER;
   *bound = {};
   return EnterSpec(CAPE_REAL, "get_UpperBound", kReal, [&] { *bound = upperBound; });
 }
 
-HRESULT CParameter::Validate(double candidate, BSTR* message, VARIANT_BOOL* isValid) {
+HRESULT ParameterSpecification::Validate(double candidate, BSTR* message, VARIANT_BOOL* isValid) {
   return ValidateCandidate(
       CAPE_REAL, kReal, [&] { return candidate; }, message, isValid);
 }
 
-HRESULT CParameter::get_DefaultValue(LONG* result) {
+HRESULT ParameterSpecification::get_DefaultValue(LONG* result) {
   if (!result) return E_POINTER;
   *result = {};
   return EnterSpec(CAPE_INT, "get_DefaultValue", kInteger, [&] { *result = std::get<std::int32_t>(defaultValue); });
 }
 
-HRESULT CParameter::get_LowerBound(LONG* bound) {
+HRESULT ParameterSpecification::get_LowerBound(LONG* bound) {
   if (!bound) return E_POINTER;
   *bound = {};
   return EnterSpec(CAPE_INT, "get_LowerBound", kInteger, [&] { *bound = ToBound(lowerBound); });
 }
 
-HRESULT CParameter::get_UpperBound(LONG* bound) {
+HRESULT ParameterSpecification::get_UpperBound(LONG* bound) {
   if (!bound) return E_POINTER;
   *bound = {};
   return EnterSpec(CAPE_INT, "get_UpperBound", kInteger, [&] { *bound = ToBound(upperBound); });
 }
 
-HRESULT CParameter::Validate(LONG candidate, BSTR* message, VARIANT_BOOL* isValid) {
+HRESULT ParameterSpecification::Validate(LONG candidate, BSTR* message, VARIANT_BOOL* isValid) {
   return ValidateCandidate(
       CAPE_INT, kInteger, [&] { return std::int32_t{candidate}; }, message, isValid);
 }
 
-HRESULT CParameter::get_DefaultValue(BSTR* result) {
+HRESULT ParameterSpecification::get_DefaultValue(BSTR* result) {
   if (!result) return E_POINTER;
   *result = nullptr;
   return EnterSpec(CAPE_OPTION, "get_DefaultValue", kOption,
                    [&] { *result = com::ToBstr(std::get<std::string>(defaultValue)).Detach(); });
 }
 
-HRESULT CParameter::get_OptionList(VARIANT* list) {
+HRESULT ParameterSpecification::get_OptionList(VARIANT* list) {
   if (!list) return E_POINTER;
   VariantInit(list);
   return EnterSpec(CAPE_OPTION, "get_OptionList", kOption, [&] { *list = com::MakeStrings(options).Detach(); });
 }
 
-HRESULT CParameter::get_RestrictedToList(VARIANT_BOOL* restricted) {
+HRESULT ParameterSpecification::get_RestrictedToList(VARIANT_BOOL* restricted) {
   if (!restricted) return E_POINTER;
   *restricted = {};
   return EnterSpec(CAPE_OPTION, "get_RestrictedTolist", kOption,
                    [&] { *restricted = com::ToVariantBool(restrictedToList); });
 }
 
-HRESULT CParameter::Validate(BSTR candidate, BSTR* message, VARIANT_BOOL* isValid) {
+HRESULT ParameterSpecification::Validate(BSTR candidate, BSTR* message, VARIANT_BOOL* isValid) {
   return ValidateCandidate(
       CAPE_OPTION, kOption, [&] { return com::ToUtf8(candidate); }, message, isValid);
 }
 
-HRESULT CParameter::get_DefaultValue(VARIANT_BOOL* result) {
+HRESULT ParameterSpecification::get_DefaultValue(VARIANT_BOOL* result) {
   if (!result) return E_POINTER;
   *result = {};
   return EnterSpec(CAPE_BOOLEAN, "get_DefaultValue", kBoolean,
                    [&] { *result = com::ToVariantBool(std::get<bool>(defaultValue)); });
 }
 
-HRESULT CParameter::Validate(VARIANT_BOOL candidate, BSTR* message, VARIANT_BOOL* isValid) {
+HRESULT ParameterSpecification::Validate(VARIANT_BOOL candidate, BSTR* message, VARIANT_BOOL* isValid) {
   return ValidateCandidate(
       CAPE_BOOLEAN, kBoolean, [&] { return candidate != VARIANT_FALSE; }, message, isValid);
 }
 
-HRESULT CParameter::get_NumDimensions(LONG* count) {
+HRESULT ParameterSpecification::get_NumDimensions(LONG* count) {
   if (!count) return E_POINTER;
   *count = {};
   return EnterSpec(CAPE_ARRAY, "get_NumDimensions", kArray, [&] { *count = 1; });
 }
 
-HRESULT CParameter::get_Size(VARIANT* sizes) {
+HRESULT ParameterSpecification::get_Size(VARIANT* sizes) {
   if (!sizes) return E_POINTER;
   VariantInit(sizes);
   return EnterSpec(CAPE_ARRAY, "get_Size", kArray, [&] {
-    const std::array<std::int32_t, 1> size = {static_cast<std::int32_t>(std::get<std::vector<double>>(value).size())};
+    const std::array<std::int32_t, 1> size = {static_cast<std::int32_t>(ElementCount())};
     *sizes = MakeForHost([&] { return com::MakeIntegers(size); }).Detach();
   });
 }
 
-HRESULT CParameter::get_ItemsSpecifications(VARIANT* specifications) {
+HRESULT ParameterSpecification::get_ItemsSpecifications(VARIANT* specifications) {
   if (!specifications) return E_POINTER;
   VariantInit(specifications);
   return EnterSpec(CAPE_ARRAY, "get_ItemsSpecifications", kArray, [&] {
     *specifications = MakeForHost([&] {
-                        std::vector<com::Variant> members(std::get<std::vector<double>>(value).size());
-                        for (std::size_t i = 0; i < members.size(); ++i)
-                          members[i] = com::MakeObject(
-                              com::Query<IDispatch>(static_cast<ICapeParameter*>(MakeArrayMember(i).Get())).Get());
-                        return com::MakeVariants(members);
+                        std::vector<com::Variant> elements(ElementCount());
+                        for (std::size_t i = 0; i < elements.size(); ++i)
+                          elements[i] = com::MakeObject(MakeElement(i).Get());
+                        return com::MakeVariants(elements);
                       }).Detach();
   });
 }
 
-HRESULT CParameter::Validate(VARIANT candidate, VARIANT* messages, VARIANT* areValid) {
+HRESULT ParameterSpecification::Validate(VARIANT candidate, VARIANT* messages, VARIANT* areValid) {
   if (!messages || !areValid) return E_POINTER;
   VariantInit(areValid);
   return EnterSpec(CAPE_ARRAY, "Validate", kArray, [&] {
@@ -197,18 +221,24 @@ HRESULT CParameter::Validate(VARIANT candidate, VARIANT* messages, VARIANT* areV
   });
 }
 
-com::Ref<CParameter> CParameter::MakeArrayMember(std::size_t position) const {
-  const auto& initial = std::get<std::vector<double>>(defaultValue);
-  ParameterDeclaration element{.name = ComponentName().c_str(),
-                               .description = "Element of an array parameter",
-                               .mode = mode,
-                               .defaultValue = position < initial.size() ? initial[position] : lowerBound,
-                               .lowerBound = lowerBound,
-                               .upperBound = upperBound,
-                               .dimensionality = dimensionality};
-  auto member = com::Make<CParameter>(element, nullptr);
-  member->isArrayMember = true;
-  return member;
+ValueLimits ParameterSpecification::Limits() const {
+  return {.boundsChecked = mode == CAPE_INPUT,
+          .lower = lowerBound,
+          .upper = upperBound,
+          .allowed = restrictedToList ? &options : nullptr};
+}
+
+void ParameterSpecification::AppendFaces(std::vector<com::Face>& faces) {
+  std::vector<com::Face> all;
+  Implements::AppendFaces(all);
+  // The specifications of the other kinds bear the same names.
+  const GUID own = SpecificationOf(Kind());
+  for (const com::Face& face : all) {
+    const bool foreign = std::ranges::any_of(std::array{CAPE_REAL, CAPE_INT, CAPE_OPTION, CAPE_BOOLEAN, CAPE_ARRAY},
+                                             [&](CapeParamType kind) { return face.iid == SpecificationOf(kind); }) &&
+                         !(face.iid == own);
+    if (!foreign) faces.push_back(face);
+  }
 }
 
 }  // namespace morvelan

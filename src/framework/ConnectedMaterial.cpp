@@ -1,8 +1,7 @@
-// The material operations of a port: whichever thermodynamic interfaces are in force carry them out.
+#include "framework/ConnectedMaterial.h"
 
 #include <algorithm>
 
-#include "framework/CUnitPort.h"
 #include "framework/UnitOwner.h"
 #include "material/Names.h"
 #include "material/Reading.h"
@@ -27,7 +26,7 @@ std::vector<double> ReadConstants(const com::Variant& array) {
 }  // namespace
 
 template <class Body>
-auto CUnitPort::OnMaterial(std::string_view operation, Body&& body, std::string_view interfaceName) {
+auto ConnectedMaterial::OnMaterial(std::string_view operation, Body&& body, std::string_view interfaceName) {
   return Recorded(operation, interfaceName, [&] {
     if (!IsConnected()) throw Failure("port is not connected");
     UnitOwner& owner = Unit();
@@ -36,9 +35,14 @@ auto CUnitPort::OnMaterial(std::string_view operation, Body&& body, std::string_
   });
 }
 
-void CUnitPort::ResizeCompoundBuffer(std::size_t count) { state.composition.resize(count); }
+UnitOwner& ConnectedMaterial::Unit() const {
+  if (!unit) throw Failure("The unit operation of port " + ComponentName() + " no longer exists");
+  return *unit;
+}
 
-void CUnitPort::ReadState(std::size_t count) {
+void ConnectedMaterial::ResizeCompoundBuffer(std::size_t count) { state.composition.resize(count); }
+
+void ConnectedMaterial::ReadState(std::size_t count) {
   OnMaterial("GetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto explain = [&](Name property) {
       return [&port, property](const std::string& why) {
@@ -68,50 +72,51 @@ void CUnitPort::ReadState(std::size_t count) {
   });
 }
 
-void CUnitPort::SetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType, Name basis,
-                        const VARIANT& values) {
+void ConnectedMaterial::SetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType, Name basis,
+                                const VARIANT& values) {
   OnMaterial("SetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     thermo.SetProp(port, {property, phase, calcType, basis}, compoundIds, values);
   });
 }
 
-com::Variant CUnitPort::GetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType, Name basis) {
+com::Variant ConnectedMaterial::GetProp(Name property, Name phase, const VARIANT& compoundIds, Name calcType,
+                                        Name basis) {
   return OnMaterial("GetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetProp(port, {property, phase, calcType, basis}, compoundIds);
   });
 }
 
-material::Answer CUnitPort::GetProperty(const Property& property, Name phase, Name calcType, Name basis) {
+material::Answer ConnectedMaterial::GetProperty(const Property& property, Name phase, Name calcType, Name basis) {
   return OnMaterial("GetProperty", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetProperty(port, {property, phase, calcType, basis});
   });
 }
 
-material::Answer CUnitPort::GetPropertyNoDup(const Property& property, Name phase, Name calcType, Name basis) {
+material::Answer ConnectedMaterial::GetPropertyNoDup(const Property& property, Name phase, Name calcType, Name basis) {
   return OnMaterial("GetPropertyNoDup", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.GetPropertyNoDup(port, {property, phase, calcType, basis});
   });
 }
 
-com::Bstr CUnitPort::GetVaporName() {
+com::Bstr ConnectedMaterial::GetVaporName() {
   return OnMaterial(
       "GetVaporName", [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetVaporName(port); },
       "CPort");
 }
 
-com::Ref<IDispatch> CUnitPort::DuplicateMaterial() {
+com::Ref<IDispatch> ConnectedMaterial::DuplicateMaterial() {
   return OnMaterial("DuplicateMaterial",
                     [](const Thermo& thermo, const PortMaterial& port) { return thermo.DuplicateMaterial(port); });
 }
 
-TrialMaterial CUnitPort::CopyMaterial() {
+TrialMaterial ConnectedMaterial::CopyMaterial() {
   return OnMaterial("DuplicateMaterial", [&](const Thermo& thermo, const PortMaterial& port) {
     return TrialMaterial(thermo.DuplicateMaterial(port), port.portName, port.emulation, thermo,
                          state.composition.size());
   });
 }
 
-com::Variant CUnitPort::GetCompoundList() {
+com::Variant ConnectedMaterial::GetCompoundList() {
   return Recorded("GetCompoundIds", "UnitPort", [&] {
     if (!IsConnected()) throw Failure(ComponentName() + ": port is not connected");
     return OnMaterial("GetCompoundIds",
@@ -119,7 +124,7 @@ com::Variant CUnitPort::GetCompoundList() {
   });
 }
 
-std::vector<std::string> CUnitPort::GetCompoundIds() {
+std::vector<std::string> ConnectedMaterial::GetCompoundIds() {
   return Recorded("GetCompoundIds", "UnitPort", [&] {
     const com::Variant list = GetCompoundList();
     std::vector<std::string> ids = material::ReadOr(
@@ -130,7 +135,7 @@ std::vector<std::string> CUnitPort::GetCompoundIds() {
   });
 }
 
-std::size_t CUnitPort::GetCompoundCount() {
+std::size_t ConnectedMaterial::GetCompoundCount() {
   return Recorded("GetCompoundIds", "UnitPort", [&] {
     const com::Variant list = GetCompoundList();
     const std::size_t count = material::ReadOr(
@@ -141,7 +146,7 @@ std::size_t CUnitPort::GetCompoundCount() {
   });
 }
 
-material::CompoundIdentities CUnitPort::GetCompoundIdentities() {
+material::CompoundIdentities ConnectedMaterial::GetCompoundIdentities() {
   return OnMaterial("GetCompoundIdentities", [&](const Thermo& thermo, const PortMaterial& port) {
     const std::string title = "Could not get compound names and/or CAS numbers from port " + port.portName;
     material::CompoundIdentities identities = thermo.GetCompoundIdentities(port);
@@ -163,7 +168,7 @@ material::CompoundIdentities CUnitPort::GetCompoundIdentities() {
   });
 }
 
-std::vector<double> CUnitPort::GetCompoundConstant(Name constant) {
+std::vector<double> ConnectedMaterial::GetCompoundConstant(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const std::string name = material::Shown(constant);
     const auto invalid = [&](const std::string&) {
@@ -179,7 +184,7 @@ std::vector<double> CUnitPort::GetCompoundConstant(Name constant) {
   });
 }
 
-std::vector<std::string> CUnitPort::GetCompoundText(Name constant) {
+std::vector<std::string> ConnectedMaterial::GetCompoundText(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto fail = [&](const std::string& why) {
       return Failure(
@@ -198,24 +203,24 @@ std::vector<std::string> CUnitPort::GetCompoundText(Name constant) {
   });
 }
 
-std::vector<material::PhaseFraction> CUnitPort::GetPhaseFractions() {
+std::vector<material::PhaseFraction> ConnectedMaterial::GetPhaseFractions() {
   return OnMaterial(
       "Calculate",
       [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPhaseFractions(port.object.Get()); },
       "ICapeUnit");
 }
 
-std::vector<std::string> CUnitPort::GetPhaseLabels() {
+std::vector<std::string> ConnectedMaterial::GetPhaseLabels() {
   return OnMaterial("GetPhaseLabels",
                     [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPhaseLabels(port); });
 }
 
-std::vector<std::string> CUnitPort::GetPropertyList() {
+std::vector<std::string> ConnectedMaterial::GetPropertyList() {
   return OnMaterial("GetPropertyList",
                     [](const Thermo& thermo, const PortMaterial& port) { return thermo.GetPropertyList(port); });
 }
 
-void CUnitPort::CalcEquilibrium(Name flashType) {
+void ConnectedMaterial::CalcEquilibrium(Name flashType) {
   Recorded("CalcEquilibrium", "UnitPort", [&] {
     if (!IsConnected())
       throw Failure(UnitError{"not connected", "port " + ComponentName() + " is not connected", {}, {}});
@@ -224,13 +229,13 @@ void CUnitPort::CalcEquilibrium(Name flashType) {
   });
 }
 
-double CUnitPort::CalcNormalEnthalpy(std::span<const double> composition) {
+double ConnectedMaterial::CalcNormalEnthalpy(std::span<const double> composition) {
   return OnMaterial("CalcNormalEnthalpy", [&](const Thermo& thermo, const PortMaterial& port) {
     return thermo.CalcNormalEnthalpy(port, composition);
   });
 }
 
-void CUnitPort::CheckCompoundLists(std::span<const std::string> list, const CUnitPort& referencePort) {
+void ConnectedMaterial::CheckCompoundLists(std::span<const std::string> list, const BaseObject& referencePort) {
   Recorded("CheckCompoundLists", "UnitPort", [&] {
     const std::string& own = ComponentName();
     const std::string both = own + " does not match ";
