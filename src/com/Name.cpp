@@ -3,12 +3,6 @@
 #include <deque>
 
 namespace morvelan::com {
-namespace {
-
-OLECHAR AsciiLower(OLECHAR c) { return c >= 'A' && c <= 'Z' ? static_cast<OLECHAR>(c - 'A' + 'a') : c; }
-
-}  // namespace
-
 bool operator==(Name a, Name b) {
   if (a.text == b.text) return true;
   const UINT length = SysStringLen(a.text);

@@ -8,8 +8,6 @@ namespace {
 
 constexpr char32_t kReplacement = 0xfffd;
 
-char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 void AppendUtf8(std::string& text, char32_t c) {
   const auto tail = [&](int shift) { text.push_back(static_cast<char>(0x80 | ((c >> shift) & 0x3f))); };
   if (c < 0x80) {

@@ -18,6 +18,12 @@ namespace morvelan::com {
 /// The file of that name; a path made of the bytes themselves would be another one on Windows.
 [[nodiscard]] std::filesystem::path ToPath(std::string_view utf8);
 
+/// A to Z become a to z; everything else stays.
+template <class Character>
+[[nodiscard]] constexpr Character AsciiLower(Character c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<Character>(c - 'A' + 'a') : c;
+}
+
 /// Equality without regard to the case of the letters A to Z.
 [[nodiscard]] bool EqualNoCase(std::string_view a, std::string_view b);
 

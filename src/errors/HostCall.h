@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "com/Ref.h"
 #include "errors/ErrorText.h"
 #include "errors/Failure.h"
 
@@ -13,6 +14,16 @@ namespace morvelan {
 template <class Explain>
 void CheckHost(HRESULT outcome, IUnknown* object, Explain&& explain) {
   if (FAILED(outcome)) throw std::forward<Explain>(explain)(ErrorText(object, outcome));
+}
+
+/// The interface `Interface` of a host's object. One that has none throws what `explain` makes of the host's error
+/// text.
+template <class Interface, class Object, class Explain>
+[[nodiscard]] com::Ref<Interface> InterfaceOf(Object* object, Explain&& explain) {
+  HRESULT failure = S_OK;
+  com::Ref<Interface> found = com::Query<Interface>(object, &failure);
+  if (!found) throw std::forward<Explain>(explain)(ErrorText(object, failure));
+  return found;
 }
 
 }  // namespace morvelan

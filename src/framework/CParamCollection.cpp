@@ -7,8 +7,7 @@
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kInterface = "ICapeCollection";
-constexpr CollectionTexts kTexts = {
+constexpr CollectionTexts kParameterTexts = {
     {"invalid parameter specification", "expected a name or an integer for a parameter identifier"},
     {"parameter index out of range", "parameter index out of range"},
     {"empty string", "empty string"},
@@ -30,19 +29,20 @@ BaseUnit& CParamCollection::Unit() const {
 HRESULT CParamCollection::Count(LONG* count) {
   if (!count) return E_POINTER;
   *count = 0;
-  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().Declarations().parameters.All().size()); });
+  return Guard("Count", "ICapeCollection",
+               [&] { *count = static_cast<LONG>(Unit().Declarations().parameters.All().size()); });
 }
 
 HRESULT CParamCollection::Item(VARIANT id, IDispatch** item) {
   if (!item) return E_POINTER;
   *item = nullptr;
-  return Guard("Item", kInterface, [&] {
+  return Guard("Item", "ICapeCollection", [&] {
     const auto parameters = Unit().Declarations().parameters.All();
     const auto nameOf = [&](std::size_t i) { return parameters[i]->ComponentName(); };
-    const std::size_t index = FindItem(id, parameters.size(), nameOf, kTexts);
+    const std::size_t index = FindItem(id, parameters.size(), nameOf, kParameterTexts);
     // The unit may have a value to bring up to date before the host reads it.
     if (index < Unit().Declarations().parameters.List().size()) Unit().ParameterRequested(index);
-    *item = HandOut(parameters[index], kTexts);
+    *item = HandOut(parameters[index], kParameterTexts);
   });
 }
 

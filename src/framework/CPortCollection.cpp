@@ -7,9 +7,8 @@
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kInterface = "ICapeCollection";
 constexpr ErrorPair kNotFound = {"invalid index or id", "could not find port, invalid index or id"};
-constexpr CollectionTexts kTexts = {
+constexpr CollectionTexts kPortTexts = {
     kNotFound,
     kNotFound,
     kNotFound,
@@ -30,19 +29,20 @@ BaseUnit& CPortCollection::Unit() const {
 HRESULT CPortCollection::Count(LONG* count) {
   if (!count) return E_POINTER;
   *count = 0;
-  return Guard("Count", kInterface, [&] { *count = static_cast<LONG>(Unit().Declarations().ports.All().size()); });
+  return Guard("Count", "ICapeCollection",
+               [&] { *count = static_cast<LONG>(Unit().Declarations().ports.All().size()); });
 }
 
 HRESULT CPortCollection::Item(VARIANT id, IDispatch** item) {
   if (!item) return E_POINTER;
   *item = nullptr;
-  return Guard("Item", kInterface, [&] {
+  return Guard("Item", "ICapeCollection", [&] {
     const auto ports = Unit().Declarations().ports.All();
     const auto nameOf = [&](std::size_t i) {
       const std::string& name = ports[i]->ComponentName();
       return name.empty() ? "<unknown>" : name;
     };
-    *item = HandOut(ports[FindItem(id, ports.size(), nameOf, kTexts)], kTexts);
+    *item = HandOut(ports[FindItem(id, ports.size(), nameOf, kPortTexts)], kPortTexts);
   });
 }
 

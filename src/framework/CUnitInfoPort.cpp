@@ -4,13 +4,14 @@
 
 #include "errors/HostCall.h"
 #include "framework/CollectionItem.h"
+#include "framework/ConnectFailure.h"
 #include "framework/ConnectedCollection.h"
 #include "framework/UnitOwner.h"
 
 namespace morvelan {
 namespace {
 
-constexpr CollectionTexts kTexts = {
+constexpr CollectionTexts kItemTexts = {
     {"invalid parameter specification specification",
      "expected a name or an integer for a parameter specification identifier"},
     {"index out of range for parameter specification specification",
@@ -21,8 +22,6 @@ constexpr CollectionTexts kTexts = {
 };
 
 constexpr const char* kNotExported = "internal error, information item is not exported by port";
-
-Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
 
 bool IsMatch(const com::Variant& id) { return id.Get().vt != VT_EMPTY; }
 
@@ -44,7 +43,7 @@ HRESULT CUnitInfoPort::Item(VARIANT id, IDispatch** item) {
   *item = nullptr;
   return Guard("Item", "ICapeCollection", [&] {
     const auto nameOf = [&](std::size_t i) { return items[i]->ComponentName(); };
-    *item = HandOut(items[FindItem(id, items.size(), nameOf, kTexts)], kTexts);
+    *item = HandOut(items[FindItem(id, items.size(), nameOf, kItemTexts)], kItemTexts);
   });
 }
 

@@ -1,15 +1,14 @@
 #include "framework/CUnitPort.h"
 
 #include "errors/ErrorText.h"
+#include "framework/ConnectFailure.h"
 #include "framework/UnitOwner.h"
 #include "morvelan.h"
 
 namespace morvelan {
 namespace {
 
-constexpr std::string_view kInterface = "ICapeUnitPort";
-
-Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
+constexpr std::string_view kPortInterface = "ICapeUnitPort";
 
 }  // namespace
 
@@ -34,7 +33,7 @@ HRESULT CUnitPort::get_direction(CapePortDirection* result) {
 HRESULT CUnitPort::get_connectedObject(IDispatch** object) {
   if (!object) return E_POINTER;
   *object = nullptr;
-  return Guard("get_connectedObject", kInterface, [&] {
+  return Guard("get_connectedObject", kPortInterface, [&] {
     if (!IsConnected()) return;
     com::Ref<IDispatch> handedOut = ConnectedObject().As<IDispatch>();
     if (!handedOut) throw Failure("failed to get interface");
@@ -43,7 +42,7 @@ HRESULT CUnitPort::get_connectedObject(IDispatch** object) {
 }
 
 HRESULT CUnitPort::Connect(IDispatch* object) {
-  return Guard("Connect", kInterface, [&] {
+  return Guard("Connect", kPortInterface, [&] {
     // The host may pass the object that is connected already, as its only reference.
     const auto alive = com::Ref<IDispatch>::Share(object);
     ReleaseConnection();
@@ -59,7 +58,7 @@ HRESULT CUnitPort::Connect(IDispatch* object) {
 }
 
 HRESULT CUnitPort::Disconnect() {
-  return Guard("Connect", kInterface, [&] {
+  return Guard("Connect", kPortInterface, [&] {
     const bool wasConnected = IsConnected();
     ReleaseConnection();
     TellUnit();

@@ -4,11 +4,10 @@
 #include <cmath>
 
 #include "errors/HostCall.h"
+#include "framework/ConnectFailure.h"
 
 namespace morvelan {
 namespace {
-
-Failure ConnectFailure(std::string why) { return Failure(UnitError{"failed to connect", std::move(why), {}, {}}); }
 
 std::string NameOf(IDispatch* object) {
   const auto identification = com::Query<ICapeIdentification>(object);

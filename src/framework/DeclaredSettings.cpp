@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "framework/KeyedValues.h"
-#include "framework/UnitStorage.h"
 
 namespace morvelan {
 

@@ -17,14 +17,6 @@ namespace morvelan {
 void WriteParameters(UnitWriter& writer, const DeclaredParameters::ParameterList& parameters);
 void WriteReports(UnitWriter& writer, const Reports& reports);
 
-/// A failure of a unit to save or load what it keeps beyond its parameters.
-[[nodiscard]] inline Failure SaveFailure(std::string title, std::string description) {
-  return Failure(UnitError{std::move(title), std::move(description), "Save", "IPersistStream"});
-}
-[[nodiscard]] inline Failure LoadFailure(std::string title, std::string description) {
-  return Failure(UnitError{std::move(title), std::move(description), "Load", "IPersistStream"});
-}
-
 /// What a stream holds, read as a whole before the unit takes it over.
 struct SavedUnit {
   std::vector<ParameterRecord> records;                      // for the unit's own parameters

@@ -11,11 +11,10 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little && sizeof(OLECHAR) == 2);
 
-constexpr std::string_view kInterface = "IPersistStream";
 constexpr std::size_t kLargestPending = 1 << 16;  // [bytes]
 constexpr std::size_t kChunk = 1 << 14;           // [characters]
 
-Failure ReadFailure() { return Failure("read error", "Load", kInterface); }
+Failure ReadFailure() { return LoadFailure("read error", "read error"); }
 
 }  // namespace
 
@@ -31,7 +30,7 @@ void UnitWriter::Flush() {
   const auto count = static_cast<ULONG>(pending.size());
   ULONG written = 0;
   if (FAILED(stream->Write(pending.data(), count, &written)) || written != count)
-    throw Failure("Write error", "Save", kInterface);
+    throw SaveFailure("Write error", "Write error");
   pending.clear();
 }
 

@@ -5,13 +5,23 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "com/Platform.h"
+#include "errors/Failure.h"
 
 namespace morvelan {
 
 // What units keep in a host's stream: little-endian integers of 32 bits, doubles of 64, texts as UTF-16 with
 // their length in characters in front.
+
+/// A failure of a unit to save or load what it keeps beyond its parameters.
+[[nodiscard]] inline Failure SaveFailure(std::string title, std::string description) {
+  return Failure(UnitError{std::move(title), std::move(description), "Save", "IPersistStream"});
+}
+[[nodiscard]] inline Failure LoadFailure(std::string title, std::string description) {
+  return Failure(UnitError{std::move(title), std::move(description), "Load", "IPersistStream"});
+}
 
 /// Writes to a host's stream, or only counts the bytes when there is none. Values are gathered and written by
 /// `Flush`, or when there are many. A write that fails or is short throws Failure with the text "Write

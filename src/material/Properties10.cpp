@@ -18,7 +18,7 @@ com::Variant GetProp(ICapeThermoMaterialObject& material, Name property, Name ph
   return values;
 }
 
-HRESULT CalcProp(ICapeThermoMaterialObject& material, const Property& property, Name phase, Name calcType) {
+HRESULT CalcProp10(ICapeThermoMaterialObject& material, const Property& property, Name phase, Name calcType) {
   static const VARIANT& overall = com::KeepList(names::kOverall);
   if (phase.text == names::kOverall.text) return material.CalcProp(ListOfOne(property).Get(), overall, calcType.text);
   return material.CalcProp(ListOfOne(property).Get(), com::MakeStrings(std::span(&phase, 1)).Get(), calcType.text);
@@ -35,7 +35,7 @@ std::optional<double> PhaseContribution(ICapeThermoMaterialObject& material, Nam
     return EvaluationFailure("Unexpected value for phase fraction for " + Shown(label));
   });
   if (fraction == 0) return std::nullopt;
-  CheckHost(CalcProp(material, request.property, label, request.calcType), &material, [&](const std::string& why) {
+  CheckHost(CalcProp10(material, request.property, label, request.calcType), &material, [&](const std::string& why) {
     return EvaluationFailure("CalcProp (" + which() + "/mixture) failed: " + why);
   });
   const com::Variant values = GetProp(material, request.property, label, request.calcType, names::kMole,
@@ -64,7 +64,7 @@ std::vector<com::Variant> PhaseLabels(ICapeThermoMaterialObject& material, const
 
 /// Sums an overall property over the phases. A basis other than empty leaves the molar value as it is,
 /// whatever the basis: units ask for molar values or totals only.
-double SumOverPhases(ICapeThermoMaterialObject& material, const PropertyRequest& request) {
+double SumOverPhases10(ICapeThermoMaterialObject& material, const PropertyRequest& request) {
   double sum = 0;
   bool contributed = false;
   for (const com::Variant& label : PhaseLabels(material, request.property)) {
@@ -114,11 +114,11 @@ double TotalOf(ICapeThermoMaterialObject& material, const PropertyRequest& reque
 Answer Evaluate10(ICapeThermoMaterialObject& material, const PropertyRequest& request, OverallEmulation& emulation) {
   const auto index = OverallEmulation::IndexOf(request.property);
   const bool canBeSummed = index && request.phase == names::kOverall && request.calcType == names::kMixture;
-  if (canBeSummed && emulation.needed[*index]) return SumOverPhases(material, request);
+  if (canBeSummed && emulation.needed[*index]) return SumOverPhases10(material, request);
 
-  const HRESULT calculated = CalcProp(material, request.property, request.phase, request.calcType);
+  const HRESULT calculated = CalcProp10(material, request.property, request.phase, request.calcType);
   if (FAILED(calculated) && canBeSummed) {
-    const double sum = SumOverPhases(material, request);
+    const double sum = SumOverPhases10(material, request);
     emulation.needed[*index] = true;
     return sum;
   }

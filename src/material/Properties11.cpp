@@ -10,23 +10,20 @@
 namespace morvelan::material {
 namespace {
 
-constexpr const char* kNoRoutine = "Failed to obtain ICapeThermoPropertyRoutine from material: ";
-
 com::Ref<ICapeThermoPropertyRoutine> RoutineOf(ICapeThermoMaterial& material) {
-  HRESULT failure = S_OK;
-  auto routine = com::Query<ICapeThermoPropertyRoutine>(&material, &failure);
-  if (!routine) throw EvaluationFailure(kNoRoutine + ErrorText(&material, failure));
-  return routine;
+  return InterfaceOf<ICapeThermoPropertyRoutine>(&material, [](const std::string& why) {
+    return EvaluationFailure("Failed to obtain ICapeThermoPropertyRoutine from material: " + why);
+  });
 }
 
-HRESULT CalcProp(ICapeThermoPropertyRoutine& routine, const Property& property, Name phase) {
+HRESULT CalcProp11(ICapeThermoPropertyRoutine& routine, const Property& property, Name phase) {
   return routine.CalcSinglePhaseProp(ListOfOne(property).Get(), phase.text);
 }
 
 com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest& request) {
   const auto routine = RoutineOf(material);
   const auto title = [&] { return "Prop (" + request.property.Text() + "/" + Shown(request.phase); };
-  CheckHost(CalcProp(*routine, request.property, request.phase), routine.Get(),
+  CheckHost(CalcProp11(*routine, request.property, request.phase), routine.Get(),
             [&](const std::string& why) { return EvaluationFailure("Calc" + title() + ") failed: " + why); });
   com::Variant values;
   CheckHost(material.GetSinglePhaseProp(com::Name(request.property).text, request.phase.text, request.basis.text,
@@ -95,7 +92,7 @@ double TotalFlow(ICapeThermoMaterial& material) {
 }
 
 /// Sums an overall property over the phases present; an empty basis multiplies by the total flow.
-double SumOverPhases(ICapeThermoMaterial& material, const Property& property, Name basis) {
+double SumOverPhases11(ICapeThermoMaterial& material, const Property& property, Name basis) {
   const auto name = [&] { return property.Text(); };
   if (!OverallEmulation::IndexOf(property))
     throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " + name());
@@ -113,7 +110,7 @@ double SumOverPhases(ICapeThermoMaterial& material, const Property& property, Na
     if (phases.statuses[i] != CAPE_ATEQUILIBRIUM)
       throw EvaluationFailure(opening() + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
     if (phase == names::kOverall) throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
-    CheckHost(CalcProp(*routine, property, phase), routine.Get(), [&](const std::string& why) {
+    CheckHost(CalcProp11(*routine, property, phase), routine.Get(), [&](const std::string& why) {
       return EvaluationFailure("Failed to calculate " + name() + " for phase " + Shown(phase) + ": " + why);
     });
     const double value = PhaseScalar(material, property, phase, name);
@@ -124,11 +121,9 @@ double SumOverPhases(ICapeThermoMaterial& material, const Property& property, Na
 
 std::vector<double> MolecularWeights(ICapeThermoMaterial& material) {
   constexpr const char* kFor = "molecular weights for mass/mole conversion: ";
-  HRESULT failure = S_OK;
-  const auto compounds = com::Query<ICapeThermoCompounds>(&material, &failure);
-  if (!compounds)
-    throw EvaluationFailure("Failed to obtain material's ICapeThermoCompounds interface: " +
-                            ErrorText(&material, failure));
+  const auto compounds = InterfaceOf<ICapeThermoCompounds>(&material, [](const std::string& why) {
+    return EvaluationFailure("Failed to obtain material's ICapeThermoCompounds interface: " + why);
+  });
   com::Variant weights;
   const com::Variant properties = com::MakeStrings(std::span(&names::kMolecularWeight, 1));
   CheckHost(compounds->GetCompoundConstant(properties.Get(), com::kNoValue, weights.Put()), compounds.Get(),
@@ -178,9 +173,9 @@ Answer Evaluate11(ICapeThermoMaterial& material, const PropertyRequest& request)
   if (!OverallEmulation::IndexOf(request.property))
     throw EvaluationFailure("Internal error: unimplemented overall thermo V11 call for property " +
                             request.property.Text());
-  if (request.basis != names::kMass) return SumOverPhases(material, request.property, request.basis);
+  if (request.basis != names::kMass) return SumOverPhases11(material, request.property, request.basis);
   // A material without compounds divides by zero here: it has no mass to refer to.
-  const double molar = SumOverPhases(material, request.property, names::kMole);
+  const double molar = SumOverPhases11(material, request.property, names::kMole);
   return molar / MeanMolecularWeight(material);
 }
 

@@ -80,7 +80,7 @@ class Thermo {
   [[nodiscard]] virtual Answer GetProperty(const PortMaterial& port, const PropertyRequest& request) const = 0;
   /// Calculates on the connected material itself.
   [[nodiscard]] virtual Answer GetPropertyNoDup(const PortMaterial& port, const PropertyRequest& request) const = 0;
-  /// The host's label of the vapour phase.
+  /// The host's label of the vapor phase.
   [[nodiscard]] virtual com::Bstr GetVaporName(const PortMaterial& port) const = 0;
   [[nodiscard]] virtual com::Ref<IDispatch> DuplicateMaterial(const PortMaterial& port) const = 0;
   /// The compound identifiers as the host gives them: an array of strings if the host behaves.

@@ -1,15 +1,7 @@
 #include "server/ClassTable.h"
 
+#include "UnitHeaders.inc"
 #include "morvelan.h"
-#include "units/heat/CHeaterCooler.h"
-#include "units/information/CInformationCalculator.h"
-#include "units/pressure/CValve.h"
-#include "units/reactors/CCSTR.h"
-#include "units/reactors/CEquilibriumReactor.h"
-#include "units/reactors/CFixedConversionReactor.h"
-#include "units/streams/CMixer.h"
-#include "units/streams/CNoOperation.h"
-#include "units/streams/CSplitter.h"
 
 namespace morvelan::server {
 namespace {
@@ -19,72 +11,18 @@ com::Ref<BaseUnit> Create() {
   return com::Make<Unit>();
 }
 
+#define MORVELAN_UNIT(unit, thermodynamics, text) \
+  {.clsid = __uuidof(::unit),                     \
+   .progId = "VELT_MORV." #unit,                  \
+   .displayName = #unit " Class",                 \
+   .name = #unit,                                 \
+   .description = text,                           \
+   .consumesThermodynamics = thermodynamics,      \
+   .create = Create<C##unit>},
 const UnitClass kUnitClasses[] = {
-    {.clsid = __uuidof(::NoOperation),
-     .progId = "VELT_MORV.NoOperation",
-     .displayName = "NoOperation Class",
-     .name = "NoOperation",
-     .description = "NoOperation - Debug unit operation, copies inlet to outlet",
-     .consumesThermodynamics = true,
-     .create = Create<CNoOperation>},
-    {.clsid = __uuidof(::CSTR),
-     .progId = "VELT_MORV.CSTR",
-     .displayName = "CSTR Class",
-     .name = "CSTR",
-     .description = "Continuously stirred tank reactor for equilibrium and kinetic reactions",
-     .consumesThermodynamics = true,
-     .create = Create<CCSTR>},
-    {.clsid = __uuidof(::EquilibriumReactor),
-     .progId = "VELT_MORV.EquilibriumReactor",
-     .displayName = "EquilibriumReactor Class",
-     .name = "EquilibriumReactor",
-     .description = "Reactor to perform one or more equilibrium reactions",
-     .consumesThermodynamics = true,
-     .create = Create<CEquilibriumReactor>},
-    {.clsid = __uuidof(::FixedConversionReactor),
-     .progId = "VELT_MORV.FixedConversionReactor",
-     .displayName = "FixedConversionReactor Class",
-     .name = "FixedConversionReactor",
-     .description = "Reactor for reactions with specified conversions",
-     .consumesThermodynamics = true,
-     .create = Create<CFixedConversionReactor>},
-    {.clsid = __uuidof(::HeaterCooler),
-     .progId = "VELT_MORV.HeaterCooler",
-     .displayName = "HeaterCooler Class",
-     .name = "HeaterCooler",
-     .description = "Heater or cooler using heat duty or outlet temperature",
-     .consumesThermodynamics = true,
-     .create = Create<CHeaterCooler>},
-    {.clsid = __uuidof(::InformationCalculator),
-     .progId = "VELT_MORV.InformationCalculator",
-     .displayName = "InformationCalculator Class",
-     .name = "InformationCalculator",
-     .description = "Unit operation for calculating information from other information",
-     .consumesThermodynamics = false,
-     .create = Create<CInformationCalculator>},
-    {.clsid = __uuidof(::Mixer),
-     .progId = "VELT_MORV.Mixer",
-     .displayName = "Mixer Class",
-     .name = "Mixer",
-     .description = "Mixer - unit operation to adiabatically mix 2 or more inlet streams into a single outlet",
-     .consumesThermodynamics = true,
-     .create = Create<CMixer>},
-    {.clsid = __uuidof(::Splitter),
-     .progId = "VELT_MORV.Splitter",
-     .displayName = "Splitter Class",
-     .name = "Splitter",
-     .description = "Splitter - unit operation to split input stream into 2 or more output streams using "
-                    "split fractions",
-     .consumesThermodynamics = true,
-     .create = Create<CSplitter>},
-    {.clsid = __uuidof(::Valve),
-     .progId = "VELT_MORV.Valve",
-     .displayName = "Valve Class",
-     .name = "Valve",
-     .description = "Valve. Model using pressure difference and pH flash.",
-     .consumesThermodynamics = true,
-     .create = Create<CValve>},
+#include "UnitRows.inc"
 };
+#undef MORVELAN_UNIT
 
 constexpr const char* kVendorUrl = "https://morvelan.example";
 

@@ -14,7 +14,7 @@ namespace {
 constexpr double kR = 8.31446261815324;  // [J/(mol K)]
 constexpr double kAgreement = 1e-6;
 constexpr double kRootTolerance = 1e-10;
-constexpr int kMostTrials = 100;
+constexpr int kMostTemperatures = 100;
 constexpr int kMostWidenings = 12;
 constexpr double kFirstStep = 0.02;              // of the temperature looked near
 constexpr double kJump = 1e-8;                   // to either side of a temperature, relative
@@ -53,7 +53,7 @@ class TemperatureSearch {
     for (int i = 0; i < kMostWidenings; ++i, step *= 2) {
       const double next = std::clamp(1 + (here < 0 ? step : -step), kLowest / scale, kHighest / scale);
       if (residual(next, there, why) && here * there <= 0) {
-        const auto root = numerics::SolveBracketed(residual, x, next, kRootTolerance, kMostTrials);
+        const auto root = numerics::SolveBracketed(residual, x, next, kRootTolerance, kMostTemperatures);
         return (root.success ? root.x : next) * scale;
       }
       x = next;

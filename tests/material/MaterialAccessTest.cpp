@@ -530,17 +530,6 @@ TEST(MaterialAccess, TakesTheWholeOrAPhaseInAnyCase) {
                                       "GetSinglePhaseProp phaseFraction/Liquid/Mole"}));
 }
 
-TEST(MaterialAccess, FindsTheVaporLabelOfAThermo10MaterialAsTheHostSpellsIt) {
-  Bench bench(false);
-  bench.material->state.phases[0].label = "VAPOR";
-  EXPECT_EQ(com::ToUtf8(material::FindVaporLabel(*bench.material).Get()), "VAPOR");
-  bench.script->oddAnswers["PhaseIds"] = [] { return com::MakeDouble(1); };
-  EXPECT_EQ(material::FindVaporLabel(*bench.material).Get(), nullptr);
-  bench.script->oddAnswers.clear();
-  bench.material->state.phases[0].label = "Gas";
-  EXPECT_EQ(material::FindVaporLabel(*bench.material).Get(), nullptr);
-}
-
 // ---- Faults
 // -----------------------------------------------------------------------------------------------------
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Registers the library with the system's tool and takes it out again: what is written is what classes.txt asks for
+# Registers the library with the system's tool and takes it out again: what is written is what the table of units asks for
 # (class identifier, ProgID, title, name, description, whether it uses thermodynamics), and nothing stays.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -16,8 +16,8 @@ failed=0
 run() { windows "$@" || { echo "$* ended with status $?"; cat "$windows_output"; exit 1; }; }
 # windows_path FILE: as Wine sees it, in the form of exported files.
 windows_path() { local path=Z:$1; echo "${path//\//\\\\}"; }
-# table: the rows of classes.txt with single bars between the columns.
-table() { sed 's/ *| */|/g' "$root/tests/windows/classes.txt"; }
+# table: the rows of the list of classes with single bars between the columns.
+table() { sed 's/ *| */|/g' "$root/build/windows/generated/UnitClasses.txt"; }
 # same WHAT WANTED GOT: two files.
 same() { diff "$2" "$3" || { echo "^ $1"; failed=1; }; }
 
@@ -112,7 +112,7 @@ listed() {
   table | awk -F'|' '{ print $4, $2, $1, $5 }' | LC_ALL=C sort >"$scratch/table"
   run ./morvelan.exe units
   sed '1d; s/\r$//; s/  */ /g' "$windows_output" | LC_ALL=C sort >"$scratch/units"
-  same "classes.txt and what the command lists" "$scratch/table" "$scratch/units"
+  same "the table of units and what the command lists" "$scratch/table" "$scratch/units"
 }
 
 cd "${library%/*}"

@@ -3,7 +3,7 @@
 namespace morvelan {
 namespace {
 
-constexpr double kLowestPressure = 1;  // [Pa]
+constexpr double kLowestReactorPressure = 1;  // [Pa]
 
 }  // namespace
 
@@ -87,9 +87,9 @@ bool BaseReactor::HasFlow() const {
 
 double BaseReactor::PressureAfterDrop(bool warnsAtLimit) const {
   const double pressure = feed.State().pressure - pressureDrop;
-  if (pressure > kLowestPressure || (pressure == kLowestPressure && !warnsAtLimit)) return pressure;
+  if (pressure > kLowestReactorPressure || (pressure == kLowestReactorPressure && !warnsAtLimit)) return pressure;
   journal.WarnNamed(" warning: limiting outlet pressure to 1 Pa");
-  return kLowestPressure;
+  return kLowestReactorPressure;
 }
 
 }  // namespace morvelan

@@ -19,11 +19,9 @@ constexpr double kTemperatureScale = 100;  // [K] per unit of its unknown
 /// How much of the feed may be missing of a compound where equations are tried.
 constexpr double kLargestDeficit = 0.1;
 /// How much of the feed rounding may take too much of a compound.
-constexpr double kRounding = 1e-13;
+constexpr double kFlowRounding = 1e-13;
 /// What a compound's flow may be at least, relative to the feed, to measure others by it.
 constexpr double kSmallestScale = 1e-280;
-
-Index Signed(std::size_t i) { return static_cast<Index>(i); }
 
 // ---- The unknowns that Newton's method works on
 
@@ -37,7 +35,7 @@ class Unknowns {
   /// depend on one another need their extents.)
   Unknowns(const ExtentEquations& problem, const ExtentTrial& start) : Unknowns(problem) {
     scarce = ScarceCompounds(problem.nu, start.flows);
-    if (Signed(scarce.size()) < problem.nu.cols()) scarce.clear();
+    if (Index(scarce.size()) < problem.nu.cols()) scarce.clear();
     if (scarce.empty()) return;
     const double feed = problem.inletFlows.sum();
     MatrixXd rows(problem.nu.cols(), problem.nu.cols());
@@ -64,7 +62,7 @@ class Unknowns {
   [[nodiscard]] std::vector<double> At(const ExtentTrial& trial) const {
     const VectorXd values = scarce.empty() ? trial.extents : VectorXd(trial.flows(scarce));
     std::vector<double> x(static_cast<std::size_t>(scales.size()));
-    for (std::size_t k = 0; k < x.size(); ++k) x[k] = values[Signed(k)] / scales[Signed(k)];
+    for (std::size_t k = 0; k < x.size(); ++k) x[k] = values[Index(k)] / scales[Index(k)];
     if (equations.temperatureIsUnknown) x.push_back(trial.temperature / kTemperatureScale);
     return x;
   }
@@ -104,7 +102,7 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
   ExtentTrial solution = unknowns.Trial(x);
   // The penalty is small where only a little is missing. (Some hosts' feeds lack a trace themselves.)
   const double missing = std::min(equations.inletFlows.minCoeff(), 0.0);
-  if (solution.flows.minCoeff() < missing - kRounding * equations.inletFlows.sum())
+  if (solution.flows.minCoeff() < missing - kFlowRounding * equations.inletFlows.sum())
     return {.errorText = "the reactions would need more of a compound than there is"};
   return {.success = true, .trial = std::move(solution), .iterations = result.iterations};
 }

@@ -22,7 +22,7 @@ using Eigen::VectorXd;
 constexpr double kBeginnings[] = {0.5, 1e-2, 1e-4, 1e-6};
 constexpr double kTrace = 1e-2;
 
-constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
+constexpr double kChangeRounding = 4 * std::numeric_limits<double>::epsilon();
 
 // An extent is at the fraction 1 / (1 + exp(-t)) of its range.
 constexpr double kLargestT = 600;
@@ -167,7 +167,7 @@ ExtentTrial TrialAt(const ExtentEquations& equations, const VectorXd& extents, d
 VectorXd Remainder(const VectorXd& flows, const VectorXd& change) {
   VectorXd left = flows + change;
   for (Index j = 0; j < left.size(); ++j)
-    if (std::abs(left[j]) <= kRounding * std::abs(flows[j])) left[j] = 0;
+    if (std::abs(left[j]) <= kChangeRounding * std::abs(flows[j])) left[j] = 0;
   return left;
 }
 

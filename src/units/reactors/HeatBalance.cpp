@@ -8,7 +8,7 @@
 namespace morvelan {
 namespace {
 
-constexpr double kTemperatureTolerance = 1e-6;  // [K]
+constexpr double kReactorTemperatureTolerance = 1e-6;  // [K]
 
 constexpr const char* kEnthalpyLines[] = {
     "Using enthalpyF in enthalpy calculations",
@@ -107,8 +107,8 @@ void HeatBalance::WarnOfInfeasibility(const HeatSource& source) const {
   const auto check = [&](std::optional<double> end, const char* name) {
     if (!end) return;
     const double excess = *end - product.State().temperature;
-    const bool isTooCold = source.duty > 0 && excess < -kTemperatureTolerance;
-    const bool isTooHot = source.duty < 0 && excess > kTemperatureTolerance;
+    const bool isTooCold = source.duty > 0 && excess < -kReactorTemperatureTolerance;
+    const bool isTooHot = source.duty < 0 && excess > kReactorTemperatureTolerance;
     if (isTooCold || isTooHot)
       journal.Warn("WARNING: " + std::string(journal.Kind()) + ' ' + journal.UnitName() + ": " + name +
                    " inlet heat stream temperature is " +

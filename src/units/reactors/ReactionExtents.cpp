@@ -13,7 +13,7 @@ namespace morvelan {
 namespace {
 
 /// What rounding leaves of a flow that is used up, relative to what was used.
-constexpr double kRounding = 10 * std::numeric_limits<double>::epsilon();
+constexpr double kConversionRounding = 10 * std::numeric_limits<double>::epsilon();
 
 std::size_t Place(const Reaction& reaction, std::size_t i) {
   return static_cast<std::size_t>(reaction.compoundIndices[i]);
@@ -61,7 +61,7 @@ Converted ConvertInSeries(std::span<const ConvertingReaction> reactions, std::ve
     for (std::size_t i = 0; i < record.coefficients.size(); ++i) {
       double& flow = result.flows[Place(record, i)];
       // What rounding takes too much of a compound that is used up.
-      if (flow < 0 && flow >= -kRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
+      if (flow < 0 && flow >= -kConversionRounding * std::abs(record.coefficients[i] * extent)) flow = 0;
       if (flow < 0)
         throw CalculationFailure("Conversion of " + FormatNumber(reaction.conversion) + " for compound " +
                                  reaction.keyCompound + " for reaction " + record.name.Text() +
@@ -79,7 +79,7 @@ Converted ConvertInParallel(std::span<const ConvertingReaction> reactions, const
     result.extents.push_back(ExtentOf(reaction, inletFlows));
     Perform(*reaction.record, result.extents.back(), result.flows);
   }
-  const double band = kRounding * std::accumulate(inletFlows.begin(), inletFlows.end(), 0.0);
+  const double band = kConversionRounding * std::accumulate(inletFlows.begin(), inletFlows.end(), 0.0);
   for (std::size_t j = 0; j < result.flows.size(); ++j) {
     double& flow = result.flows[j];
     if (flow < 0 && flow >= -band) flow = 0;

@@ -16,9 +16,7 @@ using Eigen::VectorXd;
 
 /// What a coefficient may deviate from a combination of others, relative to the greatest.
 constexpr double kDependenceTolerance = 1e-9;
-constexpr double kRounding = 1e-12;  // of the greatest coefficient
-
-Index Signed(std::size_t i) { return static_cast<Index>(i); }
+constexpr double kCoefficientRounding = 1e-12;  // of the greatest coefficient
 
 /// How a column follows from the columns of a basis; empty when it doesn't.
 VectorXd Combination(const MatrixXd& basis, const VectorXd& column) {
@@ -62,16 +60,16 @@ VectorXd LeastRemainder(const MatrixXd& columns, const VectorXd& vector) {
 }  // namespace
 
 VectorXd WithoutRounding(const VectorXd& coefficients) {
-  const double least = kRounding * coefficients.lpNorm<Eigen::Infinity>();
+  const double least = kCoefficientRounding * coefficients.lpNorm<Eigen::Infinity>();
   return (coefficients.array().abs() > least).select(coefficients, 0);
 }
 
 MatrixXd StoichiometricMatrix(std::span<const Reaction> reactions, std::size_t compoundCount) {
-  MatrixXd nu = MatrixXd::Zero(Signed(compoundCount), Signed(reactions.size()));
+  MatrixXd nu = MatrixXd::Zero(Index(compoundCount), Index(reactions.size()));
   for (std::size_t r = 0; r < reactions.size(); ++r) {
     for (std::size_t i = 0; i < reactions[r].coefficients.size(); ++i)
-      nu(reactions[r].compoundIndices[i], Signed(r)) += reactions[r].coefficients[i];
-    nu.col(Signed(r)) = WithoutRounding(nu.col(Signed(r)));
+      nu(reactions[r].compoundIndices[i], Index(r)) += reactions[r].coefficients[i];
+    nu.col(Index(r)) = WithoutRounding(nu.col(Index(r)));
   }
   return nu;
 }
@@ -85,7 +83,7 @@ std::vector<std::vector<std::size_t>> DependentSets(const MatrixXd& nu) {
   std::vector<std::size_t> basis;
   MatrixXd basisColumns(nu.rows(), 0);
   for (std::size_t r = 0; r < count; ++r) {
-    const VectorXd column = nu.col(Signed(r));
+    const VectorXd column = nu.col(Index(r));
     const VectorXd weights = Combination(basisColumns, column);
     if (weights.size() == 0 && !column.isZero(0)) {
       basis.push_back(r);
@@ -95,7 +93,7 @@ std::vector<std::vector<std::size_t>> DependentSets(const MatrixXd& nu) {
     }
     isDependent[r] = true;
     for (std::size_t i = 0; i < basis.size(); ++i) {
-      if (std::abs(weights[Signed(i)]) <= kDependenceTolerance) continue;
+      if (std::abs(weights[Index(i)]) <= kDependenceTolerance) continue;
       isDependent[basis[i]] = true;
       const std::size_t joined = label[basis[i]];
       std::ranges::replace(label, joined, std::size_t{label[r]});

@@ -7,7 +7,7 @@ namespace morvelan {
 namespace {
 
 constexpr double kLargestSum = 1.0000000000001;
-constexpr double kTrace = 1e-5;  // a compound above this mole fraction counts
+constexpr double kLeastFraction = 1e-5;  // a compound above this mole fraction counts
 
 /// The part of the flow that the last outlet takes. The factors may exceed one by what rounding leaves.
 double Rest(const std::vector<double>& factors) {
@@ -75,7 +75,7 @@ std::vector<double> CSplitter::Flows(double inletFlow) const {
 }
 
 bool CSplitter::IsFedWithOneCompound() const {
-  return std::ranges::count_if(feed.State().composition, [](double x) { return x > kTrace; }) == 1;
+  return std::ranges::count_if(feed.State().composition, [](double x) { return x > kLeastFraction; }) == 1;
 }
 
 }  // namespace morvelan

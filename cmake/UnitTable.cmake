@@ -1,0 +1,38 @@
+# Reads src/units/units.txt and makes of each row what must name the unit: UNIT_SOURCES, and in ${GENERATED}
+# UnitHeaders.inc and UnitRows.inc for the class table, UnitCoclasses.idl for the type library, and UnitClasses.txt, the
+# list of classes that tests expect.
+
+set(UNIT_TABLE ${PROJECT_SOURCE_DIR}/src/units/units.txt)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${UNIT_TABLE})
+file(STRINGS ${UNIT_TABLE} rows REGEX "^[^#]")
+
+set(UNIT_SOURCES)
+set(headers)
+set(classes)
+set(coclasses)
+set(list)
+foreach(row IN LISTS rows)
+  if(NOT row MATCHES "^([a-z]+) *\\| *([A-Za-z]+) *\\| *([A-Z]+) *\\| *([0-9A-F-]+) *\\| *(yes|no) *\\| *(.+)$")
+    message(FATAL_ERROR "${UNIT_TABLE}: cannot read \"${row}\"")
+  endif()
+  set(folder ${CMAKE_MATCH_1})
+  set(unit ${CMAKE_MATCH_2})
+  set(interfaces ${CMAKE_MATCH_3})
+  set(clsid ${CMAKE_MATCH_4})
+  set(thermodynamics ${CMAKE_MATCH_5})
+  set(description "${CMAKE_MATCH_6}")
+  set(consumes false)
+  if(thermodynamics STREQUAL yes)
+    set(consumes true)
+  endif()
+  list(APPEND UNIT_SOURCES units/${folder}/C${unit}.cpp)
+  string(APPEND headers "#include \"units/${folder}/C${unit}.h\"\n")
+  string(APPEND classes "MORVELAN_UNIT(${unit}, ${consumes}, \"${description}\")\n")
+  string(APPEND coclasses "[uuid(${clsid}), helpstring(\"${unit} Class\")]\ncoclass ${unit} { ${interfaces}_UNIT };\n")
+  string(APPEND list
+         "{${clsid}} | VELT_MORV.${unit} | ${unit} Class | ${unit} | ${description} | ${thermodynamics}\n")
+endforeach()
+file(CONFIGURE OUTPUT ${GENERATED}/UnitHeaders.inc CONTENT "${headers}" @ONLY)
+file(CONFIGURE OUTPUT ${GENERATED}/UnitRows.inc CONTENT "${classes}" @ONLY)
+file(CONFIGURE OUTPUT ${GENERATED}/UnitCoclasses.idl CONTENT "${coclasses}" @ONLY)
+file(CONFIGURE OUTPUT ${GENERATED}/UnitClasses.txt CONTENT "${list}" @ONLY)
