@@ -1,5 +1,5 @@
-// What finding a root costs: evaluations of the bracketed search against TOMS 748 and bisection, and the time
-// of the nonlinear driver against KINSOL called directly with the same choices.
+// The cost of finding a root: evaluations of the bracketed search beside those of TOMS 748 and bisection, and the time
+// of the nonlinear driver relative to KINSOL called directly with the same options.
 
 #include <benchmark/benchmark.h>
 #include <nvector/nvector_serial.h>
@@ -17,8 +17,6 @@
 namespace {
 
 using namespace morvelan::numerics;
-
-// ---- The bracketed search
 
 constexpr double kWidth = 1e-9;
 
@@ -85,8 +83,6 @@ void Evaluations(benchmark::State& state) {
   state.counters["bisection"] = Bisection(function);
 }
 BENCHMARK(Evaluations)->DenseRange(0, std::size(kFunctions) - 1);
-
-// ---- The driver
 
 struct Rosenbrock {
   static constexpr double kGuess = -1.2;
@@ -207,7 +203,7 @@ double Seconds(const auto& action, int repeats) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Times both in turns, so that whatever else the machine does falls on both.
+/// Times both in turns, so that other load of the machine falls on both.
 template <class System>
 void DriverAgainstKinsol(benchmark::State& state) {
   const auto unknowns = static_cast<std::size_t>(state.range(0));

@@ -18,7 +18,7 @@ const char* WhyRefused(double lowBound, double highBound, double tolerance) {
 }
 
 /// Evaluates the residual at the point; `reason` becomes that of this evaluation alone.
-bool Evaluate(ResidualRef residual, Point& point, std::string& reason) {
+bool EvaluateAt(ResidualRef residual, Point& point, std::string& reason) {
   reason.clear();
   if (!residual(point.x, point.r, reason)) return false;
   if (!std::isnan(point.r)) return true;
@@ -44,10 +44,14 @@ double NextTrial(const Point& a, const Point& b, const Point& c, double toleranc
   return bisects ? std::midpoint(a.x, b.x) : s;
 }
 
+// The signs are compared one by one, because the product of two tiny residuals is zero.
+bool HaveOppositeSigns(const Point& p, const Point& q) { return (p.r < 0.0 && q.r > 0.0) || (p.r > 0.0 && q.r < 0.0); }
+bool HaveEqualSigns(const Point& p, const Point& q) { return (p.r < 0.0 && q.r < 0.0) || (p.r > 0.0 && q.r > 0.0); }
+
 /// Takes s into the bracket; b remains the end with the smaller absolute residual.
 void Shrink(Point& a, Point& b, Point& c, const Point& s) {
   c = b;
-  (s.r * a.r >= 0.0 ? a : b) = s;
+  (HaveOppositeSigns(s, a) ? b : a) = s;
   if (std::abs(a.r) < std::abs(b.r)) std::swap(a, b);
 }
 
@@ -65,10 +69,10 @@ BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highB
   std::string reason;
   Point a{lowBound};
   Point b{highBound};
-  if (!Evaluate(residual, a, reason) || !Evaluate(residual, b, reason))
+  if (!EvaluateAt(residual, a, reason) || !EvaluateAt(residual, b, reason))
     return Failed(result, "Failed to evaluate at search boundary: " + reason);
   result.evaluations = 2;
-  if (a.r * b.r > 0.0) return Failed(result, "Solution does not exist within given domain");
+  if (HaveEqualSigns(a, b)) return Failed(result, "Solution does not exist within given domain");
 
   double last = b.x;
   if (std::abs(a.r) < std::abs(b.r)) std::swap(a, b);
@@ -77,7 +81,7 @@ BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highB
   while (std::abs(a.x - b.x) > tolerance) {
     if (result.evaluations > maxEvaluations) return Failed(result, "Maximum number of iterations exceeded");
     Point s{NextTrial(a, b, c, tolerance)};
-    if (!Evaluate(residual, s, reason))
+    if (!EvaluateAt(residual, s, reason))
       return Failed(result, "Failed to evaluate inside bracketed region boundary: " + reason);
     last = s.x;
     if (std::abs(s.r) < std::abs(best.r)) best = s;

@@ -7,10 +7,10 @@
 
 namespace morvelan::numerics {
 
-/// Refers to a residual r(x) of one unknown without owning it: any object callable as bool(double x, double&
-/// r, std::string& message) that gives false, and a message, where it cannot evaluate. A NaN counts as such a
-/// failure. An infinite r, as at a pole, is a value: its sign tells the side of the root, and steps that it
-/// makes impossible become bisections.
+/// Refers to a residual r(x) of one unknown without owning it: any object callable as bool(double x, double& r,
+/// std::string& message) that gives false, and a message, where it cannot evaluate. A NaN counts as such a failure. An
+/// infinite r, as at a pole, is a value: its sign tells the side of the root, and a step that it makes impossible
+/// becomes a bisection.
 class ResidualRef {
  public:
   template <class Residual>
@@ -30,17 +30,18 @@ class ResidualRef {
 struct BracketedRoot {
   bool success = false;
   double x = 0.0;                // with success: where the smallest absolute residual was seen
-  std::int32_t evaluations = 0;  // both bounds count, one that failed and the last one at x do not
+  std::int32_t evaluations = 0;  // without one that failed and without the last one at x
   std::string message;           // without success: why
 };
 
-/// Finds where a residual vanishes between two bounds in either order, in the manner of Brent's method (R. P.
-/// Brent, Algorithms for Minimization without Derivatives, 1973, chapter 4): inverse quadratic interpolation,
-/// secant or bisection. Stops when the bracket is no wider than `tolerance`, which also is the difference of
-/// residuals below which only the secant is taken. Makes at most two evaluations, or `maxEvaluations` and
-/// one, and one more at the best point where that was not the last one: with success, whatever state the
-/// residual leaves belongs to x. Makes none where a bound or the tolerance is not finite, which fails.
-/// Allocates nothing as long as it succeeds; what the residual throws passes through.
+/// Finds where a residual vanishes between two bounds in either order, in the manner of Brent's method (R. P. Brent,
+/// Algorithms for Minimization without Derivatives, 1973, chapter 4): inverse quadratic interpolation, secant or
+/// bisection. Stops when the bracket is no wider than `tolerance`; this is also the difference of residuals below which
+/// only the secant is taken. Fails without an evaluation if a bound or the tolerance is not finite.
+///
+/// Makes at most maxEvaluations + 1 evaluations, but always those at the bounds. If the last one was not at the best
+/// point, one more follows there: with success, whatever state the residual leaves belongs to x. Allocates nothing as
+/// long as it succeeds. An exception of the residual passes through.
 [[nodiscard]] BracketedRoot SolveBracketed(ResidualRef residual, double lowBound, double highBound, double tolerance,
                                            std::int32_t maxEvaluations);
 

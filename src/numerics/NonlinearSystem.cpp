@@ -15,10 +15,7 @@
 namespace morvelan::numerics {
 namespace {
 
-constexpr const char* kInvalidArguments = "invalid solver input arguments";
-constexpr const char* kOutOfMemory = "out of memory";
-
-/// Without a limit that is never met, a guess of zeros would limit the Newton step to one.
+/// A limit that no step reaches. Without it, a guess of zeros would limit the Newton step to one.
 constexpr double kLargestStep = 1e100;
 
 std::span<double> Values(N_Vector vector) {
@@ -30,7 +27,7 @@ SquareMatrix Square(SUNMatrix matrix) {
   return {{SUNDenseMatrix_Data(matrix), order * order}, order};
 }
 
-/// One solution: the solver and all that it works with.
+/// The solver for one system, with everything that it works on.
 class Solution {
  public:
   Solution(const NonlinearSystem& equations, const NonlinearOptions& choices)
@@ -46,7 +43,7 @@ class Solution {
   const char* SetSteps();
   const char* SetPositive();
 
-  // What the solver calls; `data` is the solution.
+  // The solver calls these functions; `data` is the solution.
   static int Residual(N_Vector x, N_Vector F, void* data) {
     auto& self = *static_cast<Solution*>(data);
     long iteration = 0;
@@ -67,7 +64,7 @@ class Solution {
   const NonlinearSystem& system;
   const NonlinearOptions& options;
   SystemCalls calls;
-  // In the order in which each needs those before it.
+  // Each needs those before it.
   OwnedContext context;
   OwnedVector unknowns;
   OwnedVector scale;  // of the unknowns and of the equations
@@ -118,8 +115,8 @@ const char* Solution::MakeSolver(std::span<const double> guess) {
   std::ranges::copy(guess, Values(unknowns.get()).begin());
   N_VConst(1.0, scale.get());
 
-  // Until it has our handler, the solver would print its messages. (The file is flushed all the time, and no
-  // file would be every file.)
+  // Until the solver has our handler, it prints its messages, unless it has no file. Afterwards it needs one: it
+  // flushes its file with every message, and without a file it would flush all files of the process.
   KINSetErrFile(solver.get(), nullptr);
   const int initialized = KINInit(solver.get(), Residual, unknowns.get());
   KINSetErrHandlerFn(solver.get(), KeepMessage, this);
@@ -129,7 +126,7 @@ const char* Solution::MakeSolver(std::span<const double> guess) {
   return nullptr;
 }
 
-// What is refused is not handed on: the solver would print that it refuses it.
+// A refused value is not handed to the solver, which would print a message.
 const char* Solution::SetLimits() {
   constexpr const char* kInvalidCount = "invalid maximum iteration count passed to solver";
   if (options.maxIterations < 0) return kInvalidCount;
@@ -163,7 +160,7 @@ const char* Solution::SetSteps() {
 }
 
 const char* Solution::SetPositive() {
-  constexpr double kAboveZero = 2.0;  // the solver's sign of it
+  constexpr double kAboveZero = 2.0;  // the solver's code of the constraint
   const OwnedVector constraints(N_VClone(unknowns.get()));
   if (!constraints) return kOutOfMemory;
   N_VConst(0.0, constraints.get());

@@ -6,19 +6,17 @@
 namespace morvelan::numerics {
 namespace {
 
-enum class FunctionMessage { kNone, kFollows };
-
 struct Outcome {
   int code;
   const char* text;
-  FunctionMessage functionMessage = FunctionMessage::kNone;
+  bool isFollowedByReason = false;
 };
 
 constexpr Outcome kSolveOutcomes[] = {
     {KIN_STEP_LT_STPTOL, "Solution is stalled; no progress between iterations"},
-    {KIN_REPTD_SYSFUNC_ERR, "Too many function evaluations failed: ", FunctionMessage::kFollows},
-    {KIN_FIRST_SYSFUNC_ERR, "Function cannot be evaluated at initial guess: ", FunctionMessage::kFollows},
-    {KIN_SYSFUNC_FAIL, "", FunctionMessage::kFollows},
+    {KIN_REPTD_SYSFUNC_ERR, "Too many function evaluations failed: ", true},
+    {KIN_FIRST_SYSFUNC_ERR, "Function cannot be evaluated at initial guess: ", true},
+    {KIN_SYSFUNC_FAIL, "", true},
     {KIN_LSETUP_FAIL, "Preconditioner function failed"},
     {KIN_LSOLVE_FAIL, "Preconditioner function failed"},
     {KIN_LINIT_FAIL, "linear iteration solver initialization failed"},
@@ -29,21 +27,19 @@ constexpr Outcome kSolveOutcomes[] = {
     {KIN_LINESEARCH_BCFAIL, "line search did not converge"},
     {KIN_MXNEWT_5X_EXCEEDED, "too many failed (maximum) Newton steps"},
     {KIN_MAXITER_REACHED, "maximum number of iterations exceeded"},
-    {KIN_MEM_NULL, "out of memory"},
-    {KIN_NO_MALLOC, "out of memory"},
-    {KIN_MEM_FAIL, "out of memory"},
+    {KIN_MEM_NULL, kOutOfMemory},
+    {KIN_NO_MALLOC, kOutOfMemory},
+    {KIN_MEM_FAIL, kOutOfMemory},
     {KIN_ILL_INPUT, "invalid input to solver"},
 };
 
-constexpr const char* kOutOfMemory = "out of memory";
 constexpr const char* kUnknown = "unknown solver error";
 
 }  // namespace
 
 std::string SolveFailureText(int outcome, const std::string& functionMessage) {
   for (const Outcome& row : kSolveOutcomes)
-    if (row.code == outcome)
-      return row.functionMessage == FunctionMessage::kFollows ? row.text + functionMessage : row.text;
+    if (row.code == outcome) return row.isFollowedByReason ? row.text + functionMessage : row.text;
   return kUnknown;
 }
 
@@ -67,7 +63,7 @@ const char* LinearSetupFailureText(int outcome) {
     case KINLS_MEM_FAIL:
       return kOutOfMemory;
     case KINLS_ILL_INPUT:
-      return "invalid solver input arguments";
+      return kInvalidArguments;
     default:
       return kUnknown;
   }

@@ -10,7 +10,7 @@
 
 namespace morvelan::numerics {
 
-/// Releases what SUNDIALS has made.
+/// Releases the objects of SUNDIALS.
 struct SundialsRelease {
   void operator()(SUNContext context) const { SUNContext_Free(&context); }
   void operator()(N_Vector vector) const { N_VDestroy(vector); }

@@ -8,13 +8,12 @@
 namespace morvelan::numerics {
 namespace {
 
-/// A line search ends when its step is too small for a double, which takes fewer trials than this. When the
-/// residual does not give the same values at the same place, as where it depends on what was calculated
-/// before, it may not.
+/// A line search ends after fewer trials than this, because its step becomes too small for a double. It may not end if
+/// the residual gives different values at the same point, for example because it depends on an earlier calculation.
 constexpr std::size_t kMostTrials = 2000;
 
-/// Zero times a number is zero, unless it is infinite or no number. Four sums at once, because this is done
-/// for every evaluation.
+/// Zero times a number is zero, unless the number is infinite or NaN. There are four sums at once, because this is done
+/// in every evaluation.
 bool AreFinite(std::span<const double> values) {
   std::array<double, 4> sums{};
   const std::size_t whole = values.size() / sums.size() * sums.size();
@@ -44,7 +43,7 @@ bool SystemCalls::Evaluate(std::span<const double> x, std::span<double> F) {
     return false;
   }
   functionMessage.clear();
-  // The solver would search on forever.
+  // With such a value the solver would not end.
   if (!AreFinite(F)) functionMessage = "a residual is not a finite number";
   return functionMessage.empty();
 }

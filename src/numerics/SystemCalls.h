@@ -10,35 +10,35 @@
 
 namespace morvelan::numerics {
 
-/// Calls a system's functions on behalf of a solver written in C: exceptions are kept for later, and so is
-/// why something failed.
+/// Calls the functions of a system for a solver that is written in C. It keeps exceptions, and the reason why something
+/// failed, until the solver has returned.
 class SystemCalls {
  public:
-  /// What the solver is told: to go on, to try a shorter step if it can, or to stop.
+  /// Tells the solver to go on, to try a shorter step if it can, or to stop.
   enum Answer : int { kDone = 0, kFailed = 1, kStop = -1 };
 
-  /// What it is given is to outlive it.
+  /// Both arguments must outlive the object.
   SystemCalls(const NonlinearSystem& equations, std::span<const std::size_t> positiveUnknowns)
       : system(equations), positive(positiveUnknowns) {}
 
   /// F at a trial point of an iteration.
   [[nodiscard]] Answer Residual(long iteration, std::span<const double> x, std::span<double> F) noexcept;
-  /// The system's own Jacobian.
+  /// The Jacobian of the system itself.
   [[nodiscard]] Answer GivenJacobian(std::span<const double> x, SquareMatrix J) noexcept;
-  /// Finite differences, forward or, where that leaves what is valid or fails, backward, if the unknown then
-  /// stays positive where it has to; F is the residual at x, the rest is working space.
+  /// The Jacobian by finite differences: forward, or backward where forward is not valid or fails. An unknown that has
+  /// to stay positive stays so. F is the residual at x; nearX and nearF are working space.
   [[nodiscard]] Answer PerturbedJacobian(std::span<const double> x, std::span<const double> F, SquareMatrix J,
                                          std::span<double> nearX, std::span<double> nearF) noexcept;
-  /// A message of the solver's.
+  /// Keeps a message of the solver.
   void KeepMessage(const char* module, const char* message) noexcept;
 
   [[nodiscard]] std::int64_t Evaluations() const { return evaluations; }
-  /// Why the last call failed; empty when it did not.
+  /// Why the last call failed; empty if it did not.
   [[nodiscard]] const std::string& FunctionMessage() const { return functionMessage; }
   [[nodiscard]] const std::string& LastMessage() const {
     return functionMessage.empty() ? solverMessage : functionMessage;
   }
-  /// Throws what a function of the system has thrown.
+  /// Throws the exception that a function of the system has thrown, if any.
   void Rethrow() const {
     if (exception) std::rethrow_exception(exception);
   }

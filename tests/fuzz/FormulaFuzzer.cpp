@@ -1,6 +1,6 @@
-// Any text, as a numeric entry and as a formula with three variables: besides not crashing, both must agree
-// with each other and with a plain evaluation of the same tree, and leave a host's floating-point environment
-// as it was. The first byte chooses the variables' values.
+// Reads any text as a numeric entry and as a formula with three variables. Besides not crashing, both must agree with
+// each other and with an evaluation of the tree node by node, and must not change the host's floating-point
+// environment. The first byte chooses the values of the variables.
 
 #include <fenv.h>
 #include <xmmintrin.h>
@@ -14,8 +14,6 @@
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/FormulaParser.h"
 #include "numerics/formula/NumericEntry.h"
-#include "numerics/formula/TreeCheck.h"
-#include "numerics/formula/TreeEvaluation.h"
 #include "tests/numerics/formula/TreeText.h"
 
 namespace {
@@ -42,7 +40,7 @@ void Require(bool condition, const char* what) {
   std::abort();
 }
 
-/// A host that rounds upwards, is trapped by faults and has noted an underflow and a rounding.
+/// A host that rounds upwards, traps faults and has the flags of an underflow and a rounding.
 class OddHost {
  public:
   OddHost() {
@@ -68,7 +66,7 @@ void RequireOneOutcome(double value, const std::string& failure) {
   Require(failure.empty() ? std::isfinite(value) : std::isnan(value), "either a finite value or a message");
 }
 
-/// The words of a numeric entry in those of a calculator.
+/// The message of a numeric entry in the words of a calculator.
 std::string InCalculatorWords(const std::string& failure) {
   if (failure.starts_with("syntax error: ")) return "parse error: " + failure.substr(14);
   return failure == "memory exhausted" ? "parser stack overflow" : failure;
@@ -79,11 +77,11 @@ void CompareWithPlainEvaluation(const ExpressionTree& parsed, const std::array<d
   const ExpressionTree unfolded = Resolved(parsed);
   ExpressionTree folded = parsed;
   Require(CheckTree(folded).empty(), "the check's outcome is the same again");
-  bool ignored = false;
-  const double whole = FormulaProgram(unfolded).Run(values.data(), ignored);
-  const double reduced = FormulaProgram(folded).Run(values.data(), ignored);
+  double whole = 0, reduced = 0;
+  (void)FormulaProgram(unfolded).Run(values.data(), whole);
+  (void)FormulaProgram(folded).Run(values.data(), reduced);
   Require(SameValue(whole, reduced), "folding changes no bit");
-  const Evaluation plain = RefuseNonFinite(EvaluatePlainly(folded, values));
+  const Evaluation plain = RefuseNonFinite(EvaluateTree(folded, values));
   Require(plain.failure == evaluation.failure && SameValue(plain.value, evaluation.value),
           "the program and the tree agree");
 }
@@ -91,7 +89,7 @@ void CompareWithPlainEvaluation(const ExpressionTree& parsed, const std::array<d
 void CompareWithPrintedTree(const ExpressionTree& parsed, const std::array<double, 3>& values,
                             const Evaluation& evaluation) {
   const FormulaCheck again = CheckFormula(TreeText(parsed, kVariables), kVariables);
-  if (again.failure == kDialect.stackFull) return;  // more parentheses than in the text
+  if (again.failure == kDialect.stackFull) return;  // it has more parentheses than the text
   Require(again.formula.has_value(), "a printed tree is a formula");
   const Evaluation second = again.formula->Evaluate(values);
   Require(second.failure == evaluation.failure && SameValue(second.value, evaluation.value),

@@ -1,4 +1,4 @@
-// What the driver says when it finds no solution: each outcome that can be provoked, and its text.
+// The messages of the driver if it finds no solution, for each outcome that can be provoked.
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,8 @@
 #include <memory>
 
 #include "numerics/NonlinearSystem.h"
-#include "numerics/SolverFailure.h"
 
-// So that memory that cannot be had is refused and does not end the program; read by the address sanitizer
-// only.
+// Options of the address sanitizer: too large an allocation fails instead of ending the program.
 extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace morvelan::numerics::test::nonlinear_fault {
@@ -45,9 +43,8 @@ NonlinearSystem LineWhere(std::function<bool(double)> isValid) {
   return system;
 }
 
-/// A residual that falls steeply from where the derivative was taken last, but jumps up soon after, so that
-/// no step satisfies the line search's second (beta) condition. When it does not repeat its values, it falls
-/// once only.
+/// A residual that falls steeply from the point of the last derivative but jumps up soon after, so that no step
+/// satisfies the line search's second (beta) condition. If it does not repeat its values, it falls only once.
 NonlinearSystem Sawtooth(bool repeats) {
   struct Tooth {
     double start = 0.0;
@@ -56,10 +53,10 @@ NonlinearSystem Sawtooth(bool repeats) {
   };
   const auto tooth = std::make_shared<Tooth>();
   const auto residual = [=](double x) {
-    const double way = x - tooth->start;
-    if (way >= 0.1 || (tooth->hasFallen && !repeats)) return 10.0 * tooth->height;
-    tooth->hasFallen = way > 0.0;
-    return tooth->height * (1.0 - 3.0 * way);
+    const double distance = x - tooth->start;
+    if (distance >= 0.1 || (tooth->hasFallen && !repeats)) return 10.0 * tooth->height;
+    tooth->hasFallen = distance > 0.0;
+    return tooth->height * (1.0 - 3.0 * distance);
   };
   return Equation(residual, [=](double x) {
     *tooth = {x, residual(x)};
@@ -67,11 +64,11 @@ NonlinearSystem Sawtooth(bool repeats) {
   });
 }
 
-/// The equation, from a residual that does not say why it fails.
-NonlinearSystem Silent(NonlinearSystem system) {
+/// The system with a residual that does not say why it fails.
+NonlinearSystem WithoutReason(NonlinearSystem system) {
   system.residual = [residual = system.residual](Vector x, std::span<double> F, std::string&) {
-    std::string unsaid;
-    return residual(x, F, unsaid);
+    std::string ignored;
+    return residual(x, F, ignored);
   };
   return system;
 }
@@ -81,137 +78,75 @@ NonlinearSystem FailsOnTheWayBack() {
   return Equation([](double x) { return x == 1.0 ? 1.0 : x < -0.5 ? -10.0 : kNan; }, [](double) { return 0.5; });
 }
 
+constexpr const char* kOutside = "the unknowns are outside the region where the residuals may be evaluated";
+
 struct FaultCase {
   const char* name;
   NonlinearSystem system;
-  double guess;
-  NonlinearOptions options;
-  const char* errorText;
-  const char* lastMessage;  // the start of it
+  std::string errorText;
+  const char* lastMessage = "";  // the start of it
+  double guess = 1.0;
+  NonlinearOptions options = {};
 };
 
 const FaultCase kFaults[] = {
     {"maximum iteration count below zero",
      Line(),
-     1.0,
-     {.tolerance = -1.0, .maxIterations = -1},
      "invalid maximum iteration count passed to solver",
-     ""},
-    {"tolerance below zero", Line(), 1.0, {.tolerance = -1e-6}, "invalid tolerance passed to solver", ""},
-    {"tolerance that is no number", Line(), 1.0, {.tolerance = kNan}, "invalid tolerance passed to solver", ""},
-    {"infinite tolerance", Line(), 1.0, {.tolerance = HUGE_VAL}, "invalid tolerance passed to solver", ""},
-    {"no residual", {}, 1.0, {}, "invalid solver input arguments", ""},
-    {"no such unknown", Line(), 1.0, {.positiveUnknowns = {1}}, "invalid solver input arguments", ""},
-    {"step below the step tolerance: the claimed derivative is twice the true one",
+     "",
+     1.0,
+     {.tolerance = -1.0, .maxIterations = -1}},
+    {"tolerance below zero", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = -1e-6}},
+    {"tolerance is NaN", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = kNan}},
+    {"infinite tolerance", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = HUGE_VAL}},
+    {"no residual", {}, "invalid solver input arguments"},
+    {"no such unknown", Line(), "invalid solver input arguments", "", 1.0, {.positiveUnknowns = {1}}},
+    {"step below the step tolerance: the given derivative is twice the true one",
      Equation([](double x) { return 1e15 * (x - 1.0); }, [](double) { return 2e15; }),
-     1.0 + 1e-12,
-     {},
-     "Solution is stalled; no progress between iterations",
-     ""},
+     "Solution is stalled; no progress between iterations", "", 1.0 + 1e-12},
     {"residual fails wherever the step leads",
      Equation([](double x) { return x < 1.0 ? kNan : x; }, [](double) { return 1.0; }),
-     1.0,
-     {},
-     "Too many function evaluations failed: no value",
-     "no value"},
-    {"residual fails at the guess",
-     Equation([](double) { return kNan; }),
-     1.0,
-     {},
-     "Function cannot be evaluated at initial guess: no value",
-     "no value"},
-    {"residual fails when the line search comes back from a long step",
-     FailsOnTheWayBack(),
-     1.0,
-     {},
-     "no value",
-     "no value"},
-    {"residual fails there and does not say why",
-     Silent(FailsOnTheWayBack()),
-     1.0,
-     {},
-     "the residuals cannot be evaluated",
-     "the residuals cannot be evaluated"},
-    {"residual is infinite at the guess",
-     Equation([](double) { return HUGE_VAL; }),
-     1.0,
-     {},
+     "Too many function evaluations failed: no value", "no value"},
+    {"residual fails at the guess", Equation([](double) { return kNan; }),
+     "Function cannot be evaluated at initial guess: no value", "no value"},
+    {"residual fails when the line search comes back from a long step", FailsOnTheWayBack(), "no value", "no value"},
+    {"residual fails there and does not say why", WithoutReason(FailsOnTheWayBack()),
+     "the residuals cannot be evaluated", "the residuals cannot be evaluated"},
+    {"residual is infinite at the guess", Equation([](double) { return HUGE_VAL; }),
      "Function cannot be evaluated at initial guess: a residual is not a finite number",
      "a residual is not a finite number"},
-    {"guess is not valid",
-     LineWhere([](double) { return false; }),
-     1.0,
-     {},
-     "Function cannot be evaluated at initial guess: "
-     "the unknowns are outside the region where the residuals may be evaluated",
-     "the unknowns are outside"},
-    {"nothing near the root is valid",
-     LineWhere([](double x) { return x < 1.01; }),
-     1.0,
-     {},
-     "Too many function evaluations failed: "
-     "the unknowns are outside the region where the residuals may be evaluated",
-     "the unknowns are outside"},
-    {"guess is no number",
-     Line(),
-     kNan,
-     {},
-     "Function cannot be evaluated at initial guess: an unknown is not a finite number",
-     "an unknown is not a finite number"},
-    {"singular Jacobian",
-     Equation([](double) { return 1.0; }),
-     1.0,
-     {},
-     "Preconditioner function failed",
-     "KINSOL solver: "},
-    {"Jacobian fails",
-     Equation([](double x) { return x; }, [](double) { return kNan; }),
-     1.0,
-     {},
-     "Preconditioner function failed",
-     "KINSOL solver: "},
-    {"residual fails at the solver's own difference",
-     Equation([](double x) { return x == 1.0 ? 1.0 : kNan; }),
-     1.0,
-     {},
-     "Preconditioner function failed",
-     "no value"},
-    {"the claimed derivative has the wrong sign",
-     Equation([](double x) { return x; }, [](double) { return -1.0; }),
-     1.0,
-     {},
-     "line search did not converge",
-     "KINSOL solver: The line search algorithm was unable to find an iterate"},
-    {"beta condition fails again and again",
-     Sawtooth(true),
-     0.0,
-     {},
-     "line search did not converge",
-     "KINSOL solver: The line search algorithm was unable to satisfy the beta-condition"},
+    {"guess is not valid", LineWhere([](double) { return false; }),
+     std::string("Function cannot be evaluated at initial guess: ") + kOutside, kOutside},
+    {"nothing near the root is valid", LineWhere([](double x) { return x < 1.01; }),
+     std::string("Too many function evaluations failed: ") + kOutside, kOutside},
+    {"guess is NaN", Line(), "Function cannot be evaluated at initial guess: an unknown is not a finite number",
+     "an unknown is not a finite number", kNan},
+    {"singular Jacobian", Equation([](double) { return 1.0; }), "Preconditioner function failed", "KINSOL solver: "},
+    {"Jacobian fails", Equation([](double x) { return x; }, [](double) { return kNan; }),
+     "Preconditioner function failed", "KINSOL solver: "},
+    {"residual fails in the solver's own difference", Equation([](double x) { return x == 1.0 ? 1.0 : kNan; }),
+     "Preconditioner function failed", "no value"},
+    {"the given derivative has the wrong sign", Equation([](double x) { return x; }, [](double) { return -1.0; }),
+     "line search did not converge", "KINSOL solver: The line search algorithm was unable to find an iterate"},
+    {"beta condition fails again and again", Sawtooth(true), "line search did not converge",
+     "KINSOL solver: The line search algorithm was unable to satisfy the beta-condition", 0.0},
     {"root beyond five of the largest steps",
      Equation([](double x) { return 1.0 - x / 1e105; }, [](double) { return -1e-105; }),
-     0.0,
-     {},
-     "too many failed (maximum) Newton steps",
-     "KINSOL solver: "},
+     "too many failed (maximum) Newton steps", "KINSOL solver: ", 0.0},
     {"iteration limit",
      Equation([](double x) { return std::exp(x) - 1e-3; }),
-     5.0,
-     {.maxIterations = 2},
      "maximum number of iterations exceeded",
-     "KINSOL solver: "},
+     "KINSOL solver: ",
+     5.0,
+     {.maxIterations = 2}},
     {"positive unknown starts at zero",
      Line(),
-     0.0,
-     {.positiveUnknowns = {0}},
      "invalid input to solver",
-     "KINSOL solver: "},
-    {"residual does not repeat its values",
-     Sawtooth(false),
+     "KINSOL solver: ",
      0.0,
-     {},
-     "line search did not converge",
-     "line search did not converge"},
+     {.positiveUnknowns = {0}}},
+    {"residual does not repeat its values", Sawtooth(false), "line search did not converge",
+     "line search did not converge", 0.0},
 };
 
 TEST(NonlinearFaults, AreNamedAndLeaveTheGuess) {
@@ -234,49 +169,9 @@ TEST(NonlinearFaults, RefuseASystemWithoutUnknowns) {
 }
 
 // The matrix would be larger than what a 64-bit process can address.
-TEST(NonlinearFaults, SayWhenMemoryIsNotObtained) {
+TEST(NonlinearFaults, SayThatMemoryIsExhausted) {
   std::vector<double> x(4'300'000, 1.0);
   EXPECT_EQ(SolveNonlinear(Line(), x).errorText, "out of memory");
-}
-
-// What this solver with a dense matrix never answers, once it has been set up.
-TEST(NonlinearFaults, HaveTextsForWhatIsNeverAnswered) {
-  struct {
-    int code;
-    const char* text;
-  } const cases[] = {
-      {-1, "out of memory"},                    // no memory
-      {-3, "out of memory"},                    // memory not initialised
-      {-4, "out of memory"},                    // memory not obtained
-      {-12, "Preconditioner function failed"},  // linear solver's solve failed
-      {-10, "linear iteration solver initialization failed"},
-      {-9,
-       "The user-supplied routine psolve encountered a recoverable error, but the preconditioner is already "
-       "current"},
-      {-16, "unknown solver error"},  // a vector operation failed
-  };
-  for (const auto& [code, text] : cases) EXPECT_EQ(SolveFailureText(code, "not shown"), text) << code;
-}
-
-// The linear solver interface has codes of its own: -2 and -3 mean something else there.
-TEST(NonlinearFaults, HaveTextsForEachFailureOfTheSetup) {
-  struct {
-    int code;
-    const char* text;        // of a set-up function
-    const char* linearText;  // of a function of the linear solver interface
-  } const cases[] = {
-      {-1, "out of memory", "out of memory"},                   // no solver
-      {-2, "refused", "out of memory"},                         // KIN_ILL_INPUT, no linear solver
-      {-3, "out of memory", "invalid solver input arguments"},  // not initialised, KINLS_ILL_INPUT
-      {-4, "out of memory", "out of memory"},                   // memory not obtained
-      {-8, "unknown solver error", "unknown solver error"},     // anything else
-      {-16, "unknown solver error", "unknown solver error"},
-      {1, "unknown solver error", "unknown solver error"},
-  };
-  for (const auto& [code, text, linearText] : cases) {
-    EXPECT_STREQ(SetupFailureText(code, "refused"), text) << code;
-    EXPECT_STREQ(LinearSetupFailureText(code), linearText) << code;
-  }
 }
 
 }  // namespace morvelan::numerics::test::nonlinear_fault

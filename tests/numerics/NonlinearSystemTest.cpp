@@ -100,7 +100,7 @@ TEST(NonlinearSystem, DoesNotPerturbAPositiveUnknownToZeroOrBelow) {
     }
 }
 
-// A given Jacobian needs no residuals nearby, also where there is a region of validity.
+// A given Jacobian needs no residuals nearby, also if there is a region of validity.
 TEST(NonlinearSystem, PrefersTheGivenJacobian) {
   OneEquation equation([](double x) { return 2.0 * x - 6.0; });
   equation.system.isValid = [](Vector) { return true; };
@@ -124,8 +124,8 @@ TEST(NonlinearSystem, HasNoDerivativeWhereNoDirectionIsValid) {
   EXPECT_EQ(equation.x, 3.0);
 }
 
-// sqrt has no value where Newton's first step from 9 leads, 9 - (3 - 0.5) 6 = -6: without either help the
-// residual's failure shortens the step.
+// Newton's first step from 9 leads to 9 - (3 - 0.5) 6 = -6, where sqrt has no value: without the other guards the
+// failure of the residual shortens the step.
 TEST(NonlinearSystem, ShortensAStepThatLeavesWhatIsValid) {
   enum class Guard { kResidual, kValidity, kPositive };
   for (const Guard guard : {Guard::kResidual, Guard::kValidity, Guard::kPositive}) {
@@ -141,7 +141,8 @@ TEST(NonlinearSystem, ShortensAStepThatLeavesWhatIsValid) {
   }
 }
 
-// A step of 1e6 times the distance to zero is too long to be halved back, yet not for a positive unknown.
+// The first step is about 20 times the distance to zero: halving does not bring it back, the cut of a positive unknown
+// does.
 TEST(NonlinearSystem, CutsAnyStepOfAPositiveUnknown) {
   for (const bool positive : {false, true}) {
     OneEquation equation([](double x) { return x <= 0.0 ? std::nan("") : std::log(x) + 10.0; });
@@ -153,7 +154,7 @@ TEST(NonlinearSystem, CutsAnyStepOfAPositiveUnknown) {
   }
 }
 
-// Without a limit of its own, the solver would take steps of one only from zero, and old derivatives.
+// By default the solver would limit a step from zero to one and would use old derivatives.
 TEST(NonlinearSystem, TakesStepsOfAnyLength) {
   for (const double scale : {1e-8, 1.0, 1e5}) {
     SCOPED_TRACE(scale);
@@ -180,7 +181,7 @@ TEST(NonlinearSystem, TakesNewDerivativesForEachIteration) {
   EXPECT_NEAR(equation.x, std::log(2.0), 1e-6);
 }
 
-// y(x) = x^3 has an equation of its own, solved anew for each x.
+// y(x) = x^3 is the root of another equation, which is solved for each x.
 TEST(NonlinearSystem, MayBeSolvedWithinAResidual) {
   OneEquation outer([](double x) {
     OneEquation inner([x](double y) { return y - x * x * x; });

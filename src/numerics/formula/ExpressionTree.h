@@ -1,29 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string_view>
+#include <span>
+#include <string>
 #include <vector>
 
+#include "numerics/formula/Evaluation.h"
+#include "numerics/formula/Operations.h"
+
 namespace morvelan::numerics {
-
-struct FormulaFunction;
-
-/// What a node of an expression is. The functions stand between the list and the variable: kFirstFunction is
-/// the first of FormulaFunctions(), and so on.
-enum class NodeKind : std::int32_t {
-  kUnresolvedCall = -1,  // of the function with the node's index
-  kConstant = 0,
-  kAddition,
-  kSubtraction,
-  kMultiplication,
-  kDivision,
-  kNegation,
-  kPower,
-  kList,
-  kFirstFunction,
-  kVariable = 28
-};
 
 struct ExpressionNode {
   NodeKind kind = NodeKind::kConstant;
@@ -39,26 +24,25 @@ struct ExpressionNode {
 [[nodiscard]] ExpressionNode CallNode(std::int32_t function, std::uint32_t childCount);
 [[nodiscard]] ExpressionNode OperationNode(NodeKind kind, std::uint32_t childCount);
 
-/// An expression as its nodes in the order in which they are computed: a node's children stand before it,
-/// left to right, each with its own children before it. So nesting costs no calls, and the tree is copied and
-/// freed as one block.
+/// An expression as its nodes in the order in which they are computed: a node's children stand before it, left to
+/// right, each with its own children before it. Deep nesting therefore needs no recursion.
 struct ExpressionTree {
   std::vector<ExpressionNode> nodes;
 };
 
-/// How many nodes stand before a node of that kind as its children; nothing for a kind that cannot be
-/// computed.
-[[nodiscard]] std::optional<std::uint32_t> OperandCount(NodeKind kind);
+/// Checks a tree from its leaves up, left to right: gives calls the kinds of their functions, and replaces an operation
+/// on constants by its value. The values are not checked, except that a constant divisor must not be zero. Returns why
+/// the tree is refused, followed by CR LF, or an empty text. A refused tree must not be used.
+[[nodiscard]] std::string CheckTree(ExpressionTree& tree);
 
-[[nodiscard]] bool IsFunction(NodeKind kind);
+/// Evaluates a checked tree node by node, with one value per variable; the first fault is the failure. Expects the
+/// default floating-point environment.
+[[nodiscard]] Evaluation EvaluateTree(const ExpressionTree& tree, std::span<const double> values);
 
-/// The function of such a kind.
-[[nodiscard]] const FormulaFunction& FunctionOf(NodeKind kind);
+/// The same for a tree without variables; the domain rules of numeric entries apply to every operation.
+[[nodiscard]] Evaluation EvaluateWithDomainRules(const ExpressionTree& tree);
 
-/// The kind of the function at that place of the table.
-[[nodiscard]] NodeKind FunctionKind(std::int32_t function);
-
-/// What a user knows the kind as; empty for one that has no such name.
-[[nodiscard]] std::string_view DisplayName(NodeKind kind);
+/// The evaluation of a whole expression, in which a value that is infinite or NaN is a failure.
+[[nodiscard]] Evaluation RefuseNonFinite(Evaluation evaluation);
 
 }  // namespace morvelan::numerics

@@ -4,27 +4,28 @@
 
 namespace morvelan::numerics {
 
-/// Arithmetic on doubles in the default floating-point environment (to nearest, nothing trapped, nothing
-/// flushed to zero); the host's is given back at the end, whatever it was. This is the unit that x86-64 has
-/// for doubles, and costs little. The standard library's functions for environments do not reach all of it on
-/// every platform.
+/// Sets the default floating-point environment for arithmetic on doubles (round to nearest, no traps, nothing flushed
+/// to zero) and restores the host's environment at the end. It covers the unit that x86-64 uses for doubles (SSE) and
+/// costs little. (The standard library's functions for environments do not reach all of it on every platform.)
 class ArithmeticEnvironment {
  public:
   ArithmeticEnvironment() : host(_mm_getcsr()) {
-    if ((host & ~kNoted) != kDefault) _mm_setcsr(kDefault);
+    if ((host & ~kFaultFlags) != kDefault) _mm_setcsr(kDefault);
   }
-  ~ArithmeticEnvironment() { _mm_setcsr(host); }
+  ~ArithmeticEnvironment() {
+    if (_mm_getcsr() != host) _mm_setcsr(host);
+  }
   ArithmeticEnvironment(const ArithmeticEnvironment&) = delete;
   ArithmeticEnvironment& operator=(const ArithmeticEnvironment&) = delete;
 
  private:
   static constexpr unsigned kDefault = 0x1F80;
-  static constexpr unsigned kNoted = 0x3F;  // faults, that nothing here looks at
+  static constexpr unsigned kFaultFlags = 0x3F;  // nothing here reads them
 
   unsigned host;
 };
 
-/// The same for the older unit, which functions of a mathematical library may use.
+/// Does the same for the older unit (x87), which functions of a mathematical library may use.
 class ExtendedEnvironment {
  public:
   ExtendedEnvironment() { asm volatile("fnstenv %0\n\tfninit" : "=m"(host)); }
@@ -38,14 +39,14 @@ class ExtendedEnvironment {
   } host;
 };
 
-/// The whole of it, which costs as much as some sixty additions.
+/// Does the same for both units, which costs as much as some sixty additions.
 class DefaultEnvironment {
  private:
   ArithmeticEnvironment arithmetic;
   ExtendedEnvironment extended;
 };
 
-/// On this platform functions of doubles use the older unit.
+/// Whether this platform's functions of doubles use the older unit.
 extern const bool kLibraryUsesOlderUnit;
 
 }  // namespace morvelan::numerics

@@ -8,73 +8,42 @@
 
 namespace morvelan::numerics {
 
-/// What a step does to the running value: fetch an operand, after putting the running value onto the stack
-/// where one is still waited for; combine it with an operand, which a constant or a variable is, or the last
-/// one of the stack; or the same the other way round.
-enum class FormulaOperation : std::uint32_t {
-  kLoadConstant,
-  kLoadVariable,
-  kPushLoadConstant,
-  kPushLoadVariable,
-  kAddConstant,
-  kAddVariable,
-  kAddStack,
-  kSubtractConstant,
-  kSubtractVariable,
-  kSubtractFromConstant,
-  kSubtractFromVariable,
-  kSubtractFromStack,
-  kMultiplyConstant,
-  kMultiplyVariable,
-  kMultiplyStack,
-  kDivideByConstant,
-  kDivideByVariable,
-  kDivideConstant,
-  kDivideVariable,
-  kDivideStack,
-  kNegate,
-  kSquare,
-  kProductPower,
-  kUnary,
-  kBinary,
-  kBinaryReversed
-};
-
+/// One step of a program: an operation on the running value and on the operands that the step names.
 struct FormulaStep {
-  FormulaOperation operation = FormulaOperation::kLoadConstant;
-  std::int32_t variable = 0;  // or the exponent of a power that is a product
+  std::uint32_t operation = 0;
+  std::int32_t variable = 0;
   union {
     double constant = 0;
-    double (*unary)(double);
-    double (*binary)(double, double);
+    std::int32_t secondVariable;
+    UnaryFunction unary;
+    BinaryFunction binary;
   };
 };
 
-/// A checked expression as a row of steps on a running value, for fast evaluation. Numbers and variables are
-/// operands of the steps rather than steps of their own; only what must wait for another result goes to a
-/// stack.
+/// A checked expression as a sequence of steps on a running value, for fast evaluation. Numbers and variables are
+/// operands of the steps. A value that waits for another result stands on a stack.
 class FormulaProgram {
  public:
   /// `tree` comes from the parser, which limits how many values wait for others, and has passed CheckTree.
   explicit FormulaProgram(const ExpressionTree& tree);
 
-  /// Evaluates with a value per variable, plainly, without allocation and without setting up the
-  /// floating-point environment. `suspicious` becomes true when what is not finite went where it could have
-  /// disappeared: into a function or a computed divisor. Elsewhere it stays, up to the result; so a finite
-  /// result that is not suspicious had no fault.
-  [[nodiscard]] double Run(const double* values, bool& suspicious) const noexcept;
+  /// Computes the value from one value per variable, without allocation. Returns false if a fault is possible: the
+  /// value is infinite or NaN, or such a value went into a function or a computed divisor, where it can disappear.
+  /// Expects the default floating-point environment, and is not inlined, so that all arithmetic happens in it.
+  [[nodiscard, gnu::noinline]] bool Run(const double* values, double& result) const noexcept;
 
-  /// It calls functions of the mathematical library.
+  /// The program calls functions of the mathematical library.
   [[nodiscard]] bool CallsFunctions() const { return callsFunctions; }
 
  private:
   friend class FormulaCompiler;
 
-  double RunOn(double* stack, const double* values, bool& suspicious) const noexcept;
-  double RunDeep(const double* values, bool& suspicious) const noexcept;
+  template <bool kCallsFunctions>
+  bool RunOn(double* stack, const double* values, double& result) const noexcept;
+  bool RunDeep(const double* values, double& result) const noexcept;
 
   std::vector<FormulaStep> steps;
-  std::size_t stackSize = 0;  // that the steps need
+  std::size_t stackSize = 0;  // how many values wait at most
   bool callsFunctions = false;
 };
 

@@ -1,5 +1,5 @@
-/* The grammar of formulas. The nodes of a tree are added in the order of the reductions, which is the order in which
-   they are computed; so only numbers, places in tables and counts of arguments travel on the parser's stack. */
+/* The grammar of formulas. Each reduction adds a node to the tree, so that the nodes stand in the order in which they are
+   computed; the parser's stack holds only numbers, places in tables and counts of arguments. */
 
 %require "3.8"
 %define api.pure full
@@ -23,7 +23,7 @@ class FormulaParser;
 %code {
 #include "numerics/formula/FormulaParser.h"
 
-// Where nesting ends.
+// The limit of nesting.
 #define YYINITDEPTH 200
 #define YYMAXDEPTH morvelan::numerics::kLargestParserDepth
 
@@ -60,7 +60,7 @@ expr:
   | '(' expr ')'           { }
   ;
 
-/* What stands for no argument may stand before a comma: MAX(,1) has one argument. */
+/* The first argument may be missing: MAX(,1) has one argument. */
 list:
     %empty                 { $$ = 0; }
   | expr                   { $$ = 1; }
@@ -82,10 +82,10 @@ static int formulalex(FORMULASTYPE* value, morvelan::numerics::FormulaParser& pa
     case TokenKind::kGasConstant: return GAS_CONSTANT;
     case TokenKind::kError: break;
   }
-  return FORMULAerror;  /* the parser then ends without another report */
+  return FORMULAerror;  /* the parser ends without calling formulaerror */
 }
 
-/* The last token does not fit, or the stack is full, which yyparse's value tells. */
+/* The last token does not fit, or the stack is full; then the value of formulaparse says so. */
 static void formulaerror(morvelan::numerics::FormulaParser& parser, const char*) { parser.RefuseToken(); }
 
 int morvelan::numerics::RunGrammar(FormulaParser& parser) { return formulaparse(parser); }

@@ -1,31 +1,31 @@
 #include "numerics/formula/NumericEntry.h"
 
+#include <utility>
+
+#include "numerics/formula/ExpressionTree.h"
 #include "numerics/formula/FloatingPointScope.h"
 #include "numerics/formula/FormulaParser.h"
-#include "numerics/formula/TreeCheck.h"
-#include "numerics/formula/TreeEvaluation.h"
-#include "numerics/formula/WithinMemory.h"
 
 namespace morvelan::numerics {
 namespace {
 
-constexpr FormulaDialect kDialect = {"syntax error", "memory exhausted"};
+constexpr FormulaDialect kEntryDialect = {"syntax error", "memory exhausted"};
 
-Evaluation EvaluateAlone(std::string_view text) {
-  ParsedFormula parsed = ParseFormula(text, {}, kDialect);
+Evaluation ParseAndEvaluate(std::string_view text) {
+  ParsedFormula parsed = ParseFormula(text, {}, kEntryDialect);
   if (!parsed.failure.empty()) return FailedEvaluation(std::move(parsed.failure));
   std::string refusal = CheckTree(parsed.tree);
   if (!refusal.empty()) return FailedEvaluation(std::move(refusal));
-  return RefuseNonFinite(EvaluateChecked(parsed.tree));
+  return RefuseNonFinite(EvaluateWithDomainRules(parsed.tree));
 }
 
 /// Releases a mutex that was obtained.
-class Obtained {
+class ObtainedMutex {
  public:
-  explicit Obtained(NamedMutex& obtained) : mutex(obtained) {}
-  ~Obtained() { mutex.Release(); }
-  Obtained(const Obtained&) = delete;
-  Obtained& operator=(const Obtained&) = delete;
+  explicit ObtainedMutex(NamedMutex& obtained) : mutex(obtained) {}
+  ~ObtainedMutex() { mutex.Release(); }
+  ObtainedMutex(const ObtainedMutex&) = delete;
+  ObtainedMutex& operator=(const ObtainedMutex&) = delete;
 
  private:
   NamedMutex& mutex;
@@ -34,16 +34,16 @@ class Obtained {
 }  // namespace
 
 Evaluation EvaluateNumericEntry(std::string_view text) {
-  const DefaultEnvironment environment;  // even the making of a path rounds numbers
-  return WithinMemory(kDialect.stackFull, [&] { return EvaluateNumericEntry(text, OpenParseMutex()); });
+  const DefaultEnvironment environment;  // even making a path rounds numbers
+  return WithinMemory(kEntryDialect.stackFull, [&] { return EvaluateNumericEntry(text, OpenParseMutex()); });
 }
 
 Evaluation EvaluateNumericEntry(std::string_view text, std::unique_ptr<NamedMutex> mutex) {
   if (!mutex) return FailedEvaluation("Failed to create a mutex for locking the parser for the current thread");
   if (!mutex->Wait())
     return FailedEvaluation("Failed to wait for a mutex for locking the parser for the current thread");
-  const Obtained obtained(*mutex);
-  return EvaluateAlone(text);
+  const ObtainedMutex obtained(*mutex);
+  return ParseAndEvaluate(text);
 }
 
 }  // namespace morvelan::numerics

@@ -1,12 +1,10 @@
-// A process beside the tests: "count FILE" raises the count in a file; "hold FILE" obtains the mutex of
-// numeric entries, makes the file, and ends suddenly.
+// A process beside the tests: "count FILE" raises the count in a file; "hold FILE" obtains the mutex of numeric
+// entries, makes the file, and ends suddenly.
 
 #include <chrono>
 #include <cstdlib>
 #include <string_view>
-#include <thread>
 
-#include "numerics/formula/NamedMutex.h"
 #include "tests/numerics/formula/EntryWork.h"
 
 int main(int argc, char** argv) {
@@ -16,6 +14,6 @@ int main(int argc, char** argv) {
   if (!mutex || !mutex->Wait()) return 1;
   morvelan::test::WriteCount(argv[2], 0);
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  morvelan::test::WriteCount(argv[2], morvelan::test::kLastWords);
+  morvelan::test::WriteCount(argv[2], morvelan::test::kLastCount);
   std::_Exit(3);
 }

@@ -1,13 +1,14 @@
-// When memory runs out, wherever that is, there is a failure with words, and nothing stays behind.
+// If memory runs out, at whichever allocation, there is a failure with a message, and nothing leaks or stays locked.
 
 #include "tests/support/Allocations.h"
 
+#include <gtest/gtest.h>
+
+#include <future>
 #include <new>
-#include <thread>
 
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/NumericEntry.h"
-#include "tests/numerics/formula/ExpectEvaluation.h"
 #include "tests/numerics/formula/OpenHandles.h"
 
 namespace morvelan::test::failing_allocation {
@@ -24,10 +25,10 @@ const char* const kTexts[] = {"2*PI*0.5^2+SQRT(MAX(1,2))",
                               "1/0",
                               "SQRT(-1)"};
 
-/// Runs `operation` with each of its allocations failing in turn; returns how many there were. Its text must
-/// be `usual` when they all succeed, and otherwise `words`, or the shorter ones when the words fail as well.
+/// Runs `operation` with each of its allocations failing in turn; returns how many there were. Its text must be `usual`
+/// if they all succeed, and otherwise `message`, or a shorter one if the message cannot be allocated either.
 template <class Operation>
-std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& words, const Operation& operation) {
+std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& message, const Operation& operation) {
   for (std::size_t n = 0;; ++n) {
     const std::size_t handles = OpenHandles();
     bool happened = false;
@@ -38,20 +39,19 @@ std::size_t FailEach(Lasts lasts, const std::string& usual, const std::string& w
       happened = failing.Happened();
     }
     EXPECT_EQ(OpenHandles(), handles) << "allocation " << n;
-    EXPECT_EQ(failure, !happened ? usual : lasts == Lasts::kForGood ? "out of memory" : words) << "allocation " << n;
+    EXPECT_EQ(failure, !happened ? usual : lasts == Lasts::kForGood ? "out of memory" : message) << "allocation " << n;
     if (!happened || testing::Test::HasFailure()) return n;
   }
 }
 
-TEST(FailingAllocation, EndsAnEntryAndGivesTheMutexBack) {
+TEST(FailingAllocation, EndsAnEntryAndReleasesTheMutex) {
   for (const Lasts lasts : {Lasts::kOnce, Lasts::kForGood})
     for (const char* text : kTexts) {
       SCOPED_TRACE(text);
       const std::string usual = EvaluateNumericEntry(text).failure;
       const auto evaluate = [&] { return EvaluateNumericEntry(text).failure; };
       EXPECT_GT(FailEach(lasts, usual, "memory exhausted", evaluate), 1u);
-      std::thread other([] { EXPECT_EQ(EvaluateNumericEntry("1").value, 1); });
-      other.join();
+      EXPECT_EQ(std::async(std::launch::async, [] { return EvaluateNumericEntry("1").value; }).get(), 1);
     }
 }
 
@@ -76,7 +76,7 @@ TEST(FailingAllocation, EndsTheEvaluationOfAFormula) {
     EXPECT_GT(FailEach(lasts, usual, "memory exhausted", evaluate), 1u);
 }
 
-// The counts above see what they claim to see.
+// The counts above include the mutex.
 TEST(FailingAllocation, AnOpenMutexIsCounted) {
   const std::size_t handles = OpenHandles();
   auto mutex = OpenParseMutex();
@@ -109,7 +109,7 @@ TEST(FailingAllocation, ReleasesTheMutexBeforeItIsClosed) {
       const FailingAllocation failing(n, Lasts::kForGood);
       try {
         (void)EvaluateNumericEntry(kTexts[0], std::move(mutex));
-      } catch (const std::bad_alloc&) {  // so this door says
+      } catch (const std::bad_alloc&) {  // this function may throw it
       }
       happened = failing.Happened();
     }

@@ -1,5 +1,6 @@
-// A guest leaves a host's floating-point environment as it was, and does not depend on it either.
+// Formulas neither change the host's floating-point environment nor depend on it.
 
+#include <gtest/gtest.h>
 #include <xmmintrin.h>
 
 #include <optional>
@@ -7,7 +8,6 @@
 
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/NumericEntry.h"
-#include "tests/numerics/formula/ExpectEvaluation.h"
 
 namespace morvelan::test::floating_point {
 
@@ -37,8 +37,8 @@ constexpr unsigned kTrapped = kInvalid | kDivideByZero | kOverflow;
 struct HostCase {
   const char* name;
   unsigned trapped;   // in both units
-  unsigned rounding;  // in both units, by the field that says so
-  unsigned noted;     // by arithmetic on doubles
+  unsigned rounding;  // in both units: the value of the field
+  unsigned noted;     // flags of faults in the unit for doubles
   bool flushesToZero = false;
 };
 
@@ -81,7 +81,7 @@ const char* const kFormulas[] = {"\"x\"/7",          "\"x\"*1e-310",           "
                                  "LOG(\"y\"-1)",     "ASIN(\"x\"+2)",          "SQRT(\"y\"-1)",   "EXP(\"x\"*1000)",
                                  "MOD(\"x\",\"y\")", "SINH(\"x\")+\"y\"^-0.5", "SIN(\"x\"*1e22)", "\"x\"^7"};
 
-/// Everything that can be done with formulas, as that host; nothing else calculates meanwhile.
+/// Does everything that can be done with formulas in the environment of that host.
 Outcome RunAs(const HostCase& hostCase) {
   Outcome outcome;
   const std::vector<double> values = {1.1, 0};
@@ -121,7 +121,7 @@ TEST(FloatingPoint, TheHostsEnvironmentIsNeitherUsedNorChanged) {
   }
 }
 
-// The test sees what it claims to see: the same calculations without protection change the environment.
+// Without protection a calculation changes the environment, and UnitState shows it.
 TEST(FloatingPoint, UnprotectedCalculationsWouldShow) {
   const Host host(kHosts[0]);
   const UnitState before = UnitState::Read();

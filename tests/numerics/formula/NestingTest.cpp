@@ -1,11 +1,13 @@
-// Texts beyond any measure end in a value or in the words for a full stack, and never take the process along.
+// Texts of any depth and length end in a value or in the message for a full stack, and never end the process.
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>
 
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/NumericEntry.h"
-#include "tests/numerics/formula/ExpectEvaluation.h"
+#include "tests/numerics/LongTests.h"
 
 namespace morvelan::test::nesting {
 
@@ -33,18 +35,17 @@ const NestingCase kNestings[] = {
 };
 
 TEST(Nesting, BeyondTheStackIsRefused) {
-  for (const NestingCase& c : kNestings)
-    for (const std::size_t depth : {std::size_t{100'000}, std::size_t{1'700'000}}) {
-      SCOPED_TRACE(testing::Message() << depth << ' ' << c.name);
-      const std::string text = c.text(depth);
-      EXPECT_EQ(EvaluateNumericEntry(text).failure, "memory exhausted");
-      EXPECT_EQ(CheckFormula(text, {}).failure, "parser stack overflow");
-    }
+  const std::size_t depth = ShortOrLong(20'000, 1'700'000);
+  for (const NestingCase& c : kNestings) {
+    SCOPED_TRACE(c.name);
+    const std::string text = c.text(depth);
+    EXPECT_EQ(EvaluateNumericEntry(text).failure, "memory exhausted");
+    EXPECT_EQ(CheckFormula(text, {}).failure, "parser stack overflow");
+  }
 }
 
 TEST(Nesting, TwoThousandDeepHasAValue) {
-  for (const NestingCase& c : kNestings) {
-    if (std::string_view(c.name) == "open parentheses") continue;
+  for (const NestingCase& c : std::span(kNestings).first<5>()) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(EvaluateNumericEntry(c.text(2000)).value, 1);
   }
@@ -52,8 +53,8 @@ TEST(Nesting, TwoThousandDeepHasAValue) {
 
 // Every product waits for those on its right, so that the evaluation needs a deep stack as well.
 TEST(Nesting, DeepFormulasAreEvaluated) {
-  const std::size_t depth = 2400;
-  const std::string text = Repeated("\"x\"*\"y\"+(", depth) + "1" + Repeated(")", depth);
+  constexpr std::size_t kDepth = 2400;
+  const std::string text = Repeated("\"x\"*\"y\"+(", kDepth) + "1" + Repeated(")", kDepth);
   const FormulaCheck check = CheckFormula(text, std::vector<std::string>{"x", "y"});
   ASSERT_TRUE(check.formula.has_value()) << check.failure;
   EXPECT_EQ(check.formula->Evaluate(std::vector<double>{2, 3}).value, 6 * 2400 + 1);
@@ -63,9 +64,8 @@ TEST(Nesting, DeepFormulasAreEvaluated) {
 
 // The most values that can wait: each takes two places of the parser's stack, its own and the operator's.
 TEST(Nesting, TheDeepestFormulaIsEvaluated) {
-  std::size_t depth = 4980;
   std::optional<CalculatorFormula> deepest;
-  for (;; ++depth) {
+  for (std::size_t depth = 4990;; ++depth) {
     FormulaCheck check = CheckFormula(Repeated("(2*\"x\")^", depth) + "\"x\"", std::vector<std::string>{"x"});
     if (!check.formula) break;
     deepest = std::move(check.formula);
@@ -74,22 +74,22 @@ TEST(Nesting, TheDeepestFormulaIsEvaluated) {
   EXPECT_EQ(deepest->Evaluate(std::vector<double>{0.5}).value, 1);
 }
 
-TEST(Nesting, TenMegabytesHaveAValue) {
-  const std::string longOne = "1." + Repeated("0", 997) + "+";
-  EXPECT_EQ(EvaluateNumericEntry(Repeated(longOne, 10'000) + "1").value, 10'001);
-  EXPECT_EQ(EvaluateNumericEntry(Repeated(" ", 10'000'000) + "2").value, 2);
-  EXPECT_EQ(EvaluateNumericEntry(Repeated("0", 10'000'000) + "3").value, 3);
-  EXPECT_EQ(EvaluateNumericEntry("1." + Repeated("0", 10'000'000)).value, 1);
-  EXPECT_EQ(EvaluateNumericEntry("1e" + Repeated("0", 10'000'000) + "2").value, 100);
-  const std::string ones = Repeated("1", 10'000'000);
+TEST(Nesting, LongTextsHaveAValue) {
+  const std::size_t length = ShortOrLong(200'000, 10'000'000);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated("1." + Repeated("0", 997) + "+", length / 1000) + "1").value,
+            length / 1000 + 1);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated(" ", length) + "2").value, 2);
+  EXPECT_EQ(EvaluateNumericEntry(Repeated("0", length) + "3").value, 3);
+  EXPECT_EQ(EvaluateNumericEntry("1." + Repeated("0", length)).value, 1);
+  EXPECT_EQ(EvaluateNumericEntry("1e" + Repeated("0", length) + "2").value, 100);
+  const std::string ones = Repeated("1", length), name = Repeated("x", length);
   EXPECT_EQ(EvaluateNumericEntry(ones).failure,
             "floating point exception in real constant: Overflow at position 1, in '" + ones + "'");
-  const std::string name = Repeated("x", 10'000'000);
   EXPECT_EQ(EvaluateNumericEntry(name).failure, "syntax error: unknown token " + name + " at position 1");
-  const FormulaCheck sum =
-      CheckFormula(Repeated("\"x\"" + std::string(36, ' ') + "+", 250'000) + "1", std::vector<std::string>{"x"});
-  ASSERT_TRUE(sum.formula.has_value()) << sum.failure;
-  EXPECT_EQ(sum.formula->Evaluate(std::vector<double>{2}).value, 500'001);
+  const std::string sum = Repeated("\"x\"" + Repeated(" ", 36) + "+", length / 40) + "1";
+  const FormulaCheck check = CheckFormula(sum, std::vector<std::string>{"x"});
+  ASSERT_TRUE(check.formula.has_value()) << check.failure;
+  EXPECT_EQ(check.formula->Evaluate(std::vector<double>{2}).value, length / 20 + 1);
 }
 
 }  // namespace morvelan::test::nesting

@@ -6,7 +6,7 @@
 
 namespace morvelan::test {
 
-// The system gives the lowest numbers that are free. (Its own count is not kept everywhere.)
+// The system gives the lowest free numbers. (Wine does not keep the count of the process.)
 std::size_t OpenHandles() {
   std::size_t count = 0;
   for (std::uintptr_t number = 4; number <= 1024; number += 4) {

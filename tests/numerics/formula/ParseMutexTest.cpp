@@ -1,17 +1,16 @@
-// Entries are parsed one at a time, over threads and processes, and both are right.
+// Entries are parsed one at a time over threads and processes, and each gets its value.
+
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <future>
-#include <thread>
+#include <vector>
 
 #include "numerics/formula/CalculatorFormula.h"
-#include "numerics/formula/NumericEntry.h"
 #include "tests/numerics/formula/EntryWork.h"
-#include "tests/numerics/formula/ExpectEvaluation.h"
 
 namespace morvelan::test::parse_mutex {
 
@@ -25,7 +24,7 @@ std::filesystem::path Scratch(const char* name) {
   return folder / name;
 }
 
-/// Runs the worker program to its end; true when it was content.
+/// Runs the worker program to its end; returns whether it succeeded.
 bool RunWorker(const std::string& task, const std::filesystem::path& file) {
   // The outer quotes are for the command interpreter of Windows, which takes one pair off.
   const std::string line = "\"" MORVELAN_ENTRY_WORKER "\" " + task + " \"" + file.string() + "\"";
@@ -49,57 +48,48 @@ TEST(ParseMutex, FailuresHaveTheirMessages) {
   const Evaluation evaluation = EvaluateNumericEntry("1", std::make_unique<FailingMutex>(released));
   EXPECT_EQ(evaluation.failure, "Failed to wait for a mutex for locking the parser for the current thread");
   EXPECT_TRUE(std::isnan(evaluation.value));
-  EXPECT_FALSE(released);  // what was not obtained
-  EXPECT_EQ(EvaluateNumericEntry("1").value, 1);
+  EXPECT_FALSE(released);  // it was not obtained
 }
 
 TEST(ParseMutex, AnEntryWaitsForTheMutex) {
   const std::unique_ptr<NamedMutex> mutex = OpenParseMutex();
   ASSERT_TRUE(mutex && mutex->Wait());
-  std::atomic<bool> done = false;
-  std::thread other([&] {
-    EXPECT_EQ(EvaluateNumericEntry("6*7").value, 42);
-    done = true;
-  });
-  std::this_thread::sleep_for(200ms);
-  EXPECT_FALSE(done);
+  auto other = std::async(std::launch::async, [] { return EvaluateNumericEntry("6*7").value; });
+  EXPECT_EQ(other.wait_for(100ms), std::future_status::timeout);
   // Formulas of calculators have another lock.
   EXPECT_TRUE(CheckFormula("1", {}).formula.has_value());
   mutex->Release();
-  other.join();
-  EXPECT_TRUE(done);
+  EXPECT_EQ(other.get(), 42);
 }
 
-TEST(ParseMutex, FailedEntriesGiveItBack) {
+TEST(ParseMutex, FailedEntriesReleaseIt) {
   for (const char* text : {"1/0", "(", "2 $", "SQRT(-1)", ""}) EXPECT_FALSE(EvaluateNumericEntry(text).Succeeded());
-  std::thread other([] { EXPECT_EQ(EvaluateNumericEntry("1").value, 1); });
-  other.join();
+  EXPECT_EQ(std::async(std::launch::async, [] { return EvaluateNumericEntry("1").value; }).get(), 1);
 }
 
-// A count in a file that is read, and written a moment later: without exclusion, rounds get lost.
+// Each reads a count from a file and writes it a moment later: without exclusion, rounds get lost.
 TEST(ParseMutex, ThreadsAndProcessesExcludeEachOther) {
   const std::filesystem::path file = Scratch("count.txt");
   WriteCount(file, 0);
-  std::atomic<int> content = 0;
+  std::atomic<int> succeeded = 0;
   std::vector<std::thread> threads;
   for (int i = 0; i < 2; ++i) {
-    threads.emplace_back([&] { content += RunWorker("count", file); });
-    threads.emplace_back([&] { content += CountAndEvaluate(file); });
+    threads.emplace_back([&] { succeeded += RunWorker("count", file); });
+    threads.emplace_back([&] { succeeded += CountAndEvaluate(file); });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(content, 4);
+  EXPECT_EQ(succeeded, 4);
   EXPECT_EQ(ReadCount(file), 4 * kRounds);
 }
 
-TEST(ParseMutex, TheEndOfAnOwnerGivesItFree) {
+TEST(ParseMutex, TheEndOfItsOwnerReleasesIt) {
   const std::filesystem::path file = Scratch("held.txt");
   const auto owner = std::async(std::launch::async, [&] { return RunWorker("hold", file); });
   while (!std::filesystem::exists(file) && owner.wait_for(5ms) != std::future_status::ready) {
   }
   ASSERT_TRUE(std::filesystem::exists(file)) << "the worker did not start";
   EXPECT_EQ(EvaluateNumericEntry("6*7").value, 42);
-  EXPECT_EQ(ReadCount(file),
-            kLastWords);  // written before the sudden end, so that the entry has waited for it
+  EXPECT_EQ(ReadCount(file), kLastCount);  // written just before the end, so that the entry has waited for it
 }
 
 TEST(ParseMutex, ThreadsParseFormulasAtOnce) {

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <vector>
 
-#include "numerics/formula/FunctionTable.h"
-
 namespace morvelan::test {
 
 using namespace numerics;

@@ -1,6 +1,7 @@
 #include <windows.h>
 
-#include "numerics/formula/NamedMutex.h"
+#include "numerics/formula/FloatingPointScope.h"
+#include "numerics/formula/NumericEntry.h"
 
 namespace morvelan::numerics {
 namespace {
@@ -11,7 +12,7 @@ class KernelMutex : public NamedMutex {
     if (handle) CloseHandle(handle);
   }
 
-  /// False when that fails.
+  /// Returns false if that fails.
   [[nodiscard]] bool Open() {
     handle = CreateMutexW(nullptr, FALSE, L"VELTParseMutex");
     return handle != nullptr;
@@ -34,5 +35,8 @@ std::unique_ptr<NamedMutex> OpenParseMutex() {
   if (!mutex->Open()) return nullptr;
   return mutex;
 }
+
+// Several functions of mingw-w64 calculate in the older unit.
+const bool kLibraryUsesOlderUnit = true;
 
 }  // namespace morvelan::numerics

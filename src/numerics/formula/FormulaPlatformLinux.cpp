@@ -8,21 +8,22 @@
 #include <string>
 #include <system_error>
 
-#include "numerics/formula/NamedMutex.h"
+#include "numerics/formula/FloatingPointScope.h"
+#include "numerics/formula/NumericEntry.h"
 
 namespace morvelan::numerics {
 namespace {
 
-/// A lock on an open file: every opening has its own, so that threads exclude each other too, and the system
-/// gives it free with the last descriptor.
+/// A lock on an open file: every opening has its own, so that threads exclude each other too, and the system releases
+/// it with the last descriptor.
 class FileLock : public NamedMutex {
  public:
   ~FileLock() override {
     if (descriptor >= 0) close(descriptor);
   }
 
-  /// Opens the file, which is made when there is none. False when that fails, or when the file is another
-  /// user's, who could hold it for ever. Nobody's link is followed from a folder that all share.
+  /// Opens the file, and makes it if there is none. Returns false if that fails, or if the file is another user's, who
+  /// could hold it for ever. A link in the folder, which all users share, is not followed.
   [[nodiscard]] bool Open(const char* file) {
     descriptor = open(file, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     struct stat status {};
@@ -52,5 +53,8 @@ std::unique_ptr<NamedMutex> OpenParseMutex() {
   if (!mutex->Open(file.c_str())) return nullptr;
   return mutex;
 }
+
+// The functions use the same unit as arithmetic.
+const bool kLibraryUsesOlderUnit = false;
 
 }  // namespace morvelan::numerics
