@@ -7,7 +7,7 @@
 namespace morvelan::com {
 namespace {
 
-constexpr int kDeepestNesting = 16;  // variants in variants, against a chain that bites its tail
+constexpr int kDeepestNesting = 16;  // of variants in variants: a chain may be a circle
 
 /// Follows one level of indirection; false when there is none left.
 bool FollowOnce(VARIANT& v) {
@@ -260,7 +260,7 @@ bool ReadBoolean(const VARIANT& variant) {
 
 std::int32_t ReadInteger(const VARIANT& variant) {
   const VARIANT v = Borrow(variant);
-  // Systems differ on what integer a number that is none becomes.
+  // Systems convert NaN to different integers.
   if ((v.vt == VT_R8 && std::isnan(v.dblVal)) || (v.vt == VT_R4 && std::isnan(v.fltVal))) Mismatch("an integer", v);
   Variant converted;
   if (FAILED(VariantChangeTypeEx(converted.Put(), const_cast<VARIANT*>(&v), LOCALE_INVARIANT, 0, VT_I4)))

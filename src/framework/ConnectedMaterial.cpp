@@ -15,7 +15,7 @@ using material::Thermo;
 
 namespace {
 
-/// Numbers, where an element that holds nothing is one that is missing.
+/// Numbers; an empty element is a missing value.
 std::vector<double> ReadConstants(const com::Variant& array) {
   std::vector<double> values;
   for (const com::Variant& element : com::ReadVariants(array.Get()))
@@ -46,8 +46,8 @@ void ConnectedMaterial::ReadState(std::size_t count) {
   OnMaterial("GetProp", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto explain = [&](Name property) {
       return [&port, property](const std::string& why) {
-        return Failure("failed to get property " + material::Shown(property) + " from material connected to port " +
-                       port.portName + ": " + why);
+        return Failure("failed to get property " + material::DisplayName(property) +
+                       " from material connected to port " + port.portName + ": " + why);
       };
     };
     const auto read = [&](Name property, Name basis) {
@@ -170,7 +170,7 @@ material::CompoundIdentities ConnectedMaterial::GetCompoundIdentities() {
 
 std::vector<double> ConnectedMaterial::GetCompoundConstant(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
-    const std::string name = material::Shown(constant);
+    const std::string name = material::DisplayName(constant);
     const auto invalid = [&](const std::string&) {
       return Failure(
           UnitError{"Could not get " + name + " from port " + port.portName, "Invalid values for " + name, {}, {}});
@@ -188,7 +188,7 @@ std::vector<std::string> ConnectedMaterial::GetCompoundText(Name constant) {
   return OnMaterial("GetCompoundConstant", [&](const Thermo& thermo, const PortMaterial& port) {
     const auto fail = [&](const std::string& why) {
       return Failure(
-          UnitError{"Could not get " + material::Shown(constant) + " from port " + port.portName, why, {}, {}});
+          UnitError{"Could not get " + material::DisplayName(constant) + " from port " + port.portName, why, {}, {}});
     };
     const com::Variant raw = thermo.GetCompoundConstant(port, constant);
     const auto elements = material::ReadOr([&] { return com::ReadVariants(raw.Get()); },

@@ -39,7 +39,7 @@ class Real : public ParameterHandle {
   [[nodiscard]] bool IsSet() const { return !IsMissing(*this); }
   /// Nothing when it is not set.
   [[nodiscard]] std::optional<double> Given() const { return IsSet() ? std::optional<double>(*this) : std::nullopt; }
-  /// As a result; nothing for one that is not known.
+  /// As a result; empty if it is not known.
   void Publish(std::optional<double> result) { parameter->SetResult(result.value_or(kMissingValue)); }
 };
 
@@ -66,7 +66,7 @@ class Array : public ParameterHandle {
 class OptionHandle : public ParameterHandle {
  public:
   [[nodiscard]] const std::string& Text() const { return std::get<std::string>(parameter->Value()); }
-  /// Its place among the choices; nothing where a host or a stream left another text.
+  /// Its position among the choices; empty if a host or a stream left another text.
   [[nodiscard]] std::optional<std::size_t> Place() const { return parameter->OptionIndex(); }
   void SetChoices(std::vector<std::string> choices) { parameter->SetOptions(std::move(choices)); }
 };

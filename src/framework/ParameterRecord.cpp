@@ -9,8 +9,6 @@
 namespace morvelan {
 namespace {
 
-// ---- The data of each kind: written from a record, read into one
-
 void WriteKind(UnitWriter& writer, const ParameterRecord& record, double value) {
   writer.Write(value);
   writer.Write(std::get<double>(record.defaultValue));

@@ -58,7 +58,7 @@ class ParameterSpecification
   [[nodiscard]] virtual std::size_t ElementCount() const = 0;
   /// An object for one element of an array.
   [[nodiscard]] virtual com::Ref<IDispatch> MakeElement(std::size_t position) const = 0;
-  /// What is wrong with a value; empty for nothing.
+  /// The fault of a value; empty if there is none.
   [[nodiscard]] virtual std::string Check(const ParameterValue& candidate) const = 0;
   /// What the unit holds against a value; empty when it accepts it.
   [[nodiscard]] virtual std::string AskUnit(const ParameterValue& candidate) const = 0;

@@ -21,7 +21,7 @@ class UnitStatus {
   void SetValidity(CapeValidationStatus newValidity) { validity = newValidity; }
   void SetText(std::string newText) { text = std::move(newText); }
 
-  /// What a host sees changed: nothing that was found out about the unit counts any more.
+  /// An input changed: the results of validation and calculation are no longer valid.
   void Invalidate() noexcept {
     validity = CAPE_NOT_VALIDATED;
     text.clear();

@@ -28,11 +28,11 @@ HRESULT CalcProp10(ICapeThermoMaterialObject& material, const Property& property
 /// whose fraction is exactly zero.
 std::optional<double> PhaseContribution(ICapeThermoMaterialObject& material, Name label,
                                         const PropertyRequest& request) {
-  const auto which = [&] { return request.property.Text() + "/" + Shown(label); };
+  const auto which = [&] { return request.property.Text() + "/" + DisplayName(label); };
   const com::Variant fractions = GetProp(material, names::kPhaseFraction, label, {}, names::kMole,
-                                         [&] { return "GetProp (phaseFraction/" + Shown(label) + ")"; });
+                                         [&] { return "GetProp (phaseFraction/" + DisplayName(label) + ")"; });
   const double fraction = ReadScalar(fractions.Get(), [&](const std::string&) {
-    return EvaluationFailure("Unexpected value for phase fraction for " + Shown(label));
+    return EvaluationFailure("Unexpected value for phase fraction for " + DisplayName(label));
   });
   if (fraction == 0) return std::nullopt;
   CheckHost(CalcProp10(material, request.property, label, request.calcType), &material, [&](const std::string& why) {
@@ -41,7 +41,7 @@ std::optional<double> PhaseContribution(ICapeThermoMaterialObject& material, Nam
   const com::Variant values = GetProp(material, request.property, label, request.calcType, names::kMole,
                                       [&] { return "GetProp (" + which() + "/mixture/mole)"; });
   return fraction * ReadScalar(values.Get(), [&](const std::string& why) {
-           return EvaluationFailure("Unexpected value for " + request.property.Text() + " for " + Shown(label) +
+           return EvaluationFailure("Unexpected value for " + request.property.Text() + " for " + DisplayName(label) +
                                     " phase: " + why);
          });
 }
@@ -100,10 +100,10 @@ double TotalOf(ICapeThermoMaterialObject& material, const PropertyRequest& reque
   };
   const auto property = [&] { return request.property.Text(); };
   const com::Variant molar = GetProp(material, request.property, request.phase, request.calcType, names::kMole, [&] {
-    return "GetProp (" + property() + "/" + Shown(request.phase) + "/" + Shown(request.calcType) + "/Mole)";
+    return "GetProp (" + property() + "/" + DisplayName(request.phase) + "/" + DisplayName(request.calcType) + "/Mole)";
   });
   const com::Variant flow = GetProp(material, names::kTotalFlow, request.phase, {}, names::kMole,
-                                    [&] { return "GetProp (totalFlow/" + Shown(request.phase) + "/base mole)"; });
+                                    [&] { return "GetProp (totalFlow/" + DisplayName(request.phase) + "/base mole)"; });
   const double molarValue = scalar(molar, property, property);
   return molarValue * scalar(
                           flow, [] { return std::string("total flow"); }, [] { return std::string("totalFlow"); });
@@ -123,13 +123,13 @@ Answer Evaluate10(ICapeThermoMaterialObject& material, const PropertyRequest& re
     return sum;
   }
   const auto title = [&] {
-    return "(" + request.property.Text() + "/" + Shown(request.phase) + "/" + Shown(request.calcType);
+    return "(" + request.property.Text() + "/" + DisplayName(request.phase) + "/" + DisplayName(request.calcType);
   };
   CheckHost(calculated, &material,
             [&](const std::string& why) { return EvaluationFailure("CalcProp " + title() + ") failed: " + why); });
   if (canBeSummed && request.basis.IsEmpty()) return TotalOf(material, request);
   return com::Settle(GetProp(material, request.property, request.phase, request.calcType, request.basis, [&] {
-    return "GetProp " + title() + (request.basis.IsEmpty() ? "" : "/" + Shown(request.basis)) + ")";
+    return "GetProp " + title() + (request.basis.IsEmpty() ? "" : "/" + DisplayName(request.basis)) + ")";
   }));
 }
 

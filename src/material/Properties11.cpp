@@ -22,14 +22,14 @@ HRESULT CalcProp11(ICapeThermoPropertyRoutine& routine, const Property& property
 
 com::Variant EvaluatePhase(ICapeThermoMaterial& material, const PropertyRequest& request) {
   const auto routine = RoutineOf(material);
-  const auto title = [&] { return "Prop (" + request.property.Text() + "/" + Shown(request.phase); };
+  const auto title = [&] { return "Prop (" + request.property.Text() + "/" + DisplayName(request.phase); };
   CheckHost(CalcProp11(*routine, request.property, request.phase), routine.Get(),
             [&](const std::string& why) { return EvaluationFailure("Calc" + title() + ") failed: " + why); });
   com::Variant values;
   CheckHost(material.GetSinglePhaseProp(com::Name(request.property).text, request.phase.text, request.basis.text,
                                         values.Put()),
             &material, [&](const std::string& why) {
-              return EvaluationFailure("Get" + title() + "/" + Shown(request.basis) + ") failed: " + why);
+              return EvaluationFailure("Get" + title() + "/" + DisplayName(request.basis) + ") failed: " + why);
             });
   return com::Settle(std::move(values));
 }
@@ -68,7 +68,7 @@ PresentPhases GetPresentPhases(ICapeThermoMaterial& material, Opening&& opening)
 /// One value of a phase on mole basis; `what` names it in messages ("enthalpy", "phase fraction").
 template <class What>
 double PhaseScalar(ICapeThermoMaterial& material, Name property, Name phase, What&& what) {
-  const auto where = [&] { return what() + " for phase " + Shown(phase) + ", basis \"mole\": "; };
+  const auto where = [&] { return what() + " for phase " + DisplayName(phase) + ", basis \"mole\": "; };
   com::Variant values;
   CheckHost(material.GetSinglePhaseProp(property.text, phase.text, names::kMole.text, values.Put()), &material,
             [&](const std::string& why) { return EvaluationFailure("Failed to get " + where() + why); });
@@ -97,21 +97,22 @@ double SumOverPhases11(ICapeThermoMaterial& material, const Property& property, 
   if (!OverallEmulation::IndexOf(property))
     throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for property " + name());
   if (!basis.IsEmpty() && basis != names::kMole)
-    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " + Shown(basis));
+    throw EvaluationFailure("Internal error: unimplemented overall V11 property calculation for basis " +
+                            DisplayName(basis));
   const auto opening = [&] { return "Failed to calculate overall " + name(); };
   const PresentPhases phases = GetPresentPhases(material, opening);
   const auto routine = RoutineOf(material);
-  // Without a phase there is no value, and 0 would be taken for one.
+  // An empty sum would be 0, which looks like a value.
   if (phases.labels.empty())
     throw EvaluationFailure("Failed to get overall " + name() + ": no valid phases are present");
   double sum = 0;
   for (std::size_t i = 0; i < phases.labels.size(); ++i) {
     const Name phase(phases.labels[i].Get().bstrVal);
     if (phases.statuses[i] != CAPE_ATEQUILIBRIUM)
-      throw EvaluationFailure(opening() + "; phase " + Shown(phase) + " is reported not to be in equilibrium");
+      throw EvaluationFailure(opening() + "; phase " + DisplayName(phase) + " is reported not to be in equilibrium");
     if (phase == names::kOverall) throw EvaluationFailure("Invalid phase name \"overall\" from GetPresentPhases");
     CheckHost(CalcProp11(*routine, property, phase), routine.Get(), [&](const std::string& why) {
-      return EvaluationFailure("Failed to calculate " + name() + " for phase " + Shown(phase) + ": " + why);
+      return EvaluationFailure("Failed to calculate " + name() + " for phase " + DisplayName(phase) + ": " + why);
     });
     const double value = PhaseScalar(material, property, phase, name);
     sum += value * PhaseScalar(material, names::kPhaseFraction, phase, [] { return std::string("phase fraction"); });

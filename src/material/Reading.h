@@ -11,7 +11,7 @@
 namespace morvelan::material {
 
 /// A name as messages show it.
-[[nodiscard]] inline std::string Shown(com::Name name) { return name.text ? com::ToUtf8(name) : "<NULL>"; }
+[[nodiscard]] inline std::string DisplayName(com::Name name) { return name.text ? com::ToUtf8(name) : "<NULL>"; }
 
 /// A failure of a property evaluation: one text, the operation of the caller, the port's class as interface.
 [[nodiscard]] inline Failure EvaluationFailure(std::string text) { return Failure(std::move(text), {}, "CUnitPort"); }

@@ -124,7 +124,7 @@ CompoundIdentities Thermo10::GetCompoundIdentities(const PortMaterial& port) con
 }
 
 com::Variant Thermo10::GetCompoundConstant(const PortMaterial& port, Name constant) const {
-  const std::string title = "Could not get " + Shown(constant) + " from port " + port.portName;
+  const std::string title = "Could not get " + DisplayName(constant) + " from port " + port.portName;
   return ComponentConstant(Material10Of(port), constant, com::kNoValue, title);
 }
 
@@ -220,7 +220,8 @@ void Thermo10::SetSinglePhase(const PortMaterial& port, const StreamState& state
   set(names::kTemperature, names::kOverall, {}, values.temperature, "temperature");
   set(names::kPressure, names::kOverall, {}, values.pressure, "pressure");
   for (const Name where : {names::kOverall, phase})
-    set(names::kFraction, where, names::kMole, values.composition, [&] { return Shown(where) + " mole fraction"; });
+    set(names::kFraction, where, names::kMole, values.composition,
+        [&] { return DisplayName(where) + " mole fraction"; });
 }
 
 }  // namespace morvelan::material

@@ -72,7 +72,7 @@ const FlashSpecifications& SpecificationsOf(Name flashType) {
   for (const FlashSpecifications& flash : kFlashes)
     if (flash.flashType == flashType) return flash;
   throw Failure(UnitError{
-      "Internal Error", "Internal error; unimplemented flash type specification " + Shown(flashType), {}, {}});
+      "Internal Error", "Internal error; unimplemented flash type specification " + DisplayName(flashType), {}, {}});
 }
 
 constexpr const char* kNoPresentPhases = "Failed to set present phases on MO before equilibrium calculation";
@@ -222,7 +222,7 @@ CompoundIdentities Thermo11::GetCompoundIdentities(const PortMaterial& port) con
 }
 
 com::Variant Thermo11::GetCompoundConstant(const PortMaterial& port, Name constant) const {
-  const std::string title = "Could not get " + Shown(constant) + " from port " + port.portName;
+  const std::string title = "Could not get " + DisplayName(constant) + " from port " + port.portName;
   const auto explain = [&](const char* what) {
     return [&title, what](const std::string& why) { return Failure(UnitError{title, what + why, {}, {}}); };
   };
@@ -360,7 +360,7 @@ void Thermo11::SetSinglePhase(const PortMaterial& port, const StreamState& state
   set(names::kTemperature, {}, values.temperature, "temperature", "temperature");
   set(names::kPressure, {}, values.pressure, "pressure", "pressure");
   set(names::kFraction, names::kMole, values.composition, "Overall mole fraction",
-      [&] { return Shown(phase) + " mole fraction"; });
+      [&] { return DisplayName(phase) + " mole fraction"; });
 }
 
 }  // namespace morvelan::material

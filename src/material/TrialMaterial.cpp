@@ -12,7 +12,7 @@ namespace {
 
 /// Runs `body`; a failure's text begins with `opening` from there on.
 template <class Body>
-auto Opened(LazyText opening, Body&& body) {
+auto WithPrefix(LazyText opening, Body&& body) {
   try {
     return body();
   } catch (const Failure& failure) {
@@ -36,26 +36,26 @@ TrialMaterial::TrialMaterial(com::Ref<IDispatch> portCopy, std::string portOfCop
       count(compoundCount) {}
 
 void TrialMaterial::FlashAtTemperature(const StreamState& state) {
-  Opened("TP flash failed: ", [&] { thermo.CalcEquilibrium(Material(), state, names::kTP); });
+  WithPrefix("TP flash failed: ", [&] { thermo.CalcEquilibrium(Material(), state, names::kTP); });
 }
 
 void TrialMaterial::FlashAtEnthalpy(const StreamState& state, double enthalpy, const Property& which) {
-  Opened("Failed to set enthalpy: ", [&] {
+  WithPrefix("Failed to set enthalpy: ", [&] {
     thermo.SetProp(Material(), {which, names::kOverall, names::kMixture, names::kMole}, com::kNoValue,
                    com::MakeDoubles(std::array{enthalpy}).Get());
   });
   const com::Name flash = which == property::kEnthalpyF ? names::kPHF : names::kPH;
-  Opened([&] { return com::ToUtf8(flash) + " flash failed: "; },
-         [&] { thermo.CalcEquilibrium(Material(), state, flash); });
+  WithPrefix([&] { return com::ToUtf8(flash) + " flash failed: "; },
+             [&] { thermo.CalcEquilibrium(Material(), state, flash); });
 }
 
 void TrialMaterial::FlashAtVaporFraction(const StreamState& state, double fraction) {
-  Opened("Failed to set vapor fraction: ", [&] {
+  WithPrefix("Failed to set vapor fraction: ", [&] {
     const com::Bstr vapor = thermo.GetVaporName(Material());
     thermo.SetProp(Material(), {names::kPhaseFraction, com::Name(vapor), {}, names::kMole}, com::kNoValue,
                    com::MakeDoubles(std::array{fraction}).Get());
   });
-  Opened("PVF flash failed: ", [&] { thermo.CalcEquilibrium(Material(), state, names::kPVF); });
+  WithPrefix("PVF flash failed: ", [&] { thermo.CalcEquilibrium(Material(), state, names::kPVF); });
 }
 
 double TrialMaterial::Temperature() {
@@ -87,7 +87,7 @@ void TrialMaterial::SetSinglePhase(const StreamState& state, const PhaseLabel& p
 void TrialMaterial::ReadFractions(const PhaseLabel& phase, Basis basis, std::vector<double>& fractions,
                                   LazyText opening) {
   const auto explain = [&](const std::string& why) { return Failure(opening() + why); };
-  const com::Variant values = Opened(opening, [&] {
+  const com::Variant values = WithPrefix(opening, [&] {
     return thermo.GetProp(Material(), {names::kFraction, phase.HostName(), {}, NameOf(basis)}, com::kNoValue);
   });
   material::ReadOr([&] { com::ReadDoubles(values.Get(), fractions); }, explain);
@@ -98,7 +98,7 @@ void TrialMaterial::ReadFractions(const PhaseLabel& phase, Basis basis, std::vec
 
 double TrialMaterial::PhaseProperty(const Property& which, const PhaseLabel& phase, Basis basis, LazyText opening,
                                     LazyText invalid) {
-  const material::Answer answer = Opened(opening, [&] {
+  const material::Answer answer = WithPrefix(opening, [&] {
     return thermo.GetPropertyNoDup(Material(), {which, phase.HostName(), names::kMixture, NameOf(basis)});
   });
   const auto explain = [&](const std::string& why) { return Failure(invalid() + why); };

@@ -48,10 +48,10 @@ class ReactionContext : public com::Implements<Unit, ICapeKineticReactionContext
   static constexpr const char* kScope = "SetReactionObject";
   static constexpr const char* kInterface = "ICapeKineticReactionContext";
 
-  /// What a host does as its package is released happens to a reactor that has none.
+  /// The package is released last: a host that calls back meanwhile finds a reactor without a package.
   void ReleasePackage() { const ReactionPackage released = std::exchange(package, {}); }
 
-  /// A package whose reactions can't be listed is a package all the same; why stays as the last error.
+  /// A package whose reactions cannot be listed is accepted; the reason stays as the last error.
   void NoteUnlistedReactions() {
     try {
       (void)ReactionPackage(package).ListReactions();

@@ -11,7 +11,7 @@ namespace morvelan {
 namespace {
 
 /// A failure whose text begins with `opening` and ends with the host's or the package's reason.
-auto Because(std::string opening) {
+auto WithReason(std::string opening) {
   return [opening = std::move(opening)](const std::string& why) { return Failure(opening + why); };
 }
 
@@ -40,7 +40,7 @@ com::Variant CompoundList10(IDispatch* material) {
                   ErrorText(material, failure));
   com::Variant ids;
   CheckHost(object->get_ComponentIds(ids.Put()), object.Get(),
-            Because("Failed to get compound IDs from material connected to inlet port: "));
+            WithReason("Failed to get compound IDs from material connected to inlet port: "));
   return ids;
 }
 
@@ -54,7 +54,7 @@ com::Variant CompoundList11(IDispatch* material) {
   CheckHost(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingTemperatures.Put(),
                                        molecularWeights.Put(), casNumbers.Put()),
             compounds.Get(),
-            Because("Failed to get compound IDs from material (GetCompoundList()) connected to inlet port: "));
+            WithReason("Failed to get compound IDs from material (GetCompoundList()) connected to inlet port: "));
   return ids;
 }
 
@@ -80,11 +80,11 @@ Reaction ReactionResolver::Resolve(const ReactionRequest& request) {
 void ReactionResolver::AskType(const ReactionRequest& request, BSTR id, Reaction& reaction) const {
   AnyCode<CapeReactionType> type;
   CheckHost(chemistry->GetReactionType(id, type.Put()), chemistry.Get(),
-            Because(Quoted("Failed to obtain reaction type for reaction", reaction) + ": "));
+            WithReason(Quoted("Failed to obtain reaction type for reaction", reaction) + ": "));
   const bool isKinetic = type.Is(CAPE_KINETIC);
   const bool isEquilibrium = type.Is(CAPE_EQUILIBRIUM);
   if ((request.mustBeKinetic && !isKinetic) || (request.mustBeEquilibrium && !isEquilibrium))
-    // (Also where a kinetic one was required: users know this sentence.)
+    // The text is the same if a kinetic reaction is required.
     throw Failure(Quoted("Reaction", reaction) + " is not an equilibrium reaction");
   if (isKinetic || isEquilibrium) reaction.type = isKinetic ? ReactionType::kKinetic : ReactionType::kEquilibrium;
   if (!request.wantsKind) return;
@@ -97,7 +97,7 @@ void ReactionResolver::AskType(const ReactionRequest& request, BSTR id, Reaction
 void ReactionResolver::AskRateBasis(BSTR id, Reaction& reaction) const {
   AnyCode<CapeReactionRateBasis> basis;
   CheckHost(chemistry->GetReactionRateBasis(id, basis.Put()), chemistry.Get(),
-            Because(Quoted("Failed to obtain reaction rate basis for reaction", reaction) + ": "));
+            WithReason(Quoted("Failed to obtain reaction rate basis for reaction", reaction) + ": "));
   const bool isHomogeneous = basis.Is(CAPE_HOMOGENEOUS);
   if (!isHomogeneous && !basis.Is(CAPE_HETEROGENEOUS))
     throw Failure("Unknown reaction rate basis for reaction " + reaction.name.Text() +
@@ -114,9 +114,9 @@ void ReactionResolver::AskConcentrationBasis(BSTR id, Reaction& reaction) const 
 void ReactionResolver::AskCompounds(BSTR id, Reaction& reaction) const {
   com::Variant ids, charges, casNumbers;
   CheckHost(chemistry->GetReactionCompoundIds(id, ids.Put(), charges.Put(), casNumbers.Put()), chemistry.Get(),
-            Because(Quoted("Failed to obtain list of reaction compounds for reaction", reaction) + ": "));
+            WithReason(Quoted("Failed to obtain list of reaction compounds for reaction", reaction) + ": "));
   reaction.compoundIds = material::ReadOr([&] { return com::ReadStrings(ids.Get()); },
-                                          Because("Invalid format for reaction compounds IDs: "));
+                                          WithReason("Invalid format for reaction compounds IDs: "));
   if (reaction.compoundIds.empty()) throw Failure(Quoted("Zero compounds in selected reaction", reaction));
 }
 
@@ -124,7 +124,7 @@ void ReactionResolver::ListCompounds() {
   if (!inlet) throw Failure("failed to obtain material from the (first) inlet port");
   const com::Variant ids = thermo11 ? CompoundList11(inlet.Get()) : CompoundList10(inlet.Get());
   compounds = material::ReadOr([&] { return com::ReadStrings(ids.Get()); },
-                               Because("Invalid format for compounds IDs from inlet material: "));
+                               WithReason("Invalid format for compounds IDs from inlet material: "));
   if (compounds.empty()) throw Failure("Zero compounds exposed by inlet material");
 }
 
@@ -142,8 +142,8 @@ void ReactionResolver::MapCompounds(Reaction& reaction) const {
 void ReactionResolver::AskStoichiometry(BSTR id, Reaction& reaction) const {
   com::Variant coefficients;
   CheckHost(chemistry->GetStoichiometricCoefficients(id, coefficients.Put()), chemistry.Get(),
-            Because("Failed to obtain reaction stoichiometry data for reaction " + reaction.name.Text() + ": "));
-  const auto invalid = Because("Invalid format for reaction stoichiometry: ");
+            WithReason("Failed to obtain reaction stoichiometry data for reaction " + reaction.name.Text() + ": "));
+  const auto invalid = WithReason("Invalid format for reaction stoichiometry: ");
   reaction.coefficients = material::ReadOr([&] { return com::ReadDoubles(coefficients.Get()); }, invalid);
   if (reaction.coefficients.size() != reaction.compoundIds.size())
     throw Failure("Stoichiometry data does not match number of compounds from reaction");
@@ -155,7 +155,7 @@ void ReactionResolver::AskStoichiometry(BSTR id, Reaction& reaction) const {
 void ReactionResolver::AskPhase(BSTR id, Reaction& reaction) const {
   com::Bstr phase;
   CheckHost(chemistry->GetReactionPhase(id, phase.Put()), chemistry.Get(),
-            Because("Failed to get reaction phase for reaction " + reaction.name.Text() + ": "));
+            WithReason("Failed to get reaction phase for reaction " + reaction.name.Text() + ": "));
   reaction.phase = PhaseLabel(com::ToUtf8(phase.Get()));
 }
 

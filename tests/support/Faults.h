@@ -1,7 +1,9 @@
 #pragma once
 
+#include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/support/HostScript.h"
 #include "tests/support/SystemText.h"
@@ -28,6 +30,42 @@ inline constexpr FaultMode kFaultModes[] = {
      "Failed to get error name for ECapeUnknown"},
 };
 
+/// An answer that no careful host gives.
+struct OddAnswer {
+  const char* title;
+  com::Variant (*answer)();
+};
+
+inline com::Variant TextAndNumber() {
+  std::vector<com::Variant> elements;
+  elements.push_back(com::MakeString("Vapor"));
+  elements.push_back(com::MakeDouble(1));
+  return com::MakeVariants(elements);
+}
+
+inline constexpr OddAnswer kOddAnswers[] = {
+    {"nothing", [] { return com::Variant(); }},
+    {"texts",
+     [] {
+       return com::MakeStrings(std::vector<std::string>{"one", "two"});
+     }},
+    {"a number", [] { return com::MakeDouble(1e5); }},
+    {"no numbers", [] { return com::MakeDoubles({}); }},
+    {"no texts", [] { return com::MakeStrings(std::vector<std::string>{}); }},
+    {"three numbers",
+     [] {
+       return com::MakeDoubles(std::vector{1.0, 2.0, 3.0});
+     }},
+    {"NaN", [] { return com::MakeDoubles(std::vector{std::numeric_limits<double>::quiet_NaN()}); }},
+    {"minus infinity", [] { return com::MakeDoubles(std::vector{-std::numeric_limits<double>::infinity()}); }},
+    {"a missing value",
+     [] {
+       return com::MakeDoubles(std::vector{1.0, std::numeric_limits<double>::lowest()});
+     }},
+    {"a text and a number", TextAndNumber},
+    {"empty elements", [] { return com::MakeVariants(std::vector<com::Variant>(2)); }},
+};
+
 inline void Provoke(HostScript& script, const FaultMode& mode, int failAt) {
   script.Restart();
   script.failAt = failAt;
@@ -43,6 +81,12 @@ inline std::string Explain(std::string text, const std::string& call, const Faul
   const std::string why = call.starts_with("QueryInterface") ? "No such interface supported" : mode.why;
   if (const auto at = text.find("<why>"); at != std::string::npos) text.replace(at, 5, why);
   return InThisSystemsWords(std::move(text));
+}
+
+/// A text with "<why>" in place of the host's explanation of a failed call: it does not depend on the system.
+inline std::string WithoutReason(std::string text, const std::string& call, const FaultMode& mode) {
+  ReplaceAll(text, Explain("<why>", call, mode), "<why>");
+  return InCommonWords(text);
 }
 
 }  // namespace morvelan::test

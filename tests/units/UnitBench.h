@@ -39,6 +39,7 @@ struct UnitBench {
     EXPECT_EQ(door.utilities->put_simulationContext(Dispatch(context)), S_OK);
     ConnectMaterials();
   }
+  virtual ~UnitBench() = default;
 
   void Configure(const std::string& json) {
     const auto configuration = door.unit.As<IUnitConfiguration>();
@@ -74,6 +75,13 @@ struct UnitBench {
     if (high) heat->Add("temperatureHigh", kelvin, *high);
     EXPECT_EQ(door.Port(port)->Connect(Dispatch(heat)), S_OK);
     Restart();
+  }
+
+  /// Connects an information stream with one value.
+  void ConnectValue(const std::string& port, const std::vector<double>& dimensionality, double value) {
+    streams[port] = com::Make<FakeStream>(script);
+    streams[port]->Add("value", dimensionality, value);
+    EXPECT_EQ(door.Port(port)->Connect(Dispatch(streams[port])), S_OK) << ErrorOf(door.Port(port).Get());
   }
 
   FakeState& At(const std::string& port) { return materials.at(port)->state; }
@@ -131,10 +139,24 @@ struct UnitBench {
     return std::ranges::count_if(script->calls, [&](const std::string& call) { return call.starts_with(label); });
   }
 
+  /// The references that the host's objects have.
+  [[nodiscard]] virtual std::vector<ULONG> References() const {
+    std::vector<ULONG> references = {context->References()};
+    for (const auto& [port, material] : materials) references.push_back(material->References());
+    for (const auto& [port, stream] : streams) references.push_back(stream->References());
+    if (heat) references.push_back(heat->References());
+    return references;
+  }
+  /// Gives or withdraws the reaction package; false for a unit that takes none.
+  [[nodiscard]] virtual bool SetPackage(bool /*isAssigned*/) { return false; }
+  /// Lets the host forget what the unit has handed over and nothing takes back.
+  virtual void ForgetHandedOver() {}
+
   FakeState feed;
   std::shared_ptr<HostScript> script = std::make_shared<HostScript>();
   std::map<std::string, com::Ref<FakeMaterial>> materials;
   com::Ref<FakeStream> heat;
+  std::map<std::string, com::Ref<FakeStream>> streams;  // of information
   com::Ref<FakeContext> context = com::Make<FakeContext>(script);
   UnitDoor door;
 

@@ -62,8 +62,6 @@ void CHeaterCooler::Publish(Type by, double temperature, std::optional<double> d
                               by == Type::kHeatDuty ? nullptr : &heatDuty, &thermoVersion});
 }
 
-// ---- Heating to a temperature
-
 std::optional<double> CHeaterCooler::HeatToTemperature(StreamState& out) {
   out.temperature = outletTemperature;
   product.FlashAtTemperature(out);
@@ -75,8 +73,6 @@ std::optional<double> CHeaterCooler::HeatToTemperature(StreamState& out) {
     return std::nullopt;
   }
 }
-
-// ---- Heating by a duty
 
 double CHeaterCooler::HeatWith(HeatSource source, StreamState& out) {
   if (!(out.totalFlow > 0)) {

@@ -16,14 +16,12 @@ using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
 constexpr double kTemperatureScale = 100;  // [K] per unit of its unknown
-/// How much of the feed may be missing of a compound where equations are tried.
+/// The greatest negative flow of a compound at which equations are evaluated, relative to the feed.
 constexpr double kLargestDeficit = 0.1;
-/// How much of the feed rounding may take too much of a compound.
+/// The greatest negative flow of a compound that is rounding, relative to the feed.
 constexpr double kFlowRounding = 1e-13;
-/// What a compound's flow may be at least, relative to the feed, to measure others by it.
+/// The smallest scale of a flow, relative to the feed.
 constexpr double kSmallestScale = 1e-280;
-
-// ---- The unknowns that Newton's method works on
 
 /// How unknowns of the order of one make a trial: the first ones make extents, a last one the temperature.
 class Unknowns {
@@ -31,36 +29,36 @@ class Unknowns {
   /// Extents divided by the feed.
   explicit Unknowns(const ExtentEquations& problem)
       : equations(problem), scales(VectorXd::Constant(problem.nu.cols(), problem.inletFlows.sum())) {}
-  /// The flows of the compounds of which there is least in a trial, divided by what there is. (Reactions that
-  /// depend on one another need their extents.)
+  /// The flows of the limiting compounds of a trial, divided by these flows. Reactions that depend on one another have
+  /// too few of them: then the unknowns are their extents.
   Unknowns(const ExtentEquations& problem, const ExtentTrial& start) : Unknowns(problem) {
-    scarce = ScarceCompounds(problem.nu, start.flows);
-    if (Index(scarce.size()) < problem.nu.cols()) scarce.clear();
-    if (scarce.empty()) return;
+    limiting = LimitingCompounds(problem.nu, start.flows);
+    if (Index(limiting.size()) < problem.nu.cols()) limiting.clear();
+    if (limiting.empty()) return;
     const double feed = problem.inletFlows.sum();
     MatrixXd rows(problem.nu.cols(), problem.nu.cols());
     for (Index k = 0; k < rows.rows(); ++k) {
-      rows.row(k) = problem.nu.row(scarce[static_cast<std::size_t>(k)]);
-      scales[k] = std::max(start.flows[scarce[static_cast<std::size_t>(k)]], kSmallestScale * feed);
+      rows.row(k) = problem.nu.row(limiting[static_cast<std::size_t>(k)]);
+      scales[k] = std::max(start.flows[limiting[static_cast<std::size_t>(k)]], kSmallestScale * feed);
     }
     toExtents = rows.inverse();
-    without = Remainder(problem.inletFlows, -problem.nu * toExtents * problem.inletFlows(scarce));
+    without = Remainder(problem.inletFlows, -problem.nu * toExtents * problem.inletFlows(limiting));
   }
 
   [[nodiscard]] ExtentTrial Trial(std::span<const double> x) const {
     const VectorXd scaled = Eigen::Map<const VectorXd>(x.data(), scales.size()).cwiseProduct(scales);
     const double temperature = equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
-    if (scarce.empty()) return TrialAt(equations, scaled, temperature);
-    // Counted from nothing of the scarce ones, which may be differences of much greater numbers.
-    ExtentTrial trial{.extents = toExtents * (scaled - equations.inletFlows(scarce)),
+    if (limiting.empty()) return TrialAt(equations, scaled, temperature);
+    // Flows are counted from the state without any limiting compound: a small flow is not the difference of large ones.
+    ExtentTrial trial{.extents = toExtents * (scaled - equations.inletFlows(limiting)),
                       .flows = without + equations.nu * (toExtents * scaled),
                       .temperature = temperature};
-    trial.flows(scarce) = scaled;
+    trial.flows(limiting) = scaled;
     return trial;
   }
 
   [[nodiscard]] std::vector<double> At(const ExtentTrial& trial) const {
-    const VectorXd values = scarce.empty() ? trial.extents : VectorXd(trial.flows(scarce));
+    const VectorXd values = limiting.empty() ? trial.extents : VectorXd(trial.flows(limiting));
     std::vector<double> x(static_cast<std::size_t>(scales.size()));
     for (std::size_t k = 0; k < x.size(); ++k) x[k] = values[Index(k)] / scales[Index(k)];
     if (equations.temperatureIsUnknown) x.push_back(trial.temperature / kTemperatureScale);
@@ -68,7 +66,7 @@ class Unknowns {
   }
 
   [[nodiscard]] std::vector<std::size_t> Positive() const {
-    std::vector<std::size_t> positive(scarce.size());
+    std::vector<std::size_t> positive(limiting.size());
     std::iota(positive.begin(), positive.end(), std::size_t{0});
     if (equations.temperatureIsUnknown) positive.push_back(static_cast<std::size_t>(scales.size()));
     return positive;
@@ -76,10 +74,10 @@ class Unknowns {
 
  private:
   const ExtentEquations& equations;
-  std::vector<Index> scarce;  // empty where the unknowns are extents
-  VectorXd scales;            // [mol/s]
+  std::vector<Index> limiting;  // empty where the unknowns are extents
+  VectorXd scales;              // [mol/s]
   MatrixXd toExtents;
-  VectorXd without;  // [mol/s], the flows without any of the scarce compounds
+  VectorXd without;  // [mol/s], the flows without any of the limiting compounds
 };
 
 ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unknowns, const ExtentTrial& start,
@@ -118,7 +116,7 @@ ExtentSolution SolveExtents(const ExtentEquations& equations, double tolerance, 
   ExtentSolution first = SolveFrom(equations, Unknowns(equations), feed, tolerance, maxIterations);
   if (first.success) return reported(std::move(first), "no reaction");
   const std::pair<ExtentTrial (*)(const ExtentEquations&), const char*> others[] = {
-      {HardlyBegun, "every reaction hardly begun"}, {OneAfterTheOther, "one reaction after the other"}};
+      {SmallExtents, "every reaction hardly begun"}, {OneReactionAtATime, "one reaction after the other"}};
   for (const auto& [makeStart, name] : others) {
     const ExtentTrial start = makeStart(equations);
     ExtentSolution solution = SolveFrom(equations, Unknowns(equations, start), start, tolerance, maxIterations);

@@ -18,15 +18,16 @@ using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-/// Parts of what the feed allows that are tried as a beginning: large ones may take more heat than there is.
+/// Fractions of the greatest extents that the feed allows, tried in this order: large ones may take more heat than
+/// the feed has.
 constexpr double kBeginnings[] = {0.5, 1e-2, 1e-4, 1e-6};
 constexpr double kTrace = 1e-2;
 
 constexpr double kChangeRounding = 4 * std::numeric_limits<double>::epsilon();
 
-// An extent is at the fraction 1 / (1 + exp(-t)) of its range.
-constexpr double kLargestT = 600;
-constexpr double kToleranceOfT = 0.02;
+// The line-search coordinate t of an extent: the extent is at the fraction 1 / (1 + exp(-t)) of its range.
+constexpr double kLargestCoordinate = 600;
+constexpr double kCoordinateTolerance = 0.02;
 constexpr double kSmallestStep = 0.01;  // of t
 constexpr int kMostSteps = 30;
 constexpr int kMostTrials = 60;
@@ -39,19 +40,19 @@ ExtentTrial Balanced(const ExtentEquations& equations, ExtentTrial trial) {
   try {
     trial.temperature = equations.model->BalancedTemperature(trial);
   } catch (const Failure&) {
-    // A start need not be a good one.
+    // The start keeps its temperature where the heat balance cannot be closed.
   }
   return trial;
 }
 
-/// The feed after a part of what can be made of it without using up any compound.
+/// The feed after a fraction of the greatest extents that use up no compound.
 ExtentTrial Beginning(const ExtentEquations& equations, double part) {
   const VectorXd direction = FindFeasibility(equations.nu, equations.inletFlows).direction;
   const double most = RangeOfExtent(equations.nu * direction, equations.inletFlows).highest;
   return TrialAt(equations, part * most * direction, equations.temperature);
 }
 
-/// Every reaction half way, so that there is some of every compound.
+/// Every reaction at half its extent, so that every compound is present.
 ExtentTrial HalfWay(const ExtentEquations& equations) {
   ExtentTrial trial = Beginning(equations, kBeginnings[0]);
   for (Index r = 0; r < equations.nu.cols(); ++r) {
@@ -64,21 +65,22 @@ ExtentTrial HalfWay(const ExtentEquations& equations) {
   return Balanced(equations, trial);
 }
 
-/// A way on which the flows change, to the ends of it where compounds are used up.
-class Way {
+/// A line in the space of extents, between the two ends where a compound is used up.
+class SearchLine {
  public:
-  Way(const ExtentTrial& trial, const VectorXd& extentsOfWay, const VectorXd& flowsOfWay)
-      : start(trial), extents(extentsOfWay), flows(flowsOfWay), range(RangeOfExtent(flowsOfWay, trial.flows)) {
+  SearchLine(const ExtentTrial& trial, const VectorXd& extentsOfLine, const VectorXd& flowsOfLine)
+      : start(trial), extents(extentsOfLine), flows(flowsOfLine), range(RangeOfExtent(flowsOfLine, trial.flows)) {
     lowEnd = Remainder(start.flows, range.lowest * flows);
     highEnd = Remainder(start.flows, range.highest * flows);
   }
 
-  [[nodiscard]] bool LeadsAnywhere() const { return range.highest > range.lowest; }
-  [[nodiscard]] double HereT() const {
+  [[nodiscard]] bool HasLength() const { return range.highest > range.lowest; }
+  [[nodiscard]] double StartCoordinate() const {
     const double t = std::log(-range.lowest / range.highest);
-    return std::isnan(t) ? 0 : std::clamp(t, -kLargestT, kLargestT);
+    return std::isnan(t) ? 0 : std::clamp(t, -kLargestCoordinate, kLargestCoordinate);
   }
-  /// Measured from the nearer end, for what is left there may be too little to be a difference.
+  /// The state at a coordinate. Flows are measured from the nearer end of the line, because close to it they are too
+  /// small to be differences of large numbers.
   [[nodiscard]] ExtentTrial At(double t) const {
     const double length = range.highest - range.lowest;
     const double fromEnd = length / (1 + std::exp(std::abs(t)));
@@ -96,24 +98,24 @@ class Way {
   VectorXd lowEnd, highEnd;
 };
 
-/// Where a residual that rises with t changes its sign, as far as it can be evaluated; nothing when it can't
-/// be to begin with.
+/// The coordinate where a residual that rises with t changes its sign, or the last one where it can be evaluated; empty
+/// if it cannot be evaluated at the start.
 template <class Residual>
 std::optional<double> FindRise(double t, Residual&& residual) {
   std::string why;
   double value = 0;
   if (!residual(t, value, why)) return std::nullopt;
-  const double way = value > 0 ? -1 : 1;
+  const double sign = value > 0 ? -1 : 1;
   double step = 1;
-  for (int i = 0; i < kMostSteps && step > kSmallestStep && way * t < kLargestT; ++i) {
-    const double next = std::clamp(t + way * step, -kLargestT, kLargestT);
+  for (int i = 0; i < kMostSteps && step > kSmallestStep && sign * t < kLargestCoordinate; ++i) {
+    const double next = std::clamp(t + sign * step, -kLargestCoordinate, kLargestCoordinate);
     double nextValue = 0;
     if (!residual(next, nextValue, why)) {
       step *= 0.25;
       continue;
     }
-    if (way * nextValue > 0) {
-      const auto root = numerics::SolveBracketed(residual, t, next, kToleranceOfT, kMostTrials);
+    if (sign * nextValue > 0) {
+      const auto root = numerics::SolveBracketed(residual, t, next, kCoordinateTolerance, kMostTrials);
       return root.success ? root.x : next;
     }
     t = next;
@@ -125,30 +127,30 @@ std::optional<double> FindRise(double t, Residual&& residual) {
 /// Solves for one extent, and returns by how much its t changed.
 double SolveOne(const ExtentEquations& equations, const VectorXd& direction, ExtentTrial& trial) {
   const VectorXd flows = WithoutRounding(equations.nu * direction);
-  const Way way(trial, direction, flows);
-  if (!way.LeadsAnywhere()) return 0;
+  const SearchLine line(trial, direction, flows);
+  if (!line.HasLength()) return 0;
   VectorXd residuals(equations.nu.cols() + (equations.temperatureIsUnknown ? 1 : 0));
   const auto residual = [&](double t, double& value, std::string& why) {
-    if (!equations.model->Evaluate(way.At(t), {residuals.data(), static_cast<std::size_t>(residuals.size())}, why))
+    if (!equations.model->Evaluate(line.At(t), {residuals.data(), static_cast<std::size_t>(residuals.size())}, why))
       return false;
     value = direction.dot(residuals.head(direction.size()));
     return true;
   };
-  const double before = way.HereT();
+  const double before = line.StartCoordinate();
   const std::optional<double> after = FindRise(before, residual);
   if (!after) return 0;
-  trial = way.At(*after);
+  trial = line.At(*after);
   return std::abs(*after - before);
 }
 
 /// The directions in which extents are solved for: each reaction's own, or for equilibria those that change
-/// one scarce compound each.
+/// one limiting compound each.
 MatrixXd Directions(const ExtentEquations& equations, const ExtentTrial& trial) {
   const MatrixXd own = MatrixXd::Identity(equations.nu.cols(), equations.nu.cols());
   if (!equations.equilibriaOnly) return own;
-  const std::vector<Index> scarce = ScarceCompounds(equations.nu, trial.flows);
-  if (scarce.size() < static_cast<std::size_t>(own.cols())) return own;
-  return equations.nu(scarce, Eigen::all).inverse();
+  const std::vector<Index> limiting = LimitingCompounds(equations.nu, trial.flows);
+  if (limiting.size() < static_cast<std::size_t>(own.cols())) return own;
+  return equations.nu(limiting, Eigen::all).inverse();
 }
 
 bool CanBeEvaluated(const ExtentEquations& equations, const ExtentTrial& trial) {
@@ -171,11 +173,11 @@ VectorXd Remainder(const VectorXd& flows, const VectorXd& change) {
   return left;
 }
 
-std::vector<Index> ScarceCompounds(const MatrixXd& nu, const VectorXd& flows) {
+std::vector<Index> LimitingCompounds(const MatrixXd& nu, const VectorXd& flows) {
   std::vector<Index> ascending(static_cast<std::size_t>(flows.size()));
   std::iota(ascending.begin(), ascending.end(), Index{0});
   std::ranges::stable_sort(ascending, {}, [&](Index j) { return flows[j]; });
-  std::vector<Index> scarce;
+  std::vector<Index> limiting;
   MatrixXd rows(0, nu.cols());
   for (const Index j : ascending) {
     if (rows.rows() == nu.cols()) break;
@@ -183,14 +185,14 @@ std::vector<Index> ScarceCompounds(const MatrixXd& nu, const VectorXd& flows) {
     more << rows, nu.row(j);
     if (more.colPivHouseholderQr().rank() < more.rows()) continue;
     rows = std::move(more);
-    scarce.push_back(j);
+    limiting.push_back(j);
   }
-  return scarce;
+  return limiting;
 }
 
-ExtentTrial HardlyBegun(const ExtentEquations& equations) { return Beginning(equations, kTrace); }
+ExtentTrial SmallExtents(const ExtentEquations& equations) { return Beginning(equations, kTrace); }
 
-ExtentTrial OneAfterTheOther(const ExtentEquations& equations) {
+ExtentTrial OneReactionAtATime(const ExtentEquations& equations) {
   ExtentTrial trial = HalfWay(equations);
   for (const double part : kBeginnings)
     if (!CanBeEvaluated(equations, trial)) trial = Balanced(equations, Beginning(equations, part));

@@ -9,22 +9,22 @@ namespace morvelan {
 /// A state with given extents [mol/s].
 [[nodiscard]] ExtentTrial TrialAt(const ExtentEquations& equations, const Eigen::VectorXd& extents, double temperature);
 
-/// What is left of flows [mol/s] after a change of them; exactly nothing where that is no more than rounding.
-/// (Compounds that are used up together then are so in their proportion, however little is left.)
+/// Flows [mol/s] after a change of them; exactly zero where no more than rounding is left, so that compounds which are
+/// used up together keep their proportion.
 [[nodiscard]] Eigen::VectorXd Remainder(const Eigen::VectorXd& flows, const Eigen::VectorXd& change);
 
-/// As many compounds as there are reactions, those of which there is least, by whose flows the extents are
-/// known; fewer when reactions depend on one another.
-[[nodiscard]] std::vector<Eigen::Index> ScarceCompounds(const Eigen::MatrixXd& nu, const Eigen::VectorXd& flows);
+/// The limiting compounds, those with the smallest flows: one per reaction, so that their flows determine the extents;
+/// fewer if reactions depend on one another.
+[[nodiscard]] std::vector<Eigen::Index> LimitingCompounds(const Eigen::MatrixXd& nu, const Eigen::VectorXd& flows);
 
-// Where a solution may be looked for when it isn't found from the feed.
+// Initial guesses for a solution that is not found from the feed.
 
-/// So little reaction that there is a trace of every compound, at the temperature of the feed.
-[[nodiscard]] ExtentTrial HardlyBegun(const ExtentEquations& equations);
+/// Small extents: a trace of every compound is present, at the temperature of the feed.
+[[nodiscard]] ExtentTrial SmallExtents(const ExtentEquations& equations);
 
-/// What solving for one extent after the other comes to. Where all equations are those of equilibria they are
-/// combined so that each is about one scarce compound: W. R. Smith and R. W. Missen, Chemical Reaction
+/// The result of solving for one reaction at a time. Where all equations are those of equilibria they are
+/// combined so that each is about one limiting compound: W. R. Smith and R. W. Missen, Chemical Reaction
 /// Equilibrium Analysis, 1982, chapter 6.
-[[nodiscard]] ExtentTrial OneAfterTheOther(const ExtentEquations& equations);
+[[nodiscard]] ExtentTrial OneReactionAtATime(const ExtentEquations& equations);
 
 }  // namespace morvelan

@@ -99,7 +99,7 @@ void HeatBalance::Bypass(double pressure, const HeatSource& source) {
   out.pressure = pressure;
   out.totalFlow = 0;
   product.FlashAtTemperature(out);
-  // What is given stays, though nothing takes it up.
+  // Without flow no heat is taken up; the specified duty stays as it is.
   Publish(type == Type::kHeatDuty ? source.duty : 0);
 }
 

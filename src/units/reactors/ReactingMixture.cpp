@@ -75,7 +75,7 @@ double ReactingMixture::Density(const PhaseLabel& phase, Basis basis) {
   };
   PhaseLabel only;
   if (phase.IsOverall()) {
-    // Hosts know the densities of phases, not that of a mixture of them.
+    // Hosts give the density of a phase, but not of several phases together.
     const std::vector<PhaseFraction> present = material.Phases();
     if (present.size() != 1) throw Failure(opening() + "the mixture is not a single phase");
     only = PhaseLabel(present[0].phase);

@@ -40,12 +40,12 @@ Eigen::VectorXd ReactionSet::FeedFlows() const {
 
 void ReactionSet::LeaveOutInactive(std::vector<Reaction>& reactions) const {
   for (bool changed = true; changed;) {
-    auto [out, tied, direction] = FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), FeedFlows());
-    // Through compounds of which there is none a kinetic reaction has no rate.
+    auto [out, degenerate, direction] = FindFeasibility(StoichiometricMatrix(reactions, compounds.size()), FeedFlows());
+    // A kinetic reaction through a compound that is never present has no rate.
     const auto stays =
-        std::ranges::partition(tied, [&](std::size_t r) { return reactions[r].Is(ReactionType::kKinetic); });
-    out.insert(out.end(), tied.begin(), stays.begin());
-    if (out.empty() && !tied.empty()) throw CalculationFailure(kInfeasible);
+        std::ranges::partition(degenerate, [&](std::size_t r) { return reactions[r].Is(ReactionType::kKinetic); });
+    out.insert(out.end(), degenerate.begin(), stays.begin());
+    if (out.empty() && !degenerate.empty()) throw CalculationFailure(kInfeasible);
     std::ranges::sort(out);
     for (const std::size_t r : out)
       journal.Note("Reaction \"" + reactions[r].name.Text() + "\" is ignored: it can't take place with this feed");

@@ -117,7 +117,7 @@ ExtentRange RangeOfExtent(const VectorXd& coefficients, const VectorXd& flows) {
     if (coefficients[j] < 0) range.highest = std::min(range.highest, end);
     if (coefficients[j] > 0) range.lowest = std::max(range.lowest, end);
   }
-  // Mass comes from nothing in a package's mistake only; then the feed shall be enough.
+  // Only a wrong package has a reaction that uses up no compound or makes none; the feed limits its extent.
   if (std::isinf(range.lowest)) range.lowest = -flows.sum();
   if (std::isinf(range.highest)) range.highest = flows.sum();
   return range;
@@ -130,7 +130,7 @@ Feasibility FindFeasibility(const MatrixXd& nu, const VectorXd& inletFlows) {
   // Extents are feasible where they make no negative amount of an absent compound: by Farkas' lemma they make
   // none of a compound if and only if the negative of its row is made up of the rows of absent compounds.
   const MatrixXd rows = nu(absent, Eigen::all).rowwise().normalized();
-  Feasibility feasibility{.idle = {}, .tied = {}, .direction = VectorXd::Zero(nu.cols())};
+  Feasibility feasibility{.inactive = {}, .degenerate = {}, .direction = VectorXd::Zero(nu.cols())};
   MatrixXd never(0, nu.cols());
   for (Index i = 0; i < rows.rows(); ++i) {
     const VectorXd remainder = LeastRemainder(rows.transpose(), -rows.row(i).transpose());
@@ -145,9 +145,9 @@ Feasibility FindFeasibility(const MatrixXd& nu, const VectorXd& inletFlows) {
   const MatrixXd free = Eigen::FullPivLU<MatrixXd>(never).setThreshold(kDependenceTolerance).kernel();
   for (Index r = 0; r < nu.cols(); ++r) {
     if (free.row(r).isZero(kDependenceTolerance))
-      feasibility.idle.push_back(static_cast<std::size_t>(r));
+      feasibility.inactive.push_back(static_cast<std::size_t>(r));
     else if (!never.col(r).isZero(kDependenceTolerance))
-      feasibility.tied.push_back(static_cast<std::size_t>(r));
+      feasibility.degenerate.push_back(static_cast<std::size_t>(r));
   }
   return feasibility;
 }

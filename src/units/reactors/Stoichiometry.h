@@ -30,10 +30,10 @@ struct ExtentRange {
 /// What reactions can do with a feed [mol/s], alone or together, before any flow is negative. Compounds that
 /// are not fed must be made before they can react, if need be by two reactions at a time.
 struct Feasibility {
-  std::vector<std::size_t> idle;  // reactions, by column, that can't take place in either direction
-  /// Reactions that can take place only in fixed proportions, through compounds of which there is none at any
-  /// time: nothing tells how far they go.
-  std::vector<std::size_t> tied;
+  std::vector<std::size_t> inactive;  // reactions, by column, that cannot take place in either direction
+  /// Reactions that can take place only in fixed proportions, through compounds that are never present: their extents
+  /// are not determined.
+  std::vector<std::size_t> degenerate;
   Eigen::VectorXd direction;  // extents that make some of every compound that can be made
 };
 [[nodiscard]] Feasibility FindFeasibility(const Eigen::MatrixXd& nu, const Eigen::VectorXd& inletFlows);

@@ -7,7 +7,7 @@
 #include <random>
 
 #include "numerics/formula/CalculatorFormula.h"
-#include "tests/numerics/LongTests.h"
+#include "tests/support/LongTests.h"
 
 namespace morvelan::test::mu_parser {
 

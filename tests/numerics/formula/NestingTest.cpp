@@ -7,7 +7,7 @@
 
 #include "numerics/formula/CalculatorFormula.h"
 #include "numerics/formula/NumericEntry.h"
-#include "tests/numerics/LongTests.h"
+#include "tests/support/LongTests.h"
 
 namespace morvelan::test::nesting {
 

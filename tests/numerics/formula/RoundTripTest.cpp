@@ -6,8 +6,8 @@
 #include <random>
 
 #include "numerics/formula/CalculatorFormula.h"
-#include "tests/numerics/LongTests.h"
 #include "tests/numerics/formula/TreeText.h"
+#include "tests/support/LongTests.h"
 
 namespace morvelan::test::round_trip {
 

@@ -107,6 +107,20 @@ struct ReactorBench : UnitBench {
     return flows;
   }
 
+  [[nodiscard]] std::vector<ULONG> References() const override {
+    std::vector<ULONG> references = UnitBench::References();
+    references.push_back(package->References());
+    return references;
+  }
+  [[nodiscard]] bool SetPackage(bool isAssigned) override {
+    EXPECT_EQ(Assign(isAssigned ? package.Get() : nullptr), S_OK);
+    return true;
+  }
+  /// By the older interface nothing takes the copy of the feed back: it is the package's.
+  void ForgetHandedOver() override {
+    if (!package->state.offersMaterialContext) package->material = nullptr;
+  }
+
   com::Ref<FakeReactionPackage> package;
 };
 

@@ -60,8 +60,8 @@ struct FeedCase {
   const char* title;
   Reactions reactions;
   std::vector<double> feed;
-  std::vector<std::size_t> idle;
-  std::vector<std::size_t> tied = {};
+  std::vector<std::size_t> inactive;
+  std::vector<std::size_t> degenerate = {};
 };
 
 const Reactions kExchange = {{-1, 0, 1, -1}, {0, -1, 1, -1}};  // A + D = B and A2 + D = B of A, A2, B, D
@@ -95,11 +95,11 @@ TEST(Stoichiometry, TellsWhatReactionsCanDoWithAFeed) {
     SCOPED_TRACE(c.title);
     const Eigen::MatrixXd nu = Columns(c.reactions);
     const Feasibility feasibility = FindFeasibility(nu, Flows(c.feed));
-    EXPECT_EQ(feasibility.idle, c.idle);
-    EXPECT_EQ(feasibility.tied, c.tied);
+    EXPECT_EQ(feasibility.inactive, c.inactive);
+    EXPECT_EQ(feasibility.degenerate, c.degenerate);
     // A little of its direction makes some of every compound that isn't fed, but of those that never are.
     const Eigen::VectorXd made = nu * feasibility.direction;
-    const bool makesAll = c.idle.empty() && c.tied.empty();
+    const bool makesAll = c.inactive.empty() && c.degenerate.empty();
     for (Eigen::Index j = 0; j < made.size(); ++j)
       if (!(c.feed[static_cast<std::size_t>(j)] > 0) && !nu.row(j).isZero(0))
         EXPECT_TRUE(makesAll ? made[j] > 0.01 : made[j] > -1e-12) << "compound " << j << ": " << made[j];
@@ -114,7 +114,7 @@ TEST(Stoichiometry, KnowsTheRangeOfAnExtent) {
   } const cases[] = {
       {"of A alone", {-1, 1}, {2, 0}, 0, 2},
       {"both ways", {-1, 1}, {2, 3}, -3, 2},
-      {"by the scarce one", {-1, -2, 4}, {2, 1, 8}, -2, 0.5},
+      {"by the limiting one", {-1, -2, 4}, {2, 1, 8}, -2, 0.5},
       {"exhausted", {-1, -1, 1}, {2, 0, 0}, 0, 0},
       {"a negative flow is none", {-1, 1, 0}, {2, -1, 1}, 0, 2},
       {"by small coefficients", {-0.125, 0.25}, {2, 1}, -4, 16},
