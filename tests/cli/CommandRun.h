@@ -1,12 +1,9 @@
 #pragma once
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 
 namespace morvelan::test {
-
-using Json = nlohmann::json;
 
 /// What a run of the `morvelan` command left behind.
 struct CommandOutcome {
@@ -18,6 +15,9 @@ struct CommandOutcome {
 /// Runs the built command in a folder of its own for scratch files.
 [[nodiscard]] CommandOutcome RunCommand(const std::string& arguments);
 
+/// Gives a line to the system's shell and returns the exit status. Each system has its own.
+[[nodiscard]] int ExitStatus(const std::string& line);
+
 /// Writes a scratch file and returns its path.
 [[nodiscard]] std::filesystem::path WriteScratch(const std::string& name, const std::string& text);
 
@@ -26,14 +26,5 @@ struct CommandOutcome {
 
 /// A whole file.
 [[nodiscard]] std::string ReadFile(const std::filesystem::path& file);
-
-/// Runs a flowsheet and reads its results; null when none were written.
-struct FlowsheetOutcome : CommandOutcome {
-  Json results;
-};
-[[nodiscard]] FlowsheetOutcome RunFlowsheet(const std::string& text, const std::string& options = {});
-
-/// Expects equal texts and structure, and equal numbers within a relative tolerance.
-void ExpectSame(const Json& a, const Json& b, double tolerance, const std::string& what);
 
 }  // namespace morvelan::test

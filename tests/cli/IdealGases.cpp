@@ -4,6 +4,9 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <stdexcept>
 #include <vector>
 
 #include "tests/cli/CommandRun.h"
@@ -19,14 +22,23 @@ struct HeatCapacityRange {
 };
 
 struct Gas {
+  Amounts atoms;
   double formationEnthalpy;     // [J/mol]
   double formationGibbsEnergy;  // [J/mol]
   std::vector<HeatCapacityRange> ranges;
 };
 
-Gas ReadGas(const Json& data) {
-  Gas gas{data.at("enthalpyOfFormationGas"), data.at("gibbsOfFormationGas"), {}};
-  for (const Json& range : data.at("idealGas").at("ranges")) {
+Amounts ReadFormula(const std::string& formula) {
+  static const std::regex element("([A-Z][a-z]?)([0-9]*)");
+  Amounts atoms;
+  for (std::sregex_iterator each(formula.begin(), formula.end(), element), end; each != end; ++each)
+    atoms[(*each)[1]] += (*each)[2].length() > 0 ? std::stod((*each)[2]) : 1;
+  return atoms;
+}
+
+Gas ReadGas(const nlohmann::json& data) {
+  Gas gas{ReadFormula(data.at("formula")), data.at("enthalpyOfFormationGas"), data.at("gibbsOfFormationGas"), {}};
+  for (const nlohmann::json& range : data.at("idealGas").at("ranges")) {
     gas.ranges.push_back({range.at("Tmin"), range.at("Tmax"), {}});
     std::copy_n(range.at("a").begin(), 5, gas.ranges.back().a.begin());
   }
@@ -36,11 +48,13 @@ Gas ReadGas(const Json& data) {
 }
 
 const Gas& GasNamed(const std::string& compound) {
-  static const Json data = Json::parse(ReadFile(std::filesystem::path(MORVELAN_DATA_DIR) / "compounds.json"));
+  static const nlohmann::json data =
+      nlohmann::json::parse(ReadFile(std::filesystem::path(MORVELAN_DATA_DIR) / "compounds.json"));
   static std::map<std::string, Gas> known;
   if (const auto found = known.find(compound); found != known.end()) return found->second;
-  const Json& compounds = data.at("compounds");
-  const auto entry = std::ranges::find_if(compounds, [&](const Json& each) { return each.at("name") == compound; });
+  const nlohmann::json& compounds = data.at("compounds");
+  const auto entry =
+      std::ranges::find_if(compounds, [&](const nlohmann::json& each) { return each.at("name") == compound; });
   if (entry == compounds.end()) throw std::runtime_error("no compound is called " + compound);
   return known.emplace(compound, ReadGas(*entry)).first->second;
 }
@@ -78,6 +92,8 @@ double GasGibbsEnergy(const std::string& compound, double T) {
   const Gas& gas = GasNamed(compound);
   return EnthalpyOf(gas, T) - T * EntropyOf(gas, T);
 }
+
+const Amounts& AtomsOf(const std::string& compound) { return GasNamed(compound).atoms; }
 
 double GasEnthalpyFlow(const Amounts& flows, double T) {
   double sum = 0;

@@ -12,10 +12,8 @@ inline constexpr double kGasConstant = 8.314462618;     // [J/(mol K)], that of 
 inline constexpr double kStandardTemperature = 298.15;  // [K]
 inline constexpr double kStandardPressure = 100000.0;   // [Pa]
 
-/// Ideal gases as the compound data describes them, integrated here anew: what tests compare with.
-///
-/// h = Hf + integral of cp dT and s = (Hf - Gf) / 298.15 K + integral of cp / T dT, both from 298.15 K, so
-/// that elements in their reference states have neither.
+/// Ideal gases as the compound data describes them, integrated here again for tests to compare with:
+/// h = Hf + integral of cp dT and s = (Hf - Gf) / 298.15 K + integral of cp / T dT, both from 298.15 K.
 
 /// [J/mol]
 [[nodiscard]] double GasEnthalpy(const std::string& compound, double T);
@@ -23,5 +21,8 @@ inline constexpr double kStandardPressure = 100000.0;   // [Pa]
 [[nodiscard]] double GasGibbsEnergy(const std::string& compound, double T);
 /// [W]
 [[nodiscard]] double GasEnthalpyFlow(const Amounts& flows, double T);
+
+/// How many atoms of each element a molecule has, from its formula in the compound data.
+[[nodiscard]] const Amounts& AtomsOf(const std::string& compound);
 
 }  // namespace morvelan::test

@@ -1,11 +1,12 @@
-// That units which take reactions get them from the command, and that everything is given back. The unit is
-// published by a class manifest, so that this is for where those are.
+// The host gives the reactions of a flowsheet to units that take reactions, and releases what they leave. The unit of
+// these tests is published by a class manifest, so that they are for systems that have manifests.
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "tests/cli/CommandRun.h"
+#include "tests/cli/Flowsheets.h"
 
 namespace morvelan::test::reaction_handover {
 
@@ -40,36 +41,33 @@ Json Flowsheet() {
 }
 
 TEST_F(ReactionHandover, GivesUnitsTheReactionsOfTheFile) {
-  for (const char* options : {"", "--roundtrip", "--thermo 1.0", "--thermo both --roundtrip"}) {
-    const auto outcome = RunFlowsheet(Flowsheet().dump(), options);
-    ASSERT_EQ(outcome.status, 0) << options << outcome.errors << outcome.output;
-    for (const char* unit : {"T-1", "T-2"})
-      // What the other unit left in the package is gone; ln K = 2 + 600/400.
-      EXPECT_EQ(outcome.results["units"][unit]["reports"]["Last run"],
-                "without material: no material is set: reaction properties need SetMaterial first\n"
-                "ln K: 3.500000")
-          << options;
-  }
+  for (const auto thermo : {host::ThermoOffer::k10, host::ThermoOffer::kBoth})
+    for (const bool roundtrip : {false, true}) {
+      const Json results = SolvedResults(Flowsheet(), {.thermoInterface = thermo, .roundtrip = roundtrip});
+      for (const char* unit : {"T-1", "T-2"})
+        // What the other unit left in the package is gone; ln K = 2 + 600/400.
+        EXPECT_EQ(results["units"][unit]["reports"]["Last run"],
+                  "without material: no material is set: reaction properties need SetMaterial first\n"
+                  "ln K: 3.500000");
+    }
 }
 
 TEST_F(ReactionHandover, GivesNothingWhereTheFileHasNoReactions) {
-  for (const char* options : {"", "--roundtrip"})
+  for (const bool roundtrip : {false, true})
     for (const bool isEmpty : {false, true}) {
       Json flowsheet = Flowsheet();
       flowsheet.erase("reactions");
       if (isEmpty) flowsheet["reactions"] = Json::array();
-      const auto outcome = RunFlowsheet(flowsheet.dump(), options);
-      ASSERT_EQ(outcome.status, 1) << options << outcome.errors;
-      EXPECT_EQ(outcome.results["units"]["T-1"]["error"]["description"], "no reaction package was given");
+      const Json results = RunFlowsheet(flowsheet.dump(), {.thermoInterface = {}, .roundtrip = roundtrip}).results;
+      EXPECT_EQ(results["units"]["T-1"]["error"]["description"], "no reaction package was given");
     }
 }
 
 TEST_F(ReactionHandover, NamesAUnitThatRefusesThem) {
   Json flowsheet = Flowsheet();
   flowsheet["units"]["Refusing"] = {{"class", "ReactionTaker"}};
-  const auto outcome = RunFlowsheet(flowsheet.dump());
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_NE(outcome.errors.find(": units/Refusing: the unit cannot be created: "), std::string::npos) << outcome.errors;
+  const std::string refusal = RunFlowsheet(flowsheet.dump()).refusal;
+  EXPECT_NE(refusal.find(": units/Refusing: the unit cannot be created: "), std::string::npos) << refusal;
 }
 
 }  // namespace morvelan::test::reaction_handover
