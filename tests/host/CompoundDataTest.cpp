@@ -8,6 +8,8 @@ namespace morvelan::host::test::compound_data {
 
 using nlohmann::json;
 
+JsonNode NodeOf(const json& value) { return JsonNode(std::make_shared<JsonFile>("case.json", value.dump())); }
+
 json MinimalCompound(const std::string& name) {
   return {{"name", name},
           {"molecularWeight", 50.0},
@@ -67,7 +69,7 @@ TEST(CompoundData, TakesCompoundsOfTheUser) {
   json mine = MinimalCompound("naphtha cut");
   json other = MinimalCompound("Propane");
   other["molecularWeight"] = 44.0;
-  data.AddCompounds(json{{"compounds", {mine, other}}}, "case.json");
+  data.AddCompounds(NodeOf({{"compounds", {mine, other}}}));
   EXPECT_EQ(data.Compounds().size(), 76U);
   EXPECT_EQ(data.Compounds()[*data.Find("propane")].molecularWeight, 44.0);
   PackageOptions options;
@@ -90,13 +92,13 @@ TEST(CompoundData, NamesThePlaceOfAnError) {
     const char* text;
   };
   const std::vector<Case> cases = {
-      {"acentricfactor", 0.1, "unknown key \"acentricfactor\""},
-      {"criticalPressure", "high", "criticalPressure: expected a number, found string"},
+      {"acentricfactor", 0.1, "acentricfactor: the key is unknown"},
+      {"criticalPressure", "high", "criticalPressure: a number is expected, \"high\" found"},
       {"criticalPressure", nullptr, "belong together"},
       {"molecularWeight", -1.0, "molecularWeight: must be above 0"},
-      {"molecularWeight", nullptr, "missing \"molecularWeight\""},
+      {"molecularWeight", nullptr, "molecularWeight: a number is expected, null found"},
       {"aliases", {"WATER"}, "already belongs to compound \"water\""},
-      {"idealGas", {{"model", "shomate"}}, "idealGas: model: must be \"nasa7\""},
+      {"idealGas", {{"model", "shomate"}}, "idealGas/model: must be \"nasa7\""},
       {"idealGas", {{"model", "nasa7"}, {"ranges", {{{"Tmin", 300.0}, {"Tmax", 200.0}, {"a", {1.0}}}}}}, "ranges[0]"},
       {"gibbsOfFormationGas", 1.0, "belong together"},
   };
@@ -105,19 +107,18 @@ TEST(CompoundData, NamesThePlaceOfAnError) {
     json compound = MinimalCompound("mine");
     compound[c.key] = c.value;
     try {
-      data.AddCompounds(json{{"compounds", {compound}}}, "case.json");
+      data.AddCompounds(NodeOf({{"compounds", {compound}}}));
       ADD_FAILURE() << "accepted: " << compound;
     } catch (const std::runtime_error& error) {
       const std::string text = error.what();
       EXPECT_NE(text.find(c.text), std::string::npos) << text;
       EXPECT_EQ(text.rfind("case.json", 0), 0U) << text;
-      EXPECT_NE(text.find("mine"), std::string::npos) << text;
     }
     EXPECT_EQ(data.Compounds().size(), 75U) << "changed by a refused entry";
   }
   CompoundData data = BuiltInData();
   EXPECT_THROW(data.AddCompounds(std::filesystem::path("no/such/file.json")), std::runtime_error);
-  EXPECT_THROW(data.AddInteractions(json::parse(R"({"pairs": [{"a": "water", "b": "x", "kij": 0}]})"), "case.json"),
+  EXPECT_THROW(data.AddInteractions(NodeOf(json::parse(R"({"pairs": [{"a": "water", "b": "x", "kij": 0}]})"))),
                std::runtime_error);
 }
 

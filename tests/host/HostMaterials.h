@@ -9,7 +9,7 @@
 
 #include "com/Text.h"
 #include "host/material/MaterialObject.h"
-#include "host/thermo/CompoundData.h"
+#include "host/thermo/PackageFactory.h"
 #include "tests/support/Door.h"
 
 namespace morvelan::test {
@@ -42,7 +42,8 @@ struct Material {
   explicit Material(std::shared_ptr<const host::PropertyPackage> package = GasPackage(),
                     host::ThermoOffer offer = host::ThermoOffer::kBoth)
       : Material(com::Make<host::MaterialObject>("S-1", host::MaterialState(std::move(package)), offer)) {}
-  explicit Material(com::Ref<host::MaterialObject> made)
+  explicit Material(const com::Ref<host::MaterialObject>& made) : Material(made.As<IUnknown>()) {}
+  explicit Material(com::Ref<IUnknown> made)
       : object(std::move(made)),
         thermo10(object.As<ICapeThermoMaterialObject>()),
         thermo11(object.As<ICapeThermoMaterial>()),
@@ -101,7 +102,7 @@ struct Material {
   /// The text of the last failure.
   [[nodiscard]] std::string Text() const { return ErrorOf(object.Get()).description; }
 
-  com::Ref<host::MaterialObject> object;
+  com::Ref<IUnknown> object;
   com::Ref<ICapeThermoMaterialObject> thermo10;
   com::Ref<ICapeThermoMaterial> thermo11;
   com::Ref<ICapeThermoPropertyRoutine> routine;

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "host/flowsheet/Flowsheet.h"
+#include "host/flowsheet/FlowsheetReader.h"
 #include "host/reactions/ReactionPackage.h"
 #include "tests/host/HostMaterials.h"
 

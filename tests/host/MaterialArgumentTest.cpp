@@ -18,7 +18,7 @@ TEST(HostMaterial, OffersTheGenerationsItIsMadeFor) {
       {ThermoOffer::k10, true, false}, {ThermoOffer::k11, false, true}, {ThermoOffer::kBoth, true, true}};
   for (const auto& c : cases) {
     const Material material(GasPackage(), c.offer);
-    const auto object = material.object.As<IUnknown>();
+    const auto object = material.object;
     EXPECT_EQ(static_cast<bool>(object.As<ICapeThermoMaterialObject>()), c.thermo10);
     EXPECT_EQ(static_cast<bool>(object.As<ICapeThermoMaterial>()), c.thermo11);
     EXPECT_EQ(static_cast<bool>(object.As<ICapeThermoPropertyRoutine>()), c.thermo11);
@@ -167,8 +167,8 @@ TEST(HostMaterial, CopiesDoNotFollowTheirOriginal) {
   com::Ref<IDispatch> duplicate, created;
   ASSERT_EQ(material.thermo10->Duplicate(duplicate.Put()), S_OK);
   ASSERT_EQ(material.thermo11->CreateMaterial(created.Put()), S_OK);
-  const Material copy10(host::AsMaterialObject(duplicate.Get()));
-  const Material copy11(host::AsMaterialObject(created.Get()));
+  const Material copy10(duplicate.As<IUnknown>());
+  const Material copy11(created.As<IUnknown>());
   EXPECT_EQ(Read10(copy11, "temperature", "Overall", "", ""), kNotAvailable) << "made empty";
   IDispatch* source = duplicate.Get();
   ASSERT_EQ(copy11.thermo11->CopyFromMaterial(&source), S_OK);

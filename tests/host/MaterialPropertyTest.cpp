@@ -168,8 +168,9 @@ TEST(HostMaterial, GivesFlowsAndFractions) {
 
 // 44.01 g of carbon dioxide and 16.043 g of methane a second are 1 mol/s of each.
 TEST(HostMaterial, TakesStatesOnMassBasis) {
-  const Material material(MakePackage({"methane", "carbon dioxide"}));
-  const auto& package = material.object->State().Package();
+  const auto shared = MakePackage({"methane", "carbon dioxide"});
+  const Material material(shared);
+  const auto& package = *shared;
   const double m1 = package.CompoundAt(0).molecularWeight / 1000, m2 = package.CompoundAt(1).molecularWeight / 1000;
   ASSERT_EQ(material.Set("flow", "Mass", {m1, m2}), S_OK);
   ExpectNear(material.Get11("totalFlow", "Overall", "Mole"), {2}, kSame, "total flow");

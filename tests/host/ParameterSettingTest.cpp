@@ -87,7 +87,7 @@ TEST(ParameterSetting, TurnsValuesIntoTheParametersKind) {
     std::string refusal;
     try {
       host::PutParameter(parameter, NodeOf(setting.given));
-    } catch (const host::FlowsheetError& error) {
+    } catch (const host::FileError& error) {
       refusal = error.what();
     }
     EXPECT_EQ(refusal.empty(), *setting.stored != 0) << what << ": " << refusal;

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/thermo/CompoundData.h"
-#include "host/thermo/PropertyPackage.h"
+#include "host/thermo/PackageFactory.h"
 
 namespace morvelan::host {
 
