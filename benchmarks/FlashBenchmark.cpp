@@ -5,8 +5,7 @@
 
 #include <filesystem>
 
-#include "host/thermo/CompoundData.h"
-#include "host/thermo/PropertyPackage.h"
+#include "host/thermo/PackageFactory.h"
 
 namespace {
 

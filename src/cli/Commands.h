@@ -7,7 +7,7 @@
 
 namespace morvelan::cli {
 
-// What the command answers with.
+// Exit statuses.
 inline constexpr int kSolved = 0;
 inline constexpr int kNotSolved = 1;
 inline constexpr int kWrongInput = 2;

@@ -5,7 +5,6 @@
 #include "cli/Commands.h"
 #include "com/Text.h"
 #include "host/flowsheet/ColumnTable.h"
-#include "host/flowsheet/Nearest.h"
 #include "host/unit/DimensionSymbol.h"
 #include "host/unit/ParameterSetting.h"
 
@@ -14,7 +13,7 @@ namespace {
 
 using Lines = std::vector<std::vector<std::string>>;
 
-/// Writes lines of cells under a heading, each column as wide as its widest cell.
+/// Prints lines of cells under a heading. Each column is as wide as its widest cell.
 void Print(const char* heading, const Lines& lines) {
   std::vector<std::size_t> widths;
   for (const auto& line : lines) {
@@ -51,16 +50,6 @@ const char* ModeName(CapeParamMode mode) {
   return mode == CAPE_INPUT ? "input" : mode == CAPE_OUTPUT ? "output" : "input and output";
 }
 
-com::PublishedClass RequireClass(const std::string& className) {
-  const std::vector<com::PublishedClass> classes = com::PublishedClasses();
-  if (auto found = host::FindUnitClass(className, classes)) return *found;
-  std::vector<std::string> names;
-  for (const com::PublishedClass& known : classes) names.push_back(known.name);
-  throw std::runtime_error("class \"" + className + "\" is unknown" +
-                           (names.empty() ? "; no unit classes are registered"
-                                          : host::Suggestion(className, names) + "; known are " + host::Listed(names)));
-}
-
 Lines PortLines(const host::HostedUnit& unit) {
   Lines lines;
   for (const host::UnitPort& port : unit.Ports()) {
@@ -92,7 +81,7 @@ int ListUnits() {
 }
 
 int Describe(const std::string& className) {
-  const com::PublishedClass unitClass = RequireClass(className);
+  const com::PublishedClass unitClass = host::RequireUnitClass(className, com::PublishedClasses());
   host::HostedUnit unit(unitClass);
   Print("", {{unitClass.name, unitClass.progId, com::ToText(unitClass.clsid)}});
   std::cout << unitClass.description << '\n';

@@ -1,4 +1,4 @@
-// The `morvelan` command: arguments in, an exit status out. What it does is done by the host.
+// The command `morvelan`: reads its arguments and hands them to the host.
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Compound data as installed with the program, or in the source tree in which it was built.
+/// The folder of compound data: installed with the program, or in the source tree where it was built.
 fs::path DataFolder() {
   const fs::path program = com::ModuleFile().parent_path();
   for (const char* folder : {"../share/morvelan/data", "../data", "data", "../../../data"})

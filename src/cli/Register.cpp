@@ -1,5 +1,4 @@
-// Registers a library of unit operations, or with --unregister takes it out again, where the system has no
-// tool of its own for it.
+// Registers a library of unit operations, or unregisters it, on systems that have no tool for that.
 
 #include <dlfcn.h>
 

@@ -5,6 +5,7 @@
 #include "cli/Commands.h"
 #include "com/Program.h"
 #include "com/Text.h"
+#include "host/flowsheet/FlowsheetReader.h"
 #include "host/flowsheet/ResultJson.h"
 #include "host/flowsheet/ResultTable.h"
 
@@ -17,14 +18,14 @@ std::string JsonText(const host::Results& results) {
   return host::ToJson(results).dump(kIndent, ' ', false, host::Json::error_handler_t::replace) + '\n';
 }
 
-/// Tells of units that are not solved; the table has it too, but a quiet run has no table.
-void TellFailures(const host::Results& results) {
+/// Prints the errors of units. The table has them too, but a quiet run prints no table.
+void PrintErrors(const host::Results& results) {
   for (const host::UnitResult& unit : results.units)
     if (unit.error) std::cerr << "morvelan: unit \"" << unit.name << "\": " << unit.error->Text() << '\n';
   if (!results.problem.empty()) std::cerr << "morvelan: " << results.problem << '\n';
 }
 
-/// A line that is written over and over while a recycle is solved.
+/// A line that is overwritten in each round of a recycle.
 void ShowProgress(int round, double change) {
   std::cerr << "\rRecycle, round " << round << ": largest change " << std::setprecision(2) << std::scientific << change
             << "  " << std::flush;
@@ -58,7 +59,7 @@ int Run(const RunArguments& arguments, const std::filesystem::path& dataFolder) 
   else if (!arguments.quiet)
     std::cout << host::ToText(results);
   std::cout.flush();
-  TellFailures(results);
+  PrintErrors(results);
   return results.solved ? kSolved : kNotSolved;
 }
 

@@ -78,7 +78,7 @@ std::vector<Case> Cases() {
     for (const double T : system.temperatures)
       for (const bool isAdiabatic : {false, true}) {
         for (std::size_t k = 0; k < 8; ++k) {
-          if (!AreTestsLong() && k != number % 8) continue;
+          if (!ShortOrLong(false, true) && k != number % 8) continue;
           const double P = k < 4 ? 1e5 : 5e6;
           cases.push_back({Named(system.reactions.front().name, ' ', T, " K ", P, " Pa ", kBases[k % 4],
                                  isAdiabatic ? " adiabatic" : " isothermal"),
@@ -236,7 +236,7 @@ TEST(EquilibriumReactor, SolvesFromPoorStarts) {
   for (const Start& start : kStarts) {
     ++number;
     for (std::size_t k = 0; k < std::size(kFlows); ++k) {
-      if (!AreTestsLong() && k != number % std::size(kFlows)) continue;
+      if (!ShortOrLong(false, true) && k != number % std::size(kFlows)) continue;
       const std::string name = Named(start.title, ", ", kFlows[k], " mol/s");
       cases[name] = {&start, kFlows[k]};
       AddUnit(flowsheet, name,

@@ -45,11 +45,6 @@ void AddDifferences(const Json& a, const Json& b, double tolerance, const std::s
 
 }  // namespace
 
-bool AreTestsLong() {
-  const char* value = std::getenv("MORVELAN_LONG_TESTS");
-  return value && *value == '1';
-}
-
 FlowsheetOutcome RunFlowsheet(const std::filesystem::path& file, const host::RunOptions& options, bool twice,
                               const std::filesystem::path& dataFolder) {
   host::Flowsheet flowsheet;

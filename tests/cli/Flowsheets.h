@@ -8,13 +8,11 @@
 
 #include "host/flowsheet/FlowsheetRun.h"
 #include "tests/cli/IdealGases.h"
+#include "tests/support/LongTests.h"
 
 namespace morvelan::test {
 
 using Json = nlohmann::json;
-
-/// Whether the environment variable MORVELAN_LONG_TESTS asks for whole families of cases.
-[[nodiscard]] bool AreTestsLong();
 
 /// What the reference host makes of a flowsheet in this process. It creates the units as the command does: from the
 /// shared library, through the class registry.

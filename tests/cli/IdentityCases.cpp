@@ -221,7 +221,7 @@ std::vector<Case> ReactorCases() {
     if (reactor.parameters.contains("Heat duty type"))
       cases.push_back(reactor);
     else
-      for (const HeatOption& heat : isFast || AreTestsLong() ? std::span<const HeatOption>(kEveryHeat) : kFewHeats)
+      for (const HeatOption& heat : isFast || ShortOrLong(false, true) ? std::span<const HeatOption>(kEveryHeat) : kFewHeats)
         cases.push_back(WithHeat(reactor, heat));
   }
   return cases;
@@ -263,7 +263,7 @@ void Add(Subject& subject, const Case& each, const std::vector<State>& states, s
 Subject Made(const Mixture& mixture, std::span<const Case> cases) {
   Subject subject{.name = mixture.name, .flowsheet = {{"thermo", mixture.thermo}, {"reactions", mixture.reactions}}};
   if (!mixture.reactions.empty()) subject.energyTolerance = 1e-8, subject.flowTolerance = 1e-10;
-  const std::size_t count = mixture.states.size(), used = AreTestsLong() ? count : 1;
+  const std::size_t count = mixture.states.size(), used = ShortOrLong(false, true) ? count : 1;
   for (std::size_t number = 0; number < cases.size(); ++number)
     for (std::size_t i = 0; i < used; ++i) Add(subject, cases[number], mixture.states, (number + i) % count);
   return subject;

@@ -106,7 +106,7 @@ std::vector<std::string> DifferencesBy(const std::vector<Variation>& variations,
 /// All variations at once, for time; each alone if that fails, or if tests are long.
 void ExpectSameBy(const std::vector<Variation>& variations, const Subject& subject, const Json& expected,
                   double tolerance) {
-  if (!AreTestsLong() && DifferencesBy(variations, subject, expected, tolerance).empty()) return;
+  if (!ShortOrLong(false, true) && DifferencesBy(variations, subject, expected, tolerance).empty()) return;
   for (const Variation& variation : variations)
     EXPECT_EQ(DifferencesBy({variation}, subject, expected, tolerance), kNone) << variation.title;
   EXPECT_EQ(DifferencesBy(variations, subject, expected, tolerance), kNone) << "all at once";
@@ -128,7 +128,7 @@ void ExpectIdentities(const Subject& subject, std::string& warnings) {
 TEST(Identity, HoldsForEveryUnit) {
   std::string warnings;
   for (const Subject& subject : IdentitySubjects()) ExpectIdentities(subject, warnings);
-  if (!AreTestsLong()) ExpectApproved("identity-warnings", warnings);
+  if (!ShortOrLong(false, true)) ExpectApproved("identity-warnings", warnings);
 }
 
 }  // namespace morvelan::test::identity

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "host/flowsheet/Flowsheet.h"
+#include "host/flowsheet/FlowsheetReader.h"
 #include "host/reactions/ReactionPackage.h"
 #include "tests/host/HostMaterials.h"
 
@@ -16,21 +16,20 @@ inline nlohmann::json ParseDataFile() {
 }
 
 /// Reads a flowsheet of nothing but compounds and reactions.
-inline host::Flowsheet ReadReactionFile(const std::string& model, const std::vector<std::string>& compounds,
-                                        const std::string& reactions, const std::string& ownData = "{}") {
+inline host::Flowsheet ReadReactionFile(const std::string& model, const Strings& compounds,
+                                        const std::string& reactions, const std::string& ownData = "") {
   const auto file = std::filesystem::path(MORVELAN_SCRATCH) / "reactions.json";
   std::filesystem::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << R"({"thermo": {"model": ")" << model << R"(", "compounds": )"
                                         << nlohmann::json(compounds) << R"(, "compoundData": {"compounds": [)"
-                                        << (ownData == "{}" ? "" : ownData) << R"(]}}, "reactions": [)" << reactions
-                                        << "]}";
+                                        << ownData << R"(]}}, "reactions": [)" << reactions << "]}";
   return host::ReadFlowsheet(file, MORVELAN_DATA_DIR);
 }
 
 /// A reaction package with the interfaces that a unit calls.
 struct Reactions {
-  Reactions(const std::string& model, const std::vector<std::string>& compounds, const std::string& list,
-            const std::string& ownData = "{}")
+  Reactions(const std::string& model, const Strings& compounds, const std::string& list,
+            const std::string& ownData = "")
       : Reactions(ReadReactionFile(model, compounds, list, ownData)) {}
   explicit Reactions(const host::Flowsheet& flowsheet)
       : package(flowsheet.package),
@@ -52,29 +51,30 @@ struct Reactions {
     state.Flash({Property::kTemperature}, {Property::kPressure});
     return com::Make<host::MaterialObject>("S-1", std::move(state), offer);
   }
-  void SetMaterial(const com::Ref<host::MaterialObject>& material) const {
-    ASSERT_EQ(context->SetMaterial(material.As<IDispatch>().Get()), S_OK) << Text();
+  template <class Object>
+  void SetMaterial(const com::Ref<Object>& material) const {
+    ASSERT_EQ(context->SetMaterial(material.template As<IDispatch>().Get()), S_OK) << Text();
   }
 
-  HRESULT Calculate(const std::vector<std::string>& names, const char* phase, const std::vector<std::string>& ids,
-                    const char* basis) const {
+  HRESULT Calculate(const Strings& names, const std::string& phase, const Strings& ids,
+                    const std::string& basis) const {
     return routine->CalcReactionProp(Names(names).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get());
   }
   /// Empty on failure.
-  [[nodiscard]] std::vector<double> Read(const char* name, const char* phase, const std::vector<std::string>& ids,
-                                         const char* basis) const {
+  [[nodiscard]] std::vector<double> Read(const std::string& name, const std::string& phase, const Strings& ids,
+                                         const std::string& basis) const {
     com::Variant values;
     const HRESULT read =
         properties->GetReactionProp(B(name).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get(), values.Put());
     return SUCCEEDED(read) ? com::ReadDoubles(values.Get()) : std::vector<double>();
   }
   /// One property of one reaction, in its own phase; NaN with a failed expectation when there is none.
-  [[nodiscard]] double Value(const char* name, const std::string& id) const {
+  [[nodiscard]] double Value(const std::string& name, const std::string& id) const {
     com::Bstr phase;
-    EXPECT_EQ(chemistry->GetReactionPhase(com::ToBstr(id).Get(), phase.Put()), S_OK) << Text();
+    EXPECT_EQ(chemistry->GetReactionPhase(B(id).Get(), phase.Put()), S_OK) << Text();
     const std::string inPhase = com::ToUtf8(phase.Get());
-    EXPECT_EQ(Calculate({name}, inPhase.c_str(), {id}, "Mole"), S_OK) << id << ": " << Text();
-    const std::vector<double> values = Read(name, inPhase.c_str(), {id}, "Mole");
+    EXPECT_EQ(Calculate({name}, inPhase, {id}, "Mole"), S_OK) << id << ": " << Text();
+    const std::vector<double> values = Read(name, inPhase, {id}, "Mole");
     EXPECT_EQ(values.size(), 1u) << id << ": " << Text();
     return values.size() == 1 ? values[0] : std::numeric_limits<double>::quiet_NaN();
   }

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "host/unit/DimensionSymbol.h"
 #include "tests/support/TestUnit.h"
 
@@ -43,9 +41,7 @@ host::UnitParameter ReadParameter(const TestUnit& unit, const std::string& name)
 }
 
 JsonNode NodeOf(const std::string& value) {
-  const auto file = std::filesystem::temp_directory_path() / "morvelan-parameter.json";
-  std::ofstream(file) << "{\n\"p\": " << value << "}";
-  return JsonNode(std::make_shared<host::JsonFile>(file)).At("p");
+  return JsonNode(std::make_shared<host::JsonFile>("a.json", "{\n\"p\": " + value + "}")).At("p");
 }
 
 struct Setting {
@@ -87,7 +83,7 @@ TEST(ParameterSetting, TurnsValuesIntoTheParametersKind) {
     std::string refusal;
     try {
       host::PutParameter(parameter, NodeOf(setting.given));
-    } catch (const host::FlowsheetError& error) {
+    } catch (const host::FileError& error) {
       refusal = error.what();
     }
     EXPECT_EQ(refusal.empty(), *setting.stored != 0) << what << ": " << refusal;

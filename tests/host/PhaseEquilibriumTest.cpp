@@ -60,17 +60,17 @@ class RandomStates {
 };
 
 TEST(TpFlash, HoldsForRandomMixturesOfAllCompounds) {
-  constexpr int kStates = 4000;
+  const int count = 4000 / OneIn(40);
   RandomStates random;
   int twoPhase = 0;
-  for (int i = 0; i < kStates; ++i) {
+  for (int i = 0; i < count; ++i) {
     const RandomState c = random.Next();
     SCOPED_TRACE(Inputs(c.compounds, c.T, c.P, c.z));
     const Package package = MakePackage(c.compounds);
     Equilibrium state;
     ASSERT_NO_THROW(state = package->FlashTP(c.T, c.P, c.z));
-    ASSERT_LT(FugacityMismatch(*package, state), 1e-9);  // 1e-9 relative in every fugacity is asked for
-    ASSERT_LT(BalanceError(state, c.z), 1e-12);          // some hundred roundings of a sum of one
+    ExpectEquilibrium(*package, state, c.z);
+    if (HasFailure()) return;
     double gibbs = 0.0;
     for (const Phase& phase : state.phases) gibbs += phase.fraction * MixingGibbs(*package, phase, c.T, c.P);
     for (const PhaseKind kind : {PhaseKind::kVapor, PhaseKind::kLiquid}) {
@@ -79,16 +79,16 @@ TEST(TpFlash, HoldsForRandomMixturesOfAllCompounds) {
     }
     if (state.phases.size() == 2) ++twoPhase;
   }
-  EXPECT_GT(twoPhase, kStates / 10);
+  EXPECT_GT(twoPhase, count / 10);
 }
 
-// A vapour-like or liquid-like trial phase of random composition must not lower the Gibbs energy of what the
-// flash calls one phase. Compounds that mix in all proportions: no second liquid enters.
+// No trial phase of random composition, like vapor or like liquid, lowers the Gibbs energy where the flash finds one
+// phase. These compounds mix in all proportions, so that there is no second liquid.
 TEST(TpFlash, LeavesNoUnstableSinglePhase) {
   const Package package = MakePackage(kLightGas.compounds);
   std::mt19937_64 generator(7);
   const auto uniform = [&] { return static_cast<double>(generator() >> 11U) * 0x1p-53; };
-  for (double T = 150.0; T < 420.0; T += 6.0) {
+  for (double T = 150.0; T < 420.0; T += 6.0 * OneIn(5)) {
     for (const double P : {1e5, 2e6, 5e6, 7e6, 9e6, 1.1e7}) {
       const Equilibrium state = package->FlashTP(T, P, kLightGas.z);
       if (state.phases.size() == 2) continue;
@@ -105,16 +105,14 @@ TEST(TpFlash, LeavesNoUnstableSinglePhase) {
           for (std::size_t k = 0; k < w.size(); ++k) {
             distance += w[k] * (std::log(w[k] / kLightGas.z[k]) + trial[k] - feed[k]);
           }
-          EXPECT_GT(distance,
-                    -1e-9);  // zero at the phase boundary, within rounding and the split's tolerance
+          EXPECT_GT(distance, -1e-9);  // zero at the phase boundary, within rounding and the split's tolerance
         }
       }
     }
   }
 }
 
-// Below its bubble pressure a liquid boils, also when all that leaves is a gas far above its critical
-// temperature.
+// Below its bubble pressure a liquid boils, also when the vapor is a gas far above its critical temperature.
 TEST(TpFlash, FindsAVaporOfTheLightestGasAlone) {
   const std::vector<std::string> compounds = {"1-propanol", "helium", "sulfur dioxide"};
   const std::vector<double> z = {0.55, 0.06, 0.39};
@@ -143,7 +141,8 @@ TEST(TpFlash, CondensesWaterOutOfDenseGas) {
   }
 }
 
-// A liquid that would rather be two takes no large part of a gas far above its critical temperature with it.
+// Where two liquids would be stable, the one that is reported does not hold most of a gas far above its critical
+// temperature.
 TEST(TpFlash, HidesNoGasInASecondLiquid) {
   const std::vector<std::string> compounds = {"water", "hydrogen", "o-xylene"};
   const std::vector<double> z = {0.69, 0.23, 0.08};
@@ -157,39 +156,34 @@ TEST(TpFlash, HidesNoGasInASecondLiquid) {
 }
 
 TEST(TpFlash, IsContinuousUpToTheCriticalPoint) {
-  // Methane and ethane, 60/40: followed along its two-phase region in small steps, volumes of both phases
-  // must meet at the ends and fugacities be equal all the way.
+  // Methane and ethane, 60/40, in small steps over the two-phase region up to states with nearly equal phases.
   const std::vector<double> z = {0.6, 0.4};
   const Package package = MakePackage({"methane", "ethane"});
   int nearCritical = 0;
-  for (double P = 5.5e6; P < 7.2e6; P += 1e4) {
-    for (double T = 225.0; T < 262.0; T += 0.5) {
+  const int part = OneIn(12);  // not all: only the neighborhood of the critical point
+  for (double P = part == 1 ? 5.5e6 : 6.6e6; P < 7.2e6; P += 1e4 * part) {
+    for (double T = part == 1 ? 225.0 : 240.0; T < 262.0; T += 0.5) {
       const Equilibrium state = package->FlashTP(T, P, z);
       if (state.phases.size() == 1) continue;
       SCOPED_TRACE(Inputs({"methane", "ethane"}, T, P, z));
-      EXPECT_LT(FugacityMismatch(*package, state), 1e-9);
-      EXPECT_LT(BalanceError(state, z), 1e-12);
+      ExpectEquilibrium(*package, state, z);
       if (std::abs(state.phases[0].x[0] - state.phases[1].x[0]) < 0.05) ++nearCritical;
     }
   }
-  EXPECT_GT(nearCritical, 5);
+  EXPECT_GE(nearCritical, 6);
 }
 
 TEST(TpFlash, IsIndifferentToTracesAndAbsentCompounds) {
-  struct Case {
-    double T;  // [K]
-    double P;  // [Pa]
-  };
   const std::vector<std::string> compounds = {"methane", "n-pentane", "water", "hydrogen", "n-decane"};
   const Package package = MakePackage(compounds);
   const Package alone = MakePackage({"methane", "n-pentane"});
   const std::vector<double> two = {0.5, 0.5};
-  for (const Case& c : {Case{200.0, 1e5}, Case{300.0, 1e6}, Case{320.0, 8e6}, Case{500.0, 1e5}}) {
-    const Equilibrium expected = alone->FlashTP(c.T, c.P, two);
+  for (const auto& [T, P] : {std::pair{200.0, 1e5}, {300.0, 1e6}, {320.0, 8e6}, {500.0, 1e5}}) {
+    const Equilibrium expected = alone->FlashTP(T, P, two);
     for (const double trace : {0.0, 1e-300, 1e-12}) {
       const std::vector<double> z = {0.5, 0.5 - 2.0 * trace, 0.0, trace, trace};
-      SCOPED_TRACE(Inputs(compounds, c.T, c.P, z));
-      const Equilibrium state = package->FlashTP(c.T, c.P, z);
+      SCOPED_TRACE(Inputs(compounds, T, P, z));
+      const Equilibrium state = package->FlashTP(T, P, z);
       ASSERT_EQ(state.phases.size(), expected.phases.size());
       EXPECT_NEAR(state.VaporFraction(), expected.VaporFraction(), 1e-10);  // traces of 1e-12, amplified
       EXPECT_LT(FugacityMismatch(*package, state), 1e-9);
@@ -216,20 +210,19 @@ TEST(TpFlash, DecidesPureCompoundsAtSaturation) {
 }
 
 TEST(SinglePhase, IsLabelledByItsDensityAndAttraction) {
-  struct Case {
+  struct {
     const char* compound;
     double T;  // [K]
     double P;  // [Pa]
     PhaseKind expected;
-  };
-  const std::vector<Case> cases = {
+  } const cases[] = {
       {"nitrogen", 300.0, 3e7, PhaseKind::kVapor},         // far above Tc = 126 K, however dense
       {"methane", 300.0, 2e7, PhaseKind::kVapor},          // pipeline gas, T/Tc = 1.6
       {"carbon dioxide", 310.0, 3e7, PhaseKind::kLiquid},  // dense phase just above Tc = 304 K
       {"carbon dioxide", 310.0, 5e6, PhaseKind::kVapor},  {"water", 300.0, 1e5, PhaseKind::kLiquid},
       {"water", 700.0, 1e6, PhaseKind::kVapor},           {"hydrogen", 300.0, 3e7, PhaseKind::kVapor},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const Package package = MakePackage({c.compound});
     const std::vector<double> z = {1.0};
     SCOPED_TRACE(Inputs({c.compound}, c.T, c.P, z));
@@ -252,8 +245,7 @@ TEST(SaturationFlash, ReportsBothPhasesAtBubbleAndDewPoints) {
       EXPECT_LT(bubble.T, dew.T);
       for (const Equilibrium& state : {bubble, dew}) {
         ASSERT_EQ(state.phases.size(), 2U);
-        EXPECT_LT(FugacityMismatch(*package, state), 1e-9);
-        EXPECT_LT(BalanceError(state, blend.z), 1e-12);
+        ExpectEquilibrium(*package, state, blend.z);
         const double V = state.VaporFraction();
         EXPECT_NEAR(package->FlashTVF(state.T, V, blend.z).P / P, 1.0, 1e-9);
         // 1 mK to either side of the boundary there are one and two phases.
@@ -265,8 +257,7 @@ TEST(SaturationFlash, ReportsBothPhasesAtBubbleAndDewPoints) {
   }
 }
 
-// Beyond the critical pressure a dew point may still exist twice; the one connected to low pressure is the
-// warmer.
+// Beyond the critical pressure there may be two dew points; the one that is connected to low pressure is the warmer.
 TEST(SaturationFlash, ReturnsTheNormalOneOfTwoDewPoints) {
   const Package package = MakePackage(kLightGas.compounds);
   const Equilibrium normal = package->FlashPVF(7e6, 1.0, kLightGas.z);
@@ -274,10 +265,11 @@ TEST(SaturationFlash, ReturnsTheNormalOneOfTwoDewPoints) {
   EXPECT_GT(normal.T, atLowerP.T - 5.0);
   EXPECT_EQ(package->FlashTP(normal.T + 0.1, 7e6, kLightGas.z).phases.size(), 1U);
   EXPECT_EQ(package->FlashTP(normal.T - 0.1, 7e6, kLightGas.z).phases.size(), 2U);
-  EXPECT_THROW((void)package->FlashPVF(3e7, 0.5, kLightGas.z), std::runtime_error);
 }
 
 TEST(SaturationFlash, RefusesStatesBeyondTheCriticalPoint) {
+  const Package mixture = MakePackage({"methane", "ethane"});
+  EXPECT_THROW((void)mixture->FlashPVF(3e7, 0.5, std::vector{0.6, 0.4}), std::runtime_error);
   const Package package = MakePackage({"propane"});
   const std::vector<double> z = {1.0};
   EXPECT_THROW((void)package->FlashPVF(4.3e6, 0.5, z), std::runtime_error);

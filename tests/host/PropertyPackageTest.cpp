@@ -107,9 +107,8 @@ TEST(PhaseProperties, HaveTheDerivativesTheyClaim) {
   }
 }
 
-// The equation itself, P = RT/(v-b) - a/(v^2+2bv-b^2), written out in SI units with parameters computed here
-// from the critical data (Peng and Robinson 1976; their constants to the digits printed, hence the
-// tolerance).
+// The equation itself, P = RT/(v-b) - a/(v^2+2bv-b^2), in SI units with parameters computed here from the critical data
+// (Peng and Robinson 1976; their constants have the printed digits, hence the tolerance).
 TEST(PengRobinson, VolumesSatisfyTheEquation) {
   for (const PhaseCase& c : kPhaseCases) {
     const Package package = MakePackage(c.blend.compounds);
@@ -142,25 +141,23 @@ TEST(PengRobinson, VolumesSatisfyTheEquation) {
 
 // ln phi = integral from 0 to P of (Z-1)/P dP, by Simpson's rule over volumes only.
 TEST(PengRobinson, FugacityIsTheIntegralOfTheVolume) {
-  struct Case {
+  struct {
     const char* compound;
     double T;  // [K]
     double P;  // [Pa]
-  };
-  for (const Case& c : {Case{"carbon dioxide", 320.0, 2e7}, Case{"methane", 200.0, 5e6}, Case{"water", 700.0, 3e7}}) {
+  } const cases[] = {{"carbon dioxide", 320.0, 2e7}, {"methane", 200.0, 5e6}, {"water", 700.0, 3e7}};
+  for (const auto& c : cases) {
     const Package package = MakePackage({c.compound});
     const std::vector<double> x = {1.0};
     SCOPED_TRACE(Inputs({c.compound}, c.T, c.P, x));
-    constexpr int kIntervals = 20000;
-    double sum = 0.0;
-    for (int k = 0; k <= kIntervals; ++k) {
-      const double P = c.P * std::max(k, 1) / kIntervals;  // the integrand is flat near zero
-      const double Z = package->Properties(PhaseKind::kVapor, c.T, P, x).compressibility;
-      sum += (Z - 1.0) / P * (k == 0 || k == kIntervals ? 1.0 : (k % 2 == 1 ? 4.0 : 2.0));
-    }
-    const double expected = sum * c.P / (3.0 * kIntervals);
-    EXPECT_NEAR(package->LnPhi(PhaseKind::kVapor, c.T, c.P, x)[0], expected,
-                1e-7);  // error of the first interval
+    constexpr int kIntervals = 1000;
+    const auto integrand = [&](int k) {
+      const double P = c.P * k / kIntervals;
+      return (package->Properties(PhaseKind::kVapor, c.T, P, x).compressibility - 1.0) / P;
+    };
+    double sum = 2.0 * integrand(1) - integrand(2) + integrand(kIntervals);  // the value at zero is extrapolated
+    for (int k = 1; k < kIntervals; ++k) sum += integrand(k) * (k % 2 == 1 ? 4.0 : 2.0);
+    EXPECT_NEAR(package->LnPhi(PhaseKind::kVapor, c.T, c.P, x)[0], sum * c.P / (3.0 * kIntervals), 1e-7);
   }
 }
 
@@ -180,19 +177,18 @@ TEST(PengRobinson, BoilsEveryCompoundWhereItShould) {
 // JANAF Thermochemical Tables, 4th ed. 1998: H(T) - H(298.15 K) and cp of the ideal gases. The NASA-7 fits
 // follow them within 0.1 percent.
 TEST(IdealGas, AgreesWithPublishedTables) {
-  struct Case {
+  struct {
     const char* compound;
     double T;             // [K]
     double enthalpy;      // [J/mol]
     double heatCapacity;  // [J/(mol K)]
-  };
-  const std::vector<Case> cases = {
+  } const cases[] = {
       {"nitrogen", 1000.0, 21463.0, 32.697},       {"oxygen", 1000.0, 22703.0, 34.870},
       {"hydrogen", 1000.0, 20680.0, 30.205},       {"carbon monoxide", 1000.0, 21690.0, 33.183},
       {"carbon dioxide", 1000.0, 33397.0, 54.308}, {"water", 1000.0, 26000.0, 41.268},
       {"argon", 1000.0, 14589.0, 20.786},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const MolarProperties gas =
         MakePackage({c.compound}, "ideal-gas")->Properties(PhaseKind::kVapor, c.T, 1e5, std::vector{1.0});
     EXPECT_NEAR(gas.enthalpy, c.enthalpy, 1e-3 * c.enthalpy) << c.compound;
@@ -242,25 +238,18 @@ TEST(IdealGas, HasOnePhaseAndNoResidual) {
 TEST(Inputs, OutOfRangeAreRefusedWithAText) {
   const Package package = MakePackage({"methane", "ethane"});
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  struct Case {
+  struct {
     double T, P;
     std::vector<double> z;
     const char* text;
-  };
-  const std::vector<Case> cases = {
+  } const cases[] = {
       {300.0, 1e5, {1.2, -0.2}, "methane"},           {300.0, 1e5, {0.5, nan}, "ethane"},
       {300.0, 1e5, {0.5, 0.4}, "sum to 0.9"},         {300.0, 1e5, {1.0}, "1 fractions for 2 compounds"},
       {0.0, 1e5, {0.5, 0.5}, "temperature of 0 K"},   {nan, 1e5, {0.5, 0.5}, "temperature"},
       {300.0, -1.0, {0.5, 0.5}, "pressure of -1 Pa"},
   };
-  for (const Case& c : cases) {
-    try {
-      (void)package->FlashTP(c.T, c.P, c.z);
-      ADD_FAILURE() << "accepted: " << c.text;
-    } catch (const std::invalid_argument& error) {
-      EXPECT_NE(std::string(error.what()).find(c.text), std::string::npos) << error.what();
-    }
-  }
+  for (const auto& c : cases)
+    ExpectError<std::invalid_argument>([&] { (void)package->FlashTP(c.T, c.P, c.z); }, c.text);
   EXPECT_THROW((void)package->FlashPH(1e5, nan, std::vector{0.5, 0.5}), std::invalid_argument);
   EXPECT_THROW((void)package->FlashPVF(1e5, 1.1, std::vector{0.5, 0.5}), std::invalid_argument);
 }

@@ -2,16 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "tests/host/HostReactions.h"
 
 namespace morvelan::test::reaction_refusal {
 
 using host::ThermoOffer;
-using Ids = std::vector<std::string>;
 
-const std::vector<std::string> kCompounds = {"carbon monoxide", "water", "carbon dioxide", "hydrogen", "unformed"};
+const Strings kCompounds = {"carbon monoxide", "water", "carbon dioxide", "hydrogen", "unformed"};
 const std::vector<double> kFractions = {0.3, 0.4, 0.2, 0.1, 0};
 // A compound of atoms that has no formation data.
 const std::string kUnformed =
@@ -35,148 +32,133 @@ const std::string kList = R"(
      "stoichiometry": {"unformed": -1, "hydrogen": 1},
      "rate": {"preExponential": 1, "activationEnergy": 0, "orders": {"unformed": -1}}})";
 
-Reactions MakeReactions() { return {"peng-robinson", kCompounds, kList, kUnformed}; }
-
-HRESULT Calculate(const Reactions& r, const char* property, const Ids& ids) {
-  return r.Calculate({property}, "Vapor", ids, "Mole");
+Reactions MakeReactions() {
+  static const host::Flowsheet flowsheet = ReadReactionFile("peng-robinson", kCompounds, kList, kUnformed);
+  return Reactions(flowsheet);
 }
 
-HRESULT Read(const Reactions& r, const char* property, const char* id) {
-  com::Variant values;
-  return r.properties->GetReactionProp(B(property).Get(), B("Vapor").Get(), Names({id}).Get(), B("Mole").Get(),
-                                       values.Put());
+constexpr const char* kK = "chemicalEquilibriumConstant";
+HRESULT Calculate(const Reactions& r, const std::string& property, const std::string& ids) {
+  return r.Calculate({property}, "Vapor", Split(ids, ','), "Mole");
 }
 
-struct Refusal {
-  const char* what;
-  std::function<HRESULT(const Reactions&)> call;
-  HRESULT code;
-  const char* words;
-  const char* interfaceName = "ICapeReactionsRoutine";
+// The words of each operation stand in its comment. Several ids have commas between them.
+const Operations<Reactions> kOperations = {
+    // property, ids, phase, basis
+    {"calc",
+     [](auto& r, auto& w) {
+       return r.Calculate({w[0]}, w[2].empty() ? "Vapor" : w[2], Split(w[1], ','), w[3].empty() ? "Mole" : w[3]);
+     }},
+    // property, id
+    {"read",
+     [](auto& r, auto& w) {
+       com::Variant values;
+       return r.properties->GetReactionProp(B(w[0]).Get(), B("Vapor").Get(), Names({w[1]}).Get(), B("Mole").Get(),
+                                            values.Put());
+     }},
+    {"set",
+     [](auto& r, auto& w) {
+       return r.properties->SetReactionProp(B(w[0]).Get(), nullptr, Names({w[1]}).Get(), nullptr, Numbers({1}).Get());
+     }},
+    // id
+    {"parameters",
+     [](auto& r, auto& w) {
+       com::Ref<IDispatch> parameters;
+       return r.chemistry->GetReactionParameters(B(w[0]).Get(), parameters.Put());
+     }},
+    {"rateBasis",
+     [](auto& r, auto& w) {
+       CapeReactionRateBasis basis{};
+       return r.chemistry->GetReactionRateBasis(B(w[0]).Get(), &basis);
+     }},
+    {"type",
+     [](auto& r, auto& w) {
+       CapeReactionType type{};
+       return r.chemistry->GetReactionType(w[0].empty() ? nullptr : B(w[0]).Get(), &type);
+     }},
+    {"setNoMaterial", [](auto& r, auto&) { return r.context->SetMaterial(nullptr); }},
+    {"unsetMaterial", [](auto& r, auto&) { return r.context->UnsetMaterial(); }},
+    {"setItself", [](auto& r, auto&) { return r.context->SetMaterial(r.object.template As<IDispatch>().Get()); }},
+    {"setAnotherMaterial",
+     [](auto& r, auto&) {
+       r.SetMaterial(r.MakeMaterial(ThermoOffer::k11, 700, 1e5, kFractions));
+       return S_OK;
+     }},
 };
 
-/// Expects every call to be refused as told, with a material of vapour set but where the call unsets it.
-void ExpectRefused(const std::vector<Refusal>& refusals) {
-  for (const Refusal& refusal : refusals) {
+constexpr const char* kRoutine = "ICapeReactionsRoutine";
+constexpr const char* kProperties = "ICapeReactionProperties";
+constexpr const char* kChemistry = "ICapeReactionChemistry";
+constexpr const char* kContext = "ICapeThermoMaterialContext";
+
+struct Refusal {
+  const char* script;
+  const char* interfaceName;
+  HRESULT code;
+  const char* words;
+};
+
+const Refusal kRefusals[] = {
+    {"setNoMaterial; calc K shift", kRoutine, kBadInvOrder, "no material is set"},
+    {"unsetMaterial; calc K shift", kRoutine, kBadInvOrder, "no material is set"},
+    {"calc K shift,drift", kRoutine, kInvalidArgument, "\"drift\" is unknown; the package has \"shift\", \"kinetic\""},
+    {"calc K", kRoutine, kInvalidArgument, "no reaction is named"},
+    {"calc speed shift", kRoutine, kInvalidArgument,
+     "\"speed\" is unknown; known are reactionRate, chemicalEquilibriumConstant, enthalpyOfReaction"},
+    {"calc reactionRate kinetic,shift", kRoutine, kInvalidArgument,
+     "\"shift\" is an equilibrium reaction and has no reactionRate"},
+    {"calc K kinetic", kRoutine, kInvalidArgument,
+     "\"kinetic\" is a kinetic reaction and has no chemicalEquilibriumConstant"},
+    {"calc reactionRate kinetic Liquid", kRoutine, kInvalidArgument,
+     "\"kinetic\" takes place in phase \"Vapor\", not in \"Liquid\""},
+    {"calc reactionRate kinetic,liquid", kRoutine, kInvalidArgument,
+     "\"liquid\" takes place in phase \"Liquid\", not in \"Vapor\""},
+    {"calc reactionRate kinetic Vapor Mass", kRoutine, kLimitedImpl, "reactionRate is given on basis \"Mole\" only"},
+    {"calc K shift Vapor Molarity", kRoutine, kInvalidArgument, "basis \"Molarity\" is unknown"},
+    {"calc reactionRate liquid Liquid", kRoutine, kNotAvailable,
+     "property fraction of phase \"Liquid\": property fraction of phase \"Liquid\" is not set"},
+    {"calc K huge", kRoutine, kSolvingError, "\"huge\" is beyond the range of numbers: its logarithm is 1666.667"},
+    {"calc K tiny", kRoutine, kSolvingError, "-1666.667"},
+    {"calc reactionRate inhibited", kRoutine, kSolvingError, "reactionRate of reaction \"inhibited\" is not finite"},
+    {"calc enthalpyOfReaction inhibited", kRoutine, kNotAvailable, "no formation properties are known of unformed"},
+    {"read K shift", kProperties, kNotAvailable,
+     "of reaction \"shift\" is not calculated: CalcReactionProp comes first"},
+    {"calc reactionRate kinetic; read reactionRate inhibited", kProperties, kNotAvailable,
+     "of reaction \"inhibited\" is not calculated"},
+    {"calc K shift; read K shift; setAnotherMaterial; read K shift", kProperties, kNotAvailable, "is not calculated"},
+    {"set K shift", kProperties, kNoImpl, "chemicalEquilibriumConstant is calculated and can't be set"},
+    {"parameters shift", kChemistry, kNoImpl, "\"shift\" has no parameters"},
+    {"rateBasis shift", kChemistry, kInvalidArgument, "\"shift\" is an equilibrium reaction and has no rate basis"},
+    {"type", kChemistry, kInvalidArgument, "reaction \"\" is unknown"},
+    {"setItself", kContext, kInvalidArgument, "neither ICapeThermoMaterial nor ICapeThermoMaterialObject"},
+};
+
+/// A script in which K stands for the name of the equilibrium constant.
+std::string WithFullName(const std::string& script) {
+  std::string text;
+  for (const std::string& word : Split(script, ' ')) text += (word == "K" ? "chemicalEquilibriumConstant" : word) + ' ';
+  return text;
+}
+
+TEST(ReactionPackage, RefusesWithACodeAndWords) {
+  for (const Refusal& refusal : kRefusals) {
     const Reactions reactions = MakeReactions();
     reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::kBoth, 600, 1e5, kFractions));
-    EXPECT_EQ(refusal.call(reactions), refusal.code) << refusal.what;
+    EXPECT_EQ(Perform(kOperations, reactions, WithFullName(refusal.script)), refusal.code) << refusal.script;
     const Texts error = ErrorOf(reactions.object.Get());
-    EXPECT_NE(error.description.find(refusal.words), std::string::npos) << refusal.what << ": " << error;
-    EXPECT_EQ(error.interfaceName, refusal.interfaceName) << refusal.what << ": " << error;
+    EXPECT_NE(error.description.find(refusal.words), std::string::npos) << refusal.script << ": " << error;
+    EXPECT_EQ(error.interfaceName, refusal.interfaceName) << refusal.script << ": " << error;
   }
 }
 
-TEST(ReactionPackage, RefusesWhatItCannotCalculate) {
-  const char* const K = "chemicalEquilibriumConstant";
-  const char* const rate = "reactionRate";
-  ExpectRefused({
-      {"no material",
-       [&](auto& r) {
-         EXPECT_EQ(r.context->SetMaterial(nullptr), S_OK);
-         return Calculate(r, K, {"shift"});
-       },
-       kBadInvOrder, "no material is set"},
-      {"a withdrawn material",
-       [&](auto& r) {
-         EXPECT_EQ(r.context->UnsetMaterial(), S_OK);
-         return Calculate(r, K, {"shift"});
-       },
-       kBadInvOrder, "no material is set"},
-      {"unknown reaction",
-       [&](auto& r) {
-         return Calculate(r, K, {"shift", "drift"});
-       },
-       kInvalidArgument, "\"drift\" is unknown; the package has \"shift\", \"kinetic\""},
-      {"no reaction", [&](auto& r) { return Calculate(r, K, {}); }, kInvalidArgument, "no reaction is named"},
-      {"unknown property", [](auto& r) { return Calculate(r, "speed", {"shift"}); }, kInvalidArgument,
-       "\"speed\" is unknown; known are reactionRate, chemicalEquilibriumConstant, enthalpyOfReaction"},
-      {"rate of an equilibrium",
-       [&](auto& r) {
-         return Calculate(r, rate, {"kinetic", "shift"});
-       },
-       kInvalidArgument, "\"shift\" is an equilibrium reaction and has no reactionRate"},
-      {"K of a kinetic reaction", [&](auto& r) { return Calculate(r, K, {"kinetic"}); }, kInvalidArgument,
-       "\"kinetic\" is a kinetic reaction and has no chemicalEquilibriumConstant"},
-      {"wrong phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"kinetic"}, "Mole"); }, kInvalidArgument,
-       "\"kinetic\" takes place in phase \"Vapor\", not in \"Liquid\""},
-      {"two phases in one call",
-       [&](auto& r) {
-         return Calculate(r, rate, {"kinetic", "liquid"});
-       },
-       kInvalidArgument, "\"liquid\" takes place in phase \"Liquid\", not in \"Vapor\""},
-      {"mass basis", [&](auto& r) { return r.Calculate({rate}, "Vapor", {"kinetic"}, "Mass"); }, kLimitedImpl,
-       "reactionRate is given on basis \"Mole\" only"},
-      {"unknown basis", [&](auto& r) { return r.Calculate({K}, "Vapor", {"shift"}, "Molarity"); }, kInvalidArgument,
-       "basis \"Molarity\" is unknown"},
-      {"absent phase", [&](auto& r) { return r.Calculate({rate}, "Liquid", {"liquid"}, "Mole"); }, kNotAvailable,
-       "property fraction of phase \"Liquid\": property fraction of phase \"Liquid\" is not set"},
-      {"K beyond the largest number", [&](auto& r) { return Calculate(r, K, {"huge"}); }, kSolvingError,
-       "\"huge\" is beyond the range of numbers: its logarithm is 1666.667"},
-      {"K beyond the smallest", [&](auto& r) { return Calculate(r, K, {"tiny"}); }, kSolvingError, "-1666.667"},
-      {"an infinite rate", [&](auto& r) { return Calculate(r, rate, {"inhibited"}); }, kSolvingError,
-       "reactionRate of reaction \"inhibited\" is not finite"},
-      {"no formation enthalpy", [](auto& r) { return Calculate(r, "enthalpyOfReaction", {"inhibited"}); },
-       kNotAvailable, "no formation properties are known of unformed"},
-  });
-}
-
-TEST(ReactionPackage, RefusesWhatIsNotThere) {
-  const char* const K = "chemicalEquilibriumConstant";
-  const char* const properties = "ICapeReactionProperties";
-  const char* const chemistry = "ICapeReactionChemistry";
-  const char* const context = "ICapeThermoMaterialContext";
-  ExpectRefused({
-      {"read first", [&](auto& r) { return Read(r, K, "shift"); }, kNotAvailable,
-       "of reaction \"shift\" is not calculated: CalcReactionProp comes first", properties},
-      {"of another reaction",
-       [&](auto& r) {
-         EXPECT_EQ(Calculate(r, "reactionRate", {"kinetic"}), S_OK);
-         return Read(r, "reactionRate", "inhibited");
-       },
-       kNotAvailable, "of reaction \"inhibited\" is not calculated", properties},
-      {"of another material",
-       [&](auto& r) {
-         EXPECT_EQ(Calculate(r, K, {"shift"}), S_OK);
-         EXPECT_EQ(Read(r, K, "shift"), S_OK);
-         r.SetMaterial(r.MakeMaterial(ThermoOffer::k11, 700, 1e5, kFractions));
-         return Read(r, K, "shift");
-       },
-       kNotAvailable, "is not calculated", properties},
-      {"after a failure",
-       [&](auto& r) {
-         EXPECT_EQ(Calculate(r, K, {"shift"}), S_OK);
-         EXPECT_NE(Calculate(r, K, {"huge", "shift"}), S_OK);
-         return Read(r, K, "shift");
-       },
-       kNotAvailable, "is not calculated", properties},
-      {"set",
-       [&](auto& r) {
-         return r.properties->SetReactionProp(B(K).Get(), nullptr, Names({"shift"}).Get(), nullptr, Numbers({1}).Get());
-       },
-       kNoImpl, "chemicalEquilibriumConstant is calculated and can't be set", properties},
-      {"parameters",
-       [](auto& r) {
-         com::Ref<IDispatch> parameters;
-         return r.chemistry->GetReactionParameters(B("shift").Get(), parameters.Put());
-       },
-       kNoImpl, "\"shift\" has no parameters", chemistry},
-      {"rate basis of an equilibrium",
-       [](auto& r) {
-         CapeReactionRateBasis basis{};
-         return r.chemistry->GetReactionRateBasis(B("shift").Get(), &basis);
-       },
-       kInvalidArgument, "\"shift\" is an equilibrium reaction and has no rate basis", chemistry},
-      {"unknown type",
-       [](auto& r) {
-         CapeReactionType type{};
-         return r.chemistry->GetReactionType(nullptr, &type);
-       },
-       kInvalidArgument, "reaction \"\" is unknown", chemistry},
-      {"an object that is no material",
-       [](auto& r) { return r.context->SetMaterial(r.object.template As<IDispatch>().Get()); }, kInvalidArgument,
-       "neither ICapeThermoMaterial nor ICapeThermoMaterialObject", context},
-  });
+// A failed calculation leaves nothing of an earlier one.
+TEST(ReactionPackage, ForgetsItsValuesWhenACalculationFails) {
+  const Reactions reactions = MakeReactions();
+  reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::kBoth, 600, 1e5, kFractions));
+  ASSERT_EQ(Calculate(reactions, kK, "shift"), S_OK);
+  ASSERT_EQ(reactions.Read(kK, "Vapor", {"shift"}, "Mole").size(), 1u);
+  ASSERT_NE(Calculate(reactions, kK, "huge,shift"), S_OK);
+  EXPECT_TRUE(reactions.Read(kK, "Vapor", {"shift"}, "Mole").empty());
 }
 
 TEST(ReactionPackage, RefusesMaterialsThatDoNotTell) {
@@ -188,15 +170,14 @@ TEST(ReactionPackage, RefusesMaterialsThatDoNotTell) {
       const char* id;
       const char* words;
     } const cases[] = {
-        {com::Make<host::MaterialObject>("empty", host::MaterialState(reactions.package), offer),
-         "chemicalEquilibriumConstant", "shift",
+        {com::Make<host::MaterialObject>("empty", host::MaterialState(reactions.package), offer), kK, "shift",
          "the material does not give property temperature of phase \"Overall\": "},
         {Reactions("ideal-gas", {"methane", "water"}, "").MakeMaterial(offer, 400, 1e5, {0.5, 0.5}), "reactionRate",
          "kinetic", "the material's compound \"methane\" is unknown"},
     };
     for (const auto& c : cases) {
       reactions.SetMaterial(c.material);
-      EXPECT_LT(Calculate(reactions, c.property, {c.id}), 0) << c.words;
+      EXPECT_LT(Calculate(reactions, c.property, c.id), 0) << c.words;
       EXPECT_NE(reactions.Text().find(c.words), std::string::npos) << reactions.Text();
     }
   }
@@ -236,8 +217,8 @@ TEST(ReactionPackage, ReturnsItsReferences) {
         [&] { reactions.emplace(MakeReactions()); }};
     for (const auto& release : releases) {
       reactions->SetMaterial(material);
-      EXPECT_EQ(Calculate(*reactions, "reactionRate", {"kinetic"}), S_OK);
-      EXPECT_LT(Calculate(*reactions, "chemicalEquilibriumConstant", {"huge"}), 0);
+      EXPECT_EQ(Calculate(*reactions, "reactionRate", "kinetic"), S_OK);
+      EXPECT_LT(Calculate(*reactions, kK, "huge"), 0);
       EXPECT_EQ(Count(material.Get()), 2u) << "held once by the package";
       release();
       EXPECT_EQ(Count(material.Get()), 1u);

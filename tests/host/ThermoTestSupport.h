@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <filesystem>
 #include <memory>
@@ -7,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "host/thermo/CompoundData.h"
-#include "host/thermo/PropertyPackage.h"
+#include "host/thermo/PackageFactory.h"
+#include "tests/support/LongTests.h"
 
 namespace morvelan::host {
 
@@ -42,6 +44,20 @@ inline Package MakePackage(const std::vector<std::string>& compounds, const std:
   return MakePropertyPackage(BuiltInData(), options);
 }
 
+/// A sweep takes one in `part` of its states, or all of them when long tests are wanted.
+inline int OneIn(int part) { return morvelan::test::ShortOrLong(part, 1); }
+
+/// Expects an exception with these words in its text.
+template <class Error, class Call>
+void ExpectError(Call call, const std::string& words) {
+  try {
+    call();
+    ADD_FAILURE() << "no error: " << words;
+  } catch (const Error& error) {
+    EXPECT_NE(std::string(error.what()).find(words), std::string::npos) << error.what();
+  }
+}
+
 /// The inputs of a case for the messages of failures.
 inline std::string Inputs(const std::vector<std::string>& compounds, double T, double P, const std::vector<double>& x) {
   std::ostringstream text;
@@ -51,8 +67,7 @@ inline std::string Inputs(const std::vector<std::string>& compounds, double T, d
   return text.str();
 }
 
-/// Largest |ln of the fugacity ratio| over the compounds present in two-phase equilibrium; zero for one
-/// phase.
+/// Largest |ln of the fugacity ratio| over the compounds present in two-phase equilibrium; zero for one phase.
 inline double FugacityMismatch(const PropertyPackage& package, const Equilibrium& state) {
   if (state.phases.size() < 2) return 0.0;
   const Phase& vapor = state.phases[0];
@@ -76,6 +91,13 @@ inline double BalanceError(const Equilibrium& state, const std::vector<double>& 
     worst = std::max(worst, std::abs(sum));
   }
   return worst;
+}
+
+/// Expects equal fugacities and the composition z. 1e-9 relative in fugacities is what the flashes converge to, 1e-12
+/// some hundred roundings of a sum of one.
+inline void ExpectEquilibrium(const PropertyPackage& package, const Equilibrium& state, const std::vector<double>& z) {
+  EXPECT_LT(FugacityMismatch(package, state), 1e-9);
+  EXPECT_LT(BalanceError(state, z), 1e-12);
 }
 
 }  // namespace morvelan::host

@@ -1,8 +1,9 @@
 #include "host/flowsheet/ColumnTable.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+
+#include "host/file/NumberText.h"
 
 namespace morvelan::host {
 namespace {
@@ -41,17 +42,11 @@ std::string PadRight(const std::string& text, std::size_t width) {
 
 std::string TableNumber(double value) {
   if (value == 0) return "0";
-  char buffer[64];
   const double size = std::abs(value);
-  std::to_chars_result end{};
-  if (size >= kSmallestOrdinary && size < kLargestOrdinary) {
-    const int before = std::max(static_cast<int>(std::floor(std::log10(size))) + 1, 1);
-    end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed,
-                        std::max(kSignificantDigits - before, 0));
-  } else {
-    end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, kSignificantDigits - 1);
-  }
-  return {buffer, end.ptr};
+  if (size < kSmallestOrdinary || size >= kLargestOrdinary)
+    return ToChars(value, std::chars_format::scientific, kSignificantDigits - 1);
+  const int before = std::max(static_cast<int>(std::floor(std::log10(size))) + 1, 1);
+  return ToChars(value, std::chars_format::fixed, std::max(kSignificantDigits - before, 0));
 }
 
 std::size_t ColumnTable::WidthOf(std::size_t column) const {

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "host/flowsheet/JsonFile.h"
+#include "host/file/JsonNode.h"
 #include "host/material/MaterialObject.h"
 #include "host/objects/StreamParameter.h"
 #include "host/reactions/Reaction.h"
@@ -24,9 +23,9 @@ struct MaterialFeed {
 };
 
 struct EnergyFeed {
-  double work = 0;                        // [W]
-  std::optional<double> temperatureLow;   // [K]
-  std::optional<double> temperatureHigh;  // [K]
+  double work = 0;                             // [W]
+  std::optional<double> temperatureLow = {};   // [K]
+  std::optional<double> temperatureHigh = {};  // [K]
 };
 
 struct InformationFeed {
@@ -37,14 +36,14 @@ struct InformationFeed {
 struct StreamSpecification {
   std::string name;
   std::variant<MaterialFeed, EnergyFeed, InformationFeed> state;
-  Place place;
+  JsonNode node;
 };
 
 struct UnitSpecification {
   struct Connection {
     std::string port;
     std::string stream;
-    Place place;
+    JsonNode node;
   };
   struct Setting {
     std::string parameter;
@@ -53,14 +52,13 @@ struct UnitSpecification {
 
   std::string name;
   std::string className;
-  Place classPlace;
-  Place place;
-  std::vector<Connection> connections;
-  std::vector<Setting> settings;
-  std::optional<JsonNode> configuration;
+  JsonNode node;
+  std::vector<Connection> connections = {};
+  std::vector<Setting> settings = {};
+  std::optional<JsonNode> configuration = {};
 };
 
-/// A flowsheet file, read and checked as far as that goes without its units.
+/// A flowsheet file that was read and checked. The checks that need its units come when it is run.
 struct Flowsheet {
   std::string title;
   std::optional<ThermoOffer> thermoInterface;
@@ -69,12 +67,5 @@ struct Flowsheet {
   std::vector<StreamSpecification> streams;
   std::vector<UnitSpecification> units;
 };
-
-/// Reads a flowsheet file. `dataFolder` holds compounds.json and binary-interaction.json. Throws
-/// FlowsheetError, and std::runtime_error when the folder's files cannot be read.
-[[nodiscard]] Flowsheet ReadFlowsheet(const std::filesystem::path& file, const std::filesystem::path& dataFolder);
-
-/// "1.0", "1.1" or "both".
-[[nodiscard]] std::optional<ThermoOffer> ThermoOfferByName(std::string_view name);
 
 }  // namespace morvelan::host

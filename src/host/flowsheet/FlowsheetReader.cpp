@@ -1,14 +1,13 @@
 #include <algorithm>
 
-#include "com/Text.h"
 #include "host/flowsheet/Flowsheet.h"
+#include "host/flowsheet/ReactionReader.h"
 #include "host/flowsheet/ThermoReader.h"
-#include "host/reactions/ReactionReader.h"
 
 namespace morvelan::host {
 namespace {
 
-MaterialFeed ReadMaterial(const JsonNode& node, const FlowsheetCompounds& compounds) {
+MaterialFeed ReadMaterialFeed(const JsonNode& node, const FlowsheetCompounds& compounds) {
   node.AllowKeys({"type", "temperature", "pressure", "flow", "composition"});
   return {.temperature = node.At("temperature").Positive(),
           .pressure = node.At("pressure").Positive(),
@@ -16,17 +15,17 @@ MaterialFeed ReadMaterial(const JsonNode& node, const FlowsheetCompounds& compou
           .composition = compounds.ReadComposition(node.At("composition"))};
 }
 
-EnergyFeed ReadEnergy(const JsonNode& node) {
+EnergyFeed ReadEnergyFeed(const JsonNode& node) {
   node.AllowKeys({"type", "work", "temperatureLow", "temperatureHigh"});
-  EnergyFeed feed{.work = node.At("work").Number(), .temperatureLow = {}, .temperatureHigh = {}};
+  EnergyFeed feed{.work = node.At("work").Number()};
   if (const auto low = node.Find("temperatureLow")) feed.temperatureLow = low->Positive();
   if (const auto high = node.Find("temperatureHigh")) feed.temperatureHigh = high->Positive();
   return feed;
 }
 
-InformationFeed ReadInformation(const JsonNode& node) {
+InformationFeed ReadInformationFeed(const JsonNode& node) {
   node.AllowKeys({"type", "value", "dimensionality"});
-  InformationFeed feed{.value = node.At("value").Number(), .dimensionality = {}};
+  InformationFeed feed{.value = node.At("value").Number()};
   if (const auto list = node.Find("dimensionality")) {
     const std::vector<JsonNode> exponents = list->Items();
     if (exponents.size() != feed.dimensionality.size() - 1 && exponents.size() != feed.dimensionality.size())
@@ -39,30 +38,24 @@ InformationFeed ReadInformation(const JsonNode& node) {
 
 StreamSpecification ReadStream(const std::string& name, const JsonNode& node, const FlowsheetCompounds& compounds) {
   if (name.empty()) node.Fail("a stream needs a name");
-  StreamSpecification stream{.name = name, .state = {}, .place = node.Where()};
+  StreamSpecification stream{.name = name, .state = {}, .node = node};
   const std::string type = node.At("type").OneOf({"material", "energy", "information"});
   if (type == "material")
-    stream.state = ReadMaterial(node, compounds);
+    stream.state = ReadMaterialFeed(node, compounds);
   else if (type == "energy")
-    stream.state = ReadEnergy(node);
+    stream.state = ReadEnergyFeed(node);
   else
-    stream.state = ReadInformation(node);
+    stream.state = ReadInformationFeed(node);
   return stream;
 }
 
 UnitSpecification ReadUnit(const std::string& name, const JsonNode& node) {
   if (name.empty()) node.Fail("a unit needs a name");
   node.AllowKeys({"class", "ports", "parameters", "configuration"});
-  UnitSpecification unit{.name = name,
-                         .className = node.At("class").Text(),
-                         .classPlace = node.At("class").Where(),
-                         .place = node.Where(),
-                         .connections = {},
-                         .settings = {},
-                         .configuration = {}};
+  UnitSpecification unit{.name = name, .className = node.At("class").Text(), .node = node};
   if (const auto ports = node.Find("ports"))
     for (const auto& [port, stream] : ports->Members()) {
-      unit.connections.push_back({port, stream.Text(), stream.Where()});
+      unit.connections.push_back({port, stream.Text(), stream});
       if (stream.Text().empty()) stream.Fail("the name of a stream is expected");
     }
   if (const auto parameters = node.Find("parameters"))
@@ -73,13 +66,6 @@ UnitSpecification ReadUnit(const std::string& name, const JsonNode& node) {
 }
 
 }  // namespace
-
-std::optional<ThermoOffer> ThermoOfferByName(std::string_view name) {
-  if (name == "1.0") return ThermoOffer::k10;
-  if (name == "1.1") return ThermoOffer::k11;
-  if (name == "both") return ThermoOffer::kBoth;
-  return std::nullopt;
-}
 
 Flowsheet ReadFlowsheet(const std::filesystem::path& file, const std::filesystem::path& dataFolder) {
   const JsonNode root(std::make_shared<JsonFile>(file));

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <sstream>
 
+#include "host/file/Nearest.h"
+#include "host/file/NumberText.h"
 #include "host/flowsheet/ColumnTable.h"
 #include "host/unit/DimensionSymbol.h"
-#include "host/unit/ParameterSetting.h"
 
 namespace morvelan::host {
 namespace {
@@ -33,17 +34,19 @@ const MaterialResult::PhaseResult* PhaseOf(const MaterialResult& material, const
   return found == material.phases.end() ? nullptr : &*found;
 }
 
-/// The moles of vapour per mole of stream; nothing when the stream is not at equilibrium.
-std::optional<double> VapourFraction(const MaterialResult& material) {
+/// The moles of vapor per mole of stream; nothing when the stream is not at equilibrium.
+std::optional<double> VaporFraction(const MaterialResult& material) {
   if (material.phases.empty()) return std::nullopt;
-  const auto* vapour = PhaseOf(material, "Vapor");
-  return vapour ? vapour->fraction : 0.0;
+  const auto* vapor = PhaseOf(material, "Vapor");
+  return vapor ? vapor->fraction : 0.0;
 }
 
 class StreamTable {
  public:
   explicit StreamTable(const Results& results)
-      : compounds(results.compounds), materials(MaterialsOf(results)), table(NamesOf(materials)) {
+      : compounds(results.compounds),
+        materials(MaterialsOf(results)),
+        table(NamesOf(materials, [](const NamedMaterial& stream) { return *stream.name; })) {
     AddState();
     AddComposition("Composition", [](const MaterialResult& material) { return &material.composition; });
     for (const char* phase : {"Vapor", "Liquid"}) AddPhase(phase);
@@ -52,13 +55,7 @@ class StreamTable {
   [[nodiscard]] std::string Text() const { return materials.empty() ? "" : table.Text(kLineWidth); }
 
  private:
-  static std::vector<std::string> NamesOf(const std::vector<NamedMaterial>& materials) {
-    std::vector<std::string> names;
-    for (const NamedMaterial& stream : materials) names.push_back(*stream.name);
-    return names;
-  }
-
-  /// A row of what `value` gives of each material.
+  /// A row of `value(material)` of each material.
   template <class Value>
   void AddRow(const std::string& label, const char* unit, Value value) {
     ColumnTable::Row row{label, unit, {}};
@@ -76,13 +73,13 @@ class StreamTable {
     AddRow("Temperature", "K", [](const MaterialResult& m) { return m.temperature; });
     AddRow("Pressure", "Pa", [](const MaterialResult& m) { return m.pressure; });
     AddRow("Flow", "mol/s", [](const MaterialResult& m) { return m.flow; });
-    AddRow("Vapour fraction", "mol/mol", VapourFraction);
+    AddRow("Vapour fraction", "mol/mol", VaporFraction);
     AddRow("Enthalpy", "J/mol", energy(&MaterialResult::Energies::enthalpy));
     AddRow("Entropy", "J/(mol K)", energy(&MaterialResult::Energies::entropy));
     AddRow("Enthalpy with formation", "J/mol", energy(&MaterialResult::Energies::enthalpyF));
   }
 
-  /// The mole fractions to which `fractionsOf` points, if it does.
+  /// A row for each compound. `fractionsOf(material)` points to the mole fractions, or nowhere.
   template <class FractionsOf>
   void AddComposition(const std::string& heading, FractionsOf fractionsOf) {
     table.Add({heading, "mol/mol", {}});
@@ -141,7 +138,7 @@ std::string Lines(const Results& results, const char* heading, Describe describe
   return text.empty() ? text : std::string("\n") + heading + '\n' + text;
 }
 
-/// Each line of a report, indented; its line ends are those of a file or of a simulator's window.
+/// Indents each line of a report. Lines end in "\n" or "\r\n".
 std::string Indented(const std::string& text) {
   std::istringstream lines(text);
   std::string result;

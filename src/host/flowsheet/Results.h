@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/flowsheet/JsonFile.h"
+#include "host/file/JsonNode.h"
 #include "host/objects/StreamParameter.h"
 #include "host/unit/HostedUnit.h"
 
@@ -29,8 +29,8 @@ struct MaterialResult {
   std::optional<double> pressure;     // [Pa]
   std::optional<double> flow;         // [mol/s]
   std::vector<double> composition;    // mole fractions, one per compound of the results; may be empty
-  std::vector<PhaseResult> phases;
-  std::optional<Energies> energies;
+  std::vector<PhaseResult> phases = {};
+  std::optional<Energies> energies = {};
 };
 
 struct EnergyResult {
@@ -64,22 +64,22 @@ struct UnitResult {
   std::string name;
   std::string className;
   bool solved = false;
-  std::string status;
-  std::optional<UnitFault> error;
-  std::vector<Parameter> parameters;
-  std::vector<UnitReport> reports;
+  std::string status = {};
+  std::optional<ReportedError> error = {};
+  std::vector<Parameter> parameters = {};
+  std::vector<UnitReport> reports = {};
 };
 
-/// What came out of a flowsheet. Streams that come from a unit that is not solved are left out.
+/// The results of a flowsheet. Streams from a unit that is not solved are left out.
 struct Results {
   std::string title;
   bool solved = false;
-  std::vector<std::string> compounds;
-  std::vector<StreamResult> streams;
-  std::vector<std::string> missingStreams;
-  std::vector<UnitResult> units;  // in the file's order
-  std::vector<std::string> log;
-  std::string problem;  // what else keeps the flowsheet from being solved
+  std::vector<std::string> compounds = {};
+  std::vector<StreamResult> streams = {};
+  std::vector<std::string> missingStreams = {};
+  std::vector<UnitResult> units = {};  // in the file's order
+  std::vector<std::string> log = {};
+  std::string problem = {};  // the reason when all units are solved, but not the flowsheet
 };
 
 }  // namespace morvelan::host

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "host/flowsheet/Nearest.h"
+#include "host/file/Nearest.h"
 
 namespace morvelan::host {
 namespace {
 
-const char* TypeName(CapePortType type) {
+const char* TypeWithArticle(CapePortType type) {
   switch (type) {
     case CAPE_ENERGY:
       return "an energy";
@@ -23,17 +23,17 @@ CapePortType TypeOf(const StreamSpecification& stream) {
   return std::holds_alternative<InformationFeed>(stream.state) ? CAPE_INFORMATION : CAPE_MATERIAL;
 }
 
-/// Connects one port; units' names make the messages.
+/// Connects a stream to a port. The flowsheet gives the units' names for messages.
 void Connect(NetworkStream& stream, const NetworkConnection& connection, const Flowsheet& flowsheet) {
   if (stream.type == CAPE_ANY) stream.type = connection.type;
   if (connection.type != CAPE_ANY && connection.type != stream.type)
-    throw FlowsheetError(connection.place, std::string("the port takes ") + TypeName(connection.type) + " stream, \"" +
-                                               stream.name + "\" is " + TypeName(stream.type) + " stream");
+    connection.node.Fail(std::string("the port takes ") + TypeWithArticle(connection.type) + " stream, \"" +
+                         stream.name + "\" is " + TypeWithArticle(stream.type) + " stream");
   const bool isOutlet = connection.direction == CAPE_OUTLET;
   std::optional<std::size_t>& end = isOutlet ? stream.source : stream.target;
   if (end)
-    throw FlowsheetError(connection.place, "stream \"" + stream.name + (isOutlet ? "\" comes from" : "\" feeds") +
-                                               " a port of unit \"" + flowsheet.units[*end].name + "\" already");
+    connection.node.Fail("stream \"" + stream.name + (isOutlet ? "\" comes from" : "\" feeds") + " a port of unit \"" +
+                         flowsheet.units[*end].name + "\" already");
   end = connection.unit;
   if (isOutlet || stream.items.empty()) stream.items = connection.items;
 }
@@ -42,7 +42,7 @@ using UnitLists = std::vector<std::vector<std::size_t>>;
 
 bool IsTear(const NetworkStream& stream) { return stream.listed && stream.source && stream.target; }
 
-/// The units that feed each unit, by position, but for those behind torn streams.
+/// The units that feed each unit, by position, except through torn streams.
 UnitLists Feeders(const StreamNetwork& network, std::size_t unitCount) {
   UnitLists feeders(unitCount);
   for (const NetworkStream& stream : network.streams)
@@ -50,7 +50,7 @@ UnitLists Feeders(const StreamNetwork& network, std::size_t unitCount) {
   return feeders;
 }
 
-/// Whether what leaves unit `from` reaches unit `to`, torn streams included.
+/// True when streams, torn ones included, lead from unit `from` to unit `to`.
 bool Reaches(const StreamNetwork& network, std::size_t unitCount, std::size_t from, std::size_t to) {
   std::vector<bool> reached(unitCount, false);
   std::vector<std::size_t> open = {from};
@@ -66,8 +66,7 @@ bool Reaches(const StreamNetwork& network, std::size_t unitCount, std::size_t fr
   return false;
 }
 
-/// The names of the units of a cycle among units that all have a feeder among them, in the streams'
-/// direction.
+/// The units of a cycle in the direction of the streams. Every unit that is not ordered has a feeder that is not.
 std::vector<std::size_t> FindCycle(const UnitLists& feeders, const std::vector<bool>& ordered) {
   auto unit = static_cast<std::size_t>(std::ranges::find(ordered, false) - ordered.begin());
   std::vector<std::size_t> path;
@@ -84,12 +83,12 @@ std::vector<std::size_t> FindCycle(const UnitLists& feeders, const std::vector<b
 [[noreturn]] void FailRecycle(const Flowsheet& flowsheet, const std::vector<std::size_t>& cycle) {
   std::string units;
   for (const std::size_t unit : cycle) units += '"' + flowsheet.units[unit].name + "\" -> ";
-  throw FlowsheetError(flowsheet.units[cycle.front()].place,
-                       "the recycle " + units + '"' + flowsheet.units[cycle.front()].name +
-                           "\" needs a guess: list one of its material streams under streams with a state");
+  flowsheet.units[cycle.front()].node.Fail(
+      "the recycle " + units + '"' + flowsheet.units[cycle.front()].name +
+      "\" needs a guess: list one of its material streams under streams with a state");
 }
 
-/// The file's order, but for units that must wait for others.
+/// The file's order, in which each unit is moved behind those that feed it.
 std::vector<std::size_t> OrderUnits(const Flowsheet& flowsheet, const StreamNetwork& network) {
   const auto feeders = Feeders(network, flowsheet.units.size());
   std::vector<bool> ordered(flowsheet.units.size(), false);
@@ -107,16 +106,15 @@ std::vector<std::size_t> OrderUnits(const Flowsheet& flowsheet, const StreamNetw
   return order;
 }
 
-/// A listed stream that comes from a unit is the guess of a recycle, or a mistake.
+/// A listed stream that comes from a unit must be the guess of a recycle.
 void FindTears(StreamNetwork& network, const Flowsheet& flowsheet) {
   for (std::size_t i = 0; i < network.streams.size(); ++i) {
     const NetworkStream& stream = network.streams[i];
     if (!stream.listed || !stream.source) continue;
     if (!stream.target || stream.type != CAPE_MATERIAL ||
         !Reaches(network, flowsheet.units.size(), *stream.target, *stream.source))
-      throw FlowsheetError(stream.listed->place, "the stream is an outlet of unit \"" +
-                                                     flowsheet.units[*stream.source].name +
-                                                     "\", which gives it its state; do not list it");
+      stream.listed->node.Fail("the stream is an outlet of unit \"" + flowsheet.units[*stream.source].name +
+                               "\", which gives it its state; do not list it");
     network.tears.push_back(i);
   }
 }
@@ -128,9 +126,8 @@ void CheckSources(const StreamNetwork& network, const std::vector<NetworkConnect
   for (const NetworkConnection& connection : connections) {
     const NetworkStream& stream = network.streams[network.Find(connection.stream)];
     if (!stream.listed && !stream.source)
-      throw FlowsheetError(connection.place, "stream \"" + stream.name +
-                                                 "\" is not listed under streams and comes from no unit" +
-                                                 Suggestion(stream.name, known));
+      connection.node.Fail("stream \"" + stream.name + "\" is not listed under streams and comes from no unit" +
+                           Suggestion(stream.name, known));
   }
 }
 
@@ -143,17 +140,11 @@ std::size_t StreamNetwork::Find(const std::string& name) const {
 StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<NetworkConnection>& connections) {
   StreamNetwork network;
   for (const StreamSpecification& stream : flowsheet.streams)
-    network.streams.push_back(
-        {.name = stream.name, .type = TypeOf(stream), .listed = &stream, .source = {}, .target = {}, .items = {}});
+    network.streams.push_back({.name = stream.name, .type = TypeOf(stream), .listed = &stream});
   for (const NetworkConnection& connection : connections) {
     const std::size_t found = network.Find(connection.stream);
     if (found == network.streams.size())
-      network.streams.push_back({.name = connection.stream,
-                                 .type = connection.type,
-                                 .listed = nullptr,
-                                 .source = {},
-                                 .target = {},
-                                 .items = {}});
+      network.streams.push_back({.name = connection.stream, .type = connection.type});
     Connect(network.streams[found], connection, flowsheet);
   }
   CheckSources(network, connections);

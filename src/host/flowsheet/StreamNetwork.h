@@ -18,20 +18,20 @@ struct NetworkConnection {
   CapePortDirection direction = CAPE_INLET;
   CapePortType type = CAPE_MATERIAL;
   std::vector<PortItem> items;
-  Place place;
+  JsonNode node;
 };
 
 struct NetworkStream {
   std::string name;
   CapePortType type = CAPE_MATERIAL;
-  const StreamSpecification* listed = nullptr;  // absent for a stream that a port names
-  std::optional<std::size_t> source;            // the unit whose outlet it is
-  std::optional<std::size_t> target;            // the unit whose inlet it is
-  std::vector<PortItem> items;                  // what an energy or information port says of its values
+  const StreamSpecification* listed = nullptr;  // absent for a stream that only ports name
+  std::optional<std::size_t> source = {};       // the unit whose outlet it is
+  std::optional<std::size_t> target = {};       // the unit whose inlet it is
+  std::vector<PortItem> items = {};             // the values that an energy or information port declares
 };
 
-/// The streams of a flowsheet, and its units in an order in which each comes after those that feed it, but
-/// for the streams at which recycles are torn.
+/// The streams of a flowsheet, and its units in an order in which each comes after those that feed it. Torn streams of
+/// recycles do not count for the order.
 struct StreamNetwork {
   std::vector<NetworkStream> streams;  // those listed first, in the file's order
   std::vector<std::size_t> order;
@@ -40,8 +40,8 @@ struct StreamNetwork {
   [[nodiscard]] std::size_t Find(const std::string& name) const;
 };
 
-/// Throws FlowsheetError for a stream of two sources or targets, of two types, without a source or a state,
-/// or with both outside of a recycle, and for a recycle without a guess.
+/// Throws FileError for a stream with two sources, targets or types, for a stream with neither source nor state, for
+/// one with both outside of a recycle, and for a recycle without a guess.
 [[nodiscard]] StreamNetwork BuildNetwork(const Flowsheet& flowsheet, const std::vector<NetworkConnection>& connections);
 
 }  // namespace morvelan::host

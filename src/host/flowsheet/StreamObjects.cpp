@@ -10,14 +10,14 @@ constexpr const char* kHigh = "temperatureHigh";
 using Parameters = std::vector<com::Ref<StreamParameter>>;
 
 com::Ref<StreamParameter> MakeParameter(const std::string& name, const Exponents& dimensions,
-                                        std::optional<double> value) {
+                                        std::optional<double> value = {}) {
   return com::Make<StreamParameter>(name, dimensions, value);
 }
 
 Parameters MakeEnergy(const StreamSpecification* listed) {
   if (!listed)  // a unit may write any of them
-    return {MakeParameter(kWork, kPowerExponents, {}), MakeParameter(kLow, kTemperatureExponents, {}),
-            MakeParameter(kHigh, kTemperatureExponents, {})};
+    return {MakeParameter(kWork, kPowerExponents), MakeParameter(kLow, kTemperatureExponents),
+            MakeParameter(kHigh, kTemperatureExponents)};
   const auto& feed = std::get<EnergyFeed>(listed->state);
   Parameters parameters = {MakeParameter(kWork, kPowerExponents, feed.work)};
   if (feed.temperatureLow) parameters.push_back(MakeParameter(kLow, kTemperatureExponents, feed.temperatureLow));
@@ -25,7 +25,7 @@ Parameters MakeEnergy(const StreamSpecification* listed) {
   return parameters;
 }
 
-/// A single value is named "value" whatever the port calls it: units match it by its dimensionality.
+/// A single value is always named "value". Units find it by its dimensionality.
 Parameters MakeInformation(const NetworkStream& stream) {
   if (stream.listed) {
     const auto& feed = std::get<InformationFeed>(stream.listed->state);
@@ -33,8 +33,8 @@ Parameters MakeInformation(const NetworkStream& stream) {
   }
   Parameters parameters;
   for (const PortItem& item : stream.items)
-    parameters.push_back(MakeParameter(stream.items.size() == 1 ? "value" : item.name, item.dimensions, std::nullopt));
-  if (parameters.empty()) parameters.push_back(MakeParameter("value", {}, std::nullopt));
+    parameters.push_back(MakeParameter(stream.items.size() == 1 ? "value" : item.name, item.dimensions));
+  if (parameters.empty()) parameters.push_back(MakeParameter("value", {}));
   return parameters;
 }
 
@@ -51,7 +51,7 @@ MaterialState MakeState(const NetworkStream& stream, const std::shared_ptr<const
 
 /// A value of the material, or nothing when it is not set.
 template <class Get>
-auto IfSet(Get get) -> std::optional<decltype(get())> {
+auto IfAvailable(Get get) -> std::optional<decltype(get())> {
   try {
     return get();
   } catch (const HostError& error) {
@@ -60,17 +60,15 @@ auto IfSet(Get get) -> std::optional<decltype(get())> {
   }
 }
 
-MaterialResult ReadMaterial(const MaterialState& state) {
+MaterialResult MaterialResultOf(const MaterialState& state) {
   const auto scalar = [&](Property property, Basis basis) {
-    return IfSet([&] { return state.OverallScalar(property, basis); });
+    return IfAvailable([&] { return state.OverallScalar(property, basis); });
   };
   MaterialResult result{
       .temperature = scalar(Property::kTemperature, Basis::kNone),
       .pressure = scalar(Property::kPressure, Basis::kNone),
       .flow = scalar(Property::kTotalFlow, Basis::kMole),
-      .composition = IfSet([&] { return state.OverallComposition(); }).value_or(std::vector<double>()),
-      .phases = {},
-      .energies = {}};
+      .composition = IfAvailable([&] { return state.OverallComposition(); }).value_or(std::vector<double>())};
   const auto equilibrium = state.CurrentEquilibrium();
   if (!equilibrium) return result;
   for (const Phase& phase : equilibrium->phases)
@@ -80,7 +78,7 @@ MaterialResult ReadMaterial(const MaterialState& state) {
   return result;
 }
 
-EnergyResult ReadEnergy(const ValueStream& stream) {
+EnergyResult EnergyResultOf(const ValueStream& stream) {
   EnergyResult result;
   for (const auto& parameter : stream.Values()) {
     if (parameter->Name() == kWork) result.work = parameter->Value();
@@ -90,7 +88,7 @@ EnergyResult ReadEnergy(const ValueStream& stream) {
   return result;
 }
 
-InformationResult ReadInformation(const ValueStream& stream) {
+InformationResult InformationResultOf(const ValueStream& stream) {
   InformationResult result;
   for (const auto& parameter : stream.Values())
     result.values.push_back({parameter->Name(), parameter->Value(), parameter->Dimensions()});
@@ -119,9 +117,9 @@ void StreamObject::Flash() {
 }
 
 StreamResult StreamObject::Read() const {
-  if (material) return {name, ReadMaterial(material->State())};
-  if (type == CAPE_ENERGY) return {name, ReadEnergy(*values)};
-  return {name, ReadInformation(*values)};
+  if (material) return {name, MaterialResultOf(material->State())};
+  if (type == CAPE_ENERGY) return {name, EnergyResultOf(*values)};
+  return {name, InformationResultOf(*values)};
 }
 
 }  // namespace morvelan::host

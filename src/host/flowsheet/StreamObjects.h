@@ -7,11 +7,10 @@
 
 namespace morvelan::host {
 
-/// A stream as the object that units are connected to; one of the two.
+/// The object to which units' ports are connected: a material, or the values of an energy or information stream.
 class StreamObject {
  public:
-  /// Makes the object and gives it the state of the file, if it has one there; a material is not yet at
-  /// equilibrium.
+  /// Makes the object with the state from the file, if the file gives one. A material is not yet at equilibrium.
   StreamObject(const NetworkStream& stream, const std::shared_ptr<const PropertyPackage>& package, ThermoOffer offer);
 
   [[nodiscard]] com::Ref<IDispatch> Dispatch() const;

@@ -6,50 +6,39 @@
 #include <numeric>
 
 #include "com/Text.h"
-#include "host/flowsheet/Nearest.h"
+#include "host/file/Nearest.h"
 #include "host/thermo/CompoundData.h"
+#include "host/thermo/PackageFactory.h"
 
 namespace morvelan::host {
 namespace {
 
 constexpr double kFractionTolerance = 1e-6;
 
-std::vector<std::string> NamesOf(const CompoundData& data) {
-  std::vector<std::string> names;
-  for (const Compound& compound : data.Compounds()) names.push_back(compound.name);
-  return names;
-}
-
-CompoundData ReadData(const JsonNode& thermo, const std::filesystem::path& file,
+CompoundData LoadData(const JsonNode& thermo, const std::filesystem::path& file,
                       const std::filesystem::path& dataFolder) {
   CompoundData data;
   data.AddCompounds(dataFolder / "compounds.json");
   data.AddInteractions(dataFolder / "binary-interaction.json");
   const auto own = thermo.Find("compoundData");
   if (!own) return data;
+  if (own->Value().is_object()) {
+    data.AddCompounds(*own);
+    return data;
+  }
+  const auto ownFile = file.parent_path() / com::ToPath(own->Text());
   try {
-    if (own->Value().is_object())
-      data.AddCompounds(nlohmann::json(own->Value()), "compounds");
-    else
-      data.AddCompounds(file.parent_path() / com::ToPath(own->Text()));
-  } catch (const FlowsheetError&) {
-    throw;
-  } catch (const std::runtime_error& error) {
+    data.AddCompounds(ownFile);
+  } catch (const FileError& error) {
     own->Fail(error.what());
   }
   return data;
 }
 
-std::size_t FindIn(const CompoundData& data, const JsonNode& name) {
-  const auto found = data.Find(name.Text());
-  if (!found) name.Fail("compound " + Shown(name.Value()) + " is unknown" + Suggestion(name.Text(), NamesOf(data)));
-  return *found;
-}
-
-std::vector<std::string> ReadCompounds(const CompoundData& data, const JsonNode& list) {
+std::vector<std::string> ReadCompoundNames(const CompoundData& data, const JsonNode& list) {
   std::vector<std::string> names;
   for (const JsonNode& item : list.Items()) {
-    const std::string& name = data.Compounds()[FindIn(data, item)].name;
+    const std::string& name = data.Compounds()[data.Find(item)].name;
     if (std::ranges::find(names, name) != names.end()) item.Fail("compound \"" + name + "\" is listed twice");
     names.push_back(name);
   }
@@ -64,7 +53,7 @@ std::vector<BinaryInteraction> ReadInteractions(const CompoundData& data, const 
     item.AllowKeys({"a", "b", "kij"});
     const auto member = [&](const char* key) {
       const JsonNode name = item.At(key);
-      const std::string& compound = data.Compounds()[FindIn(data, name)].name;
+      const std::string& compound = data.Compounds()[data.Find(name)].name;
       if (std::ranges::find(compounds, compound) == compounds.end())
         name.Fail("compound \"" + compound + "\" is not one of thermo/compounds");
       return compound;
@@ -84,11 +73,11 @@ std::vector<BinaryInteraction> ReadInteractions(const CompoundData& data, const 
 
 FlowsheetCompounds::FlowsheetCompounds(const JsonNode& thermo, const std::filesystem::path& file,
                                        const std::filesystem::path& dataFolder) {
-  const CompoundData data = ReadData(thermo, file, dataFolder);
+  const CompoundData data = LoadData(thermo, file, dataFolder);
   PackageOptions options;
   if (const auto model = thermo.Find("model")) options.model = model->OneOf({"peng-robinson", "ideal-gas"});
   const JsonNode compounds = thermo.At("compounds");
-  options.compounds = ReadCompounds(data, compounds);
+  options.compounds = ReadCompoundNames(data, compounds);
   if (const auto pairs = thermo.Find("binaryInteraction"))
     options.interactions = ReadInteractions(data, *pairs, options.compounds);
   if (const auto builtIn = thermo.Find("builtInInteraction")) options.builtInInteraction = builtIn->Boolean();

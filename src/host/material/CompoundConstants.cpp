@@ -4,19 +4,20 @@
 #include <numeric>
 
 #include "com/Text.h"
+#include "host/file/Nearest.h"
 #include "host/objects/HostError.h"
 
 namespace morvelan::host {
 namespace {
 
-com::Variant Number(std::optional<double> value) { return value ? com::MakeDouble(*value) : com::Variant(); }
+com::Variant NumberOrEmpty(std::optional<double> value) { return value ? com::MakeDouble(*value) : com::Variant(); }
 
-com::Variant Text(const std::string& text) { return text.empty() ? com::Variant() : com::MakeString(text); }
+com::Variant TextOrEmpty(const std::string& text) { return text.empty() ? com::Variant() : com::MakeString(text); }
 
 /// A member of optional data, absent with it.
 template <class Data>
 com::Variant MemberOf(const std::optional<Data>& data, double Data::*member) {
-  return Number(data ? std::optional((*data).*member) : std::nullopt);
+  return NumberOrEmpty(data ? std::optional((*data).*member) : std::nullopt);
 }
 
 struct Constant {
@@ -24,24 +25,24 @@ struct Constant {
   com::Variant (*read)(const Compound& compound);
 };
 
-constexpr Constant kConstants[] = {
-    {"molecularWeight", [](const Compound& c) { return Number(c.molecularWeight); }},
-    {"chemicalFormula", [](const Compound& c) { return Text(c.formula); }},
-    {"casRegistryNumber", [](const Compound& c) { return Text(c.cas); }},
+constexpr Constant kCompoundConstants[] = {
+    {"molecularWeight", [](const Compound& c) { return NumberOrEmpty(c.molecularWeight); }},
+    {"chemicalFormula", [](const Compound& c) { return TextOrEmpty(c.formula); }},
+    {"casRegistryNumber", [](const Compound& c) { return TextOrEmpty(c.cas); }},
     {"criticalTemperature", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::temperature); }},
     {"criticalPressure", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::pressure); }},
     {"acentricFactor", [](const Compound& c) { return MemberOf(c.critical, &CriticalPoint::acentricFactor); }},
-    {"criticalVolume", [](const Compound& c) { return Number(c.criticalVolume); }},
-    {"normalBoilingPoint", [](const Compound& c) { return Number(c.normalBoilingPoint); }},
+    {"criticalVolume", [](const Compound& c) { return NumberOrEmpty(c.criticalVolume); }},
+    {"normalBoilingPoint", [](const Compound& c) { return NumberOrEmpty(c.normalBoilingPoint); }},
     {"standardFormationEnthalpyGas", [](const Compound& c) { return MemberOf(c.formationGas, &Formation::enthalpy); }},
     {"standardFormationGibbsEnergyGas",
      [](const Compound& c) { return MemberOf(c.formationGas, &Formation::gibbsEnergy); }},
-    {"standardEntropyGas", [](const Compound& c) { return Number(c.entropyGas); }},
+    {"standardEntropyGas", [](const Compound& c) { return NumberOrEmpty(c.entropyGas); }},
     {"standardFormationEnthalpySolid",
      [](const Compound& c) { return MemberOf(c.formationSolid, &Formation::enthalpy); }},
     {"standardFormationGibbsEnergySolid",
      [](const Compound& c) { return MemberOf(c.formationSolid, &Formation::gibbsEnergy); }},
-    {"standardEntropySolid", [](const Compound& c) { return Number(c.entropySolid); }},
+    {"standardEntropySolid", [](const Compound& c) { return NumberOrEmpty(c.entropySolid); }},
 };
 
 struct NatureConstant {
@@ -49,7 +50,7 @@ struct NatureConstant {
   double value;
 };
 
-// CODATA 2018; the first three and the last but one are exact by definition of the SI.
+// CODATA 2018. All are exact by definition, except the gas constant, which is rounded.
 constexpr NatureConstant kNatureConstants[] = {
     {"avogadroConstant", 6.02214076e23},         // [1/mol]
     {"boltzmannConstant", 1.380649e-23},         // [J/K]
@@ -59,7 +60,7 @@ constexpr NatureConstant kNatureConstants[] = {
 };
 
 template <class Entry>
-const Entry& Find(std::span<const Entry> entries, const std::string& name, const char* what) {
+const Entry& FindByName(std::span<const Entry> entries, const std::string& name, const char* what) {
   const auto found =
       std::ranges::find_if(entries, [&](const Entry& entry) { return com::EqualNoCase(entry.name, name); });
   if (found == entries.end())
@@ -69,17 +70,13 @@ const Entry& Find(std::span<const Entry> entries, const std::string& name, const
 
 }  // namespace
 
-std::vector<std::string> CompoundConstantNames() {
-  std::vector<std::string> names;
-  for (const Constant& constant : kConstants) names.emplace_back(constant.name);
-  return names;
-}
+std::vector<std::string> CompoundConstantNames() { return NamesOf(kCompoundConstants); }
 
 com::Variant CompoundConstants(const PropertyPackage& package, const std::vector<std::string>& names,
                                const std::vector<std::size_t>& compounds) {
   std::vector<com::Variant> values;
   for (const std::string& name : names) {
-    const Constant& constant = Find<Constant>(kConstants, name, "compound constant");
+    const Constant& constant = FindByName<Constant>(kCompoundConstants, name, "compound constant");
     for (const std::size_t i : compounds) values.push_back(constant.read(package.CompoundAt(i)));
   }
   return com::MakeVariants(values);
@@ -102,13 +99,9 @@ std::vector<std::size_t> CompoundPositions(const PropertyPackage& package, const
 }
 
 double UniversalConstant(const std::string& name) {
-  return Find<NatureConstant>(kNatureConstants, name, "universal constant").value;
+  return FindByName<NatureConstant>(kNatureConstants, name, "universal constant").value;
 }
 
-std::vector<std::string> UniversalConstantNames() {
-  std::vector<std::string> names;
-  for (const NatureConstant& constant : kNatureConstants) names.emplace_back(constant.name);
-  return names;
-}
+std::vector<std::string> UniversalConstantNames() { return NamesOf(kNatureConstants); }
 
 }  // namespace morvelan::host

@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 #include <set>
+#include <tuple>
 
 #include "host/material/PhaseProperties.h"
 #include "host/objects/HostError.h"
@@ -19,18 +20,16 @@ bool IsState(Property property) {
          property == Property::kPhaseFraction;
 }
 
-/// Removes the values that `unwanted(id, value)` names.
-template <class Values, class Unwanted>
-void Erase(Values& values, Unwanted unwanted) {
-  std::erase_if(values, [&](const auto& entry) { return unwanted(entry.first, entry.second); });
-}
-
 }  // namespace
 
 const char* PhaseName(PhaseKind kind) { return kind == PhaseKind::kVapor ? "Vapor" : "Liquid"; }
 
 MaterialState::MaterialState(std::shared_ptr<const PropertyPackage> thermodynamics)
-    : package(std::move(thermodynamics)) {}
+    : package(std::move(thermodynamics)), overall(*package, "Overall"), slots(EmptySlots()) {}
+
+MaterialState::PhaseSlots MaterialState::EmptySlots() const {
+  return {{{PropertyValues(*package, PhaseName(kPhases[0]))}, {PropertyValues(*package, PhaseName(kPhases[1]))}}};
+}
 
 std::span<const PhaseKind> MaterialState::SupportedPhases() const {
   return std::span(kPhases).first(package->HasLiquid() ? 2 : 1);
@@ -52,43 +51,33 @@ void MaterialState::CheckValues(PropertyId id, std::span<const double> values) c
       throw HostError(kECapeInvalidArgument, "property " + name + " is given a value that is not set");
   if (id.derivative != Derivative::kNone) return;
   const bool positive = id.property == Property::kTemperature || id.property == Property::kPressure;
-  const bool amount =
-      InfoOf(id.property).dimension == Dimension::kAmount || InfoOf(id.property).dimension == Dimension::kFractions;
+  const Dimension dimension = InfoOf(id.property).dimension;
+  const bool amount = dimension == Dimension::kAmount || dimension == Dimension::kFractions;
   for (const double value : values)
     if ((positive && value <= 0) || (amount && value < 0))
       throw HostError(kECapeOutOfBounds, "property " + name + " must " + (positive ? "be above 0" : "not be negative") +
                                              ", " + std::to_string(value) + " given");
 }
 
-void MaterialState::Store(Values& target, PropertyId id, Basis basis, std::vector<double> values) const {
-  if (id.property == Property::kFraction && basis == Basis::kMass) {
-    values = ToMoleFractions(std::move(values));
-    basis = Basis::kMole;
-  }
-  target[id] = {std::move(values), basis, true};
-}
-
 void MaterialState::SetOverall(PropertyId id, Basis basis, std::vector<double> values) {
   CheckValues(id, values);
   if (id.property == Property::kPhaseFraction)
     throw HostError(kECapeInvalidArgument, "property phaseFraction belongs to a phase, not to \"Overall\"");
-  if (id.property == Property::kFlow) {
-    for (std::size_t i = 0; basis == Basis::kMass && i < values.size(); ++i)
-      values[i] /= 0.001 * package->CompoundAt(i).molecularWeight;
-    SetComponentFlows(values);
-  } else {
-    Store(overall, id, basis, std::move(values));
-  }
+  if (id.property == Property::kFlow)
+    SetCompoundFlows(basis, std::move(values));
+  else
+    overall.Give(id, basis, std::move(values));
   DropEquilibrium();
 }
 
-void MaterialState::SetComponentFlows(const std::vector<double>& flows) {
+void MaterialState::SetCompoundFlows(Basis basis, std::vector<double> flows) {
+  for (std::size_t i = 0; basis == Basis::kMass && i < flows.size(); ++i)
+    flows[i] /= 0.001 * package->CompoundAt(i).molecularWeight;
   const double total = std::accumulate(flows.begin(), flows.end(), 0.0);
-  overall[{Property::kTotalFlow}] = {{total}, Basis::kMole, true};
-  if (total == 0) return;  // no flow has no composition of its own: the one that was set stays
-  std::vector<double> fractions = flows;
-  for (double& fraction : fractions) fraction /= total;
-  overall[{Property::kFraction}] = {std::move(fractions), Basis::kMole, true};
+  overall.Give({Property::kTotalFlow}, Basis::kMole, {total});
+  if (total == 0) return;  // a stream without flow keeps the composition that was set
+  for (double& flow : flows) flow /= total;
+  overall.Give({Property::kFraction}, Basis::kMole, std::move(flows));
 }
 
 void MaterialState::SetPhase(PhaseKind kind, PropertyId id, Basis basis, std::vector<double> values) {
@@ -98,24 +87,50 @@ void MaterialState::SetPhase(PhaseKind kind, PropertyId id, Basis basis, std::ve
     throw HostError(kECapeLimitedImpl, "the flow of a phase follows from its phaseFraction and can't be set");
   if (id.property == Property::kPhaseFraction && basis == Basis::kMass)
     throw HostError(kECapeLimitedImpl, "property phaseFraction can be set on basis \"Mole\" only");
-  PhaseSlot& slot = SlotOf(kind);
+  PropertyValues& ofPhase = SlotOf(kind).values;
   if (IsState(id.property)) {
-    const auto isResult = [](const PropertyId& stored, const StoredValue& value) {
-      return !value.given && !IsState(stored.property);
-    };
-    Erase(slot.values, isResult);
-    Erase(overall, isResult);
+    const auto isOutdated = [](PropertyId stored, bool isGiven) { return !isGiven && !IsState(stored.property); };
+    ofPhase.Forget(isOutdated);
+    overall.Forget(isOutdated);
   }
-  Store(slot.values, id, basis, std::move(values));
+  ofPhase.Give(id, basis, std::move(values));
+}
+
+/// The flow of each compound in a phase, or their sum. `share` is that of the phase in all moles.
+std::vector<double> MaterialState::Flow(const PropertyValues& from, Property property, Basis basis,
+                                        double share) const {
+  const double total = share * overall.Read({Property::kTotalFlow}, Basis::kMole).front();
+  std::vector<double> flows = from.Composition();
+  for (std::size_t i = 0; i < flows.size(); ++i)
+    flows[i] *= total * (basis == Basis::kMass ? 0.001 * package->CompoundAt(i).molecularWeight : 1.0);
+  if (property == Property::kFlow) return flows;
+  return {std::accumulate(flows.begin(), flows.end(), 0.0)};
+}
+
+std::vector<double> MaterialState::Overall(PropertyId id, Basis basis) const {
+  return id.property == Property::kFlow ? Flow(overall, id.property, basis, 1.0) : overall.Read(id, basis);
+}
+
+double MaterialState::OverallScalar(Property property, Basis basis) const { return Overall({property}, basis).front(); }
+
+std::vector<double> MaterialState::OfPhase(PhaseKind kind, PropertyId id, Basis basis) const {
+  CheckPhase(kind);
+  const PropertyValues& values = SlotOf(kind).values;
+  const auto phaseFraction = [&] { return values.Read({Property::kPhaseFraction}, Basis::kMole).front(); };
+  if (InfoOf(id.property).dimension == Dimension::kAmount) return Flow(values, id.property, basis, phaseFraction());
+  if (id.property != Property::kPhaseFraction) return values.Read(id, basis);
+  if (basis != Basis::kMass) return {phaseFraction()};
+  const double molar = phaseFraction();
+  const double M = package->MeanMolecularWeight(values.Composition());
+  return {molar * (M / package->MeanMolecularWeight(OverallComposition()))};
 }
 
 void MaterialState::DropEquilibrium() {
-  const auto isResult = [](const PropertyId&, const StoredValue& value) { return !value.given; };
-  Erase(overall, isResult);
+  overall.ForgetResults();
   for (PhaseSlot& slot : slots) {
     slot.present = false;
     slot.status = PhaseStatus::kUnknown;
-    Erase(slot.values, isResult);
+    slot.values.ForgetResults();
   }
 }
 
@@ -138,17 +153,14 @@ void MaterialState::DeclarePhases(std::span<const PresentPhase> phases) {
 
 void MaterialState::CalculatePhase(PhaseKind kind, std::span<const PropertyId> ids, bool overallConditions) {
   CheckPhase(kind);
-  PhaseSlot& slot = SlotOf(kind);
+  PropertyValues& values = SlotOf(kind).values;
   const auto condition = [&](Property property) {
-    if (!slot.values.contains({property}) && overallConditions) return OverallScalar(property);
-    return Read(slot.values, {property}, Basis::kNone, PhaseName(kind)).front();
+    return values.Has({property}) || !overallConditions ? values.Read({property}).front() : OverallScalar(property);
   };
   const double T = condition(Property::kTemperature);
   const double P = condition(Property::kPressure);
-  PhaseProperties properties(*package, kind, T, P,
-                             Read(slot.values, {Property::kFraction}, Basis::kMole, PhaseName(kind)));
-  for (const PropertyId id : ids)
-    slot.values[id] = {properties.Values(id), NeedsBasis(id) ? Basis::kMole : Basis::kNone, false};
+  PhaseProperties properties(*package, kind, T, P, values.Composition());
+  for (const PropertyId id : ids) values.StoreResult(id, properties.Values(id));
 }
 
 void MaterialState::CalculateOverall(std::span<const PropertyId> ids) {
@@ -160,10 +172,63 @@ void MaterialState::CalculateOverall(std::span<const PropertyId> ids) {
   for (const PropertyId id : ids) {
     if (!InfoOf(id.property).isCalculatedOverall || id.derivative != Derivative::kNone)
       throw HostError(kECapeLimitedImpl, "property " + NameOf(id) + " is not calculated for \"Overall\"");
-    const double value = id.property == Property::kMolecularWeight
-                             ? 1000.0 * MeanMolecularWeight(*package, OverallComposition())
-                             : MolarValue(molar, id.property);
-    overall[id] = {{value}, NeedsBasis(id) ? Basis::kMole : Basis::kNone, false};
+    const bool isWeight = id.property == Property::kMolecularWeight;
+    overall.StoreResult(
+        id, {isWeight ? 1000.0 * package->MeanMolecularWeight(OverallComposition()) : MolarValue(molar, id.property)});
+  }
+}
+
+double MaterialState::ConditionValue(FlashCondition condition) const {
+  if (condition.phase) {
+    const double fraction = OfPhase(*condition.phase, {Property::kPhaseFraction}, Basis::kMole).front();
+    return *condition.phase == PhaseKind::kVapor ? fraction : 1.0 - fraction;
+  }
+  const double value =
+      OverallScalar(condition.property, NeedsBasis({condition.property}) ? Basis::kMole : Basis::kNone);
+  if (condition.property == Property::kEnthalpyF) return value - package->FormationEnthalpy(OverallComposition());
+  if (condition.property == Property::kEntropyF) return value - package->FormationEntropy(OverallComposition());
+  return value;
+}
+
+Equilibrium MaterialState::Solve(FlashCondition first, FlashCondition second) const {
+  const double value1 = ConditionValue(first);
+  const double value2 = ConditionValue(second);
+  const std::vector<double> z = OverallComposition();
+  const bool isFraction = second.property == Property::kPhaseFraction;
+  if (first.property == Property::kTemperature)
+    return isFraction ? package->FlashTVF(value1, value2, z) : package->FlashTH(value1, value2, z);
+  if (isFraction) return package->FlashPVF(value1, value2, z);
+  if (second.property == Property::kTemperature) return package->FlashTP(value2, value1, z);
+  return IsEntropy(second.property) ? package->FlashPS(value1, value2, z) : package->FlashPH(value1, value2, z);
+}
+
+void MaterialState::Flash(FlashCondition first, FlashCondition second) {
+  std::tie(first, second) = OrderConditions(first, second);
+  for (const PhaseKind kind : SupportedPhases())
+    if (!SlotOf(kind).allowed)
+      throw HostError(kECapeLimitedImpl,
+                      std::string("an equilibrium without phase \"") + PhaseName(kind) +
+                          "\" is not implemented: declare all phases that the material supports as present");
+  Accept(Solve(first, second), first, second);
+}
+
+void MaterialState::Accept(const Equilibrium& equilibrium, FlashCondition first, FlashCondition second) {
+  overall.Forget([&](PropertyId id, bool) {
+    return id.derivative != Derivative::kNone ||
+           (id.property != Property::kFraction && id.property != Property::kTotalFlow &&
+            id.property != first.property && id.property != second.property);
+  });
+  overall.Give({Property::kTemperature}, Basis::kNone, {equilibrium.T});
+  overall.Give({Property::kPressure}, Basis::kNone, {equilibrium.P});
+  slots = EmptySlots();
+  for (const Phase& phase : equilibrium.phases) {
+    PhaseSlot& slot = SlotOf(phase.kind);
+    slot.present = true;
+    slot.status = PhaseStatus::kAtEquilibrium;
+    slot.values.StoreResult({Property::kTemperature}, {equilibrium.T});
+    slot.values.StoreResult({Property::kPressure}, {equilibrium.P});
+    slot.values.StoreResult({Property::kPhaseFraction}, {phase.fraction});
+    slot.values.StoreResult({Property::kFraction}, phase.x);
   }
 }
 
@@ -181,23 +246,18 @@ std::optional<Equilibrium> MaterialState::CurrentEquilibrium() const {
 
 std::vector<std::string> MaterialState::StoredProperties() const {
   std::set<std::string> names;
-  for (const auto& [id, value] : overall) names.insert(NameOf(id));
-  for (const PhaseSlot& slot : slots)
-    for (const auto& [id, value] : slot.values) names.insert(NameOf(id));
+  const auto insert = [&](PropertyId id) { names.insert(NameOf(id)); };
+  overall.ForEach(insert);
+  for (const PhaseSlot& slot : slots) slot.values.ForEach(insert);
   return {names.begin(), names.end()};
 }
 
 void MaterialState::RemoveResults(std::span<const PropertyId> ids) {
-  const auto unwanted = [&](const PropertyId& id, const StoredValue& value) {
-    return !value.given && !IsState(id.property) && (ids.empty() || std::ranges::find(ids, id) != ids.end());
+  const auto unwanted = [&](PropertyId id, bool isGiven) {
+    return !isGiven && !IsState(id.property) && (ids.empty() || std::ranges::find(ids, id) != ids.end());
   };
-  Erase(overall, unwanted);
-  for (PhaseSlot& slot : slots) Erase(slot.values, unwanted);
-}
-
-void MaterialState::Clear() {
-  overall.clear();
-  slots = {};
+  overall.Forget(unwanted);
+  for (PhaseSlot& slot : slots) slot.values.Forget(unwanted);
 }
 
 }  // namespace morvelan::host

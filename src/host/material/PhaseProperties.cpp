@@ -19,57 +19,65 @@ double Required(const std::optional<double>& value, Property property) {
   return *value;
 }
 
-/// `formation(x)` of each pure compound.
+using Molar = const MolarProperties&;
+using OnePhase = PhaseProperties&;
+
+double HeatCapacity(OnePhase phase) { return phase.Molar().heatCapacityCp; }
+double HeatCapacityOverT(OnePhase phase) { return phase.Molar().heatCapacityCp / phase.Temperature(); }
+double EnthalpyByPressure(OnePhase phase) { return phase.Derivatives().enthalpyDP; }
+double EntropyByPressure(OnePhase phase) { return phase.Derivatives().entropyDP; }
+double MolarVolume(OnePhase phase) { return phase.Molar().volume; }
+
+/// How a property with one value follows from those of the package: the value, and its derivatives by temperature at
+/// constant pressure and by pressure at constant temperature, where they are calculated.
+struct MolarFormula {
+  Property property;
+  double (*value)(Molar molar);
+  double (*byTemperature)(OnePhase phase) = nullptr;
+  double (*byPressure)(OnePhase phase) = nullptr;
+};
+
+constexpr MolarFormula kMolarFormulas[] = {
+    {Property::kEnthalpy, [](Molar m) { return m.enthalpy; }, HeatCapacity, EnthalpyByPressure},
+    {Property::kEnthalpyF, [](Molar m) { return Required(m.enthalpyF, Property::kEnthalpyF); }, HeatCapacity,
+     EnthalpyByPressure},
+    {Property::kEntropy, [](Molar m) { return m.entropy; }, HeatCapacityOverT, EntropyByPressure},
+    {Property::kEntropyF, [](Molar m) { return Required(m.entropyF, Property::kEntropyF); }, HeatCapacityOverT,
+     EntropyByPressure},
+    {Property::kGibbsEnergy, [](Molar m) { return m.gibbsEnergy; }, [](OnePhase p) { return -p.Molar().entropy; },
+     MolarVolume},
+    {Property::kGibbsEnergyF, [](Molar m) { return Required(m.gibbsEnergyF, Property::kGibbsEnergyF); },
+     [](OnePhase p) { return -Required(p.Molar().entropyF, Property::kGibbsEnergyF); }, MolarVolume},
+    {Property::kVolume, [](Molar m) { return m.volume; }, [](OnePhase p) { return p.Derivatives().volumeDT; },
+     [](OnePhase p) { return p.Derivatives().volumeDP; }},
+    {Property::kDensity, [](Molar m) { return m.density; },
+     [](OnePhase p) { return -p.Derivatives().volumeDT * p.Molar().density * p.Molar().density; },
+     [](OnePhase p) { return -p.Derivatives().volumeDP * p.Molar().density * p.Molar().density; }},
+    {Property::kHeatCapacityCp, [](Molar m) { return m.heatCapacityCp; }},
+    {Property::kCompressibilityFactor, [](Molar m) { return m.compressibility; }},
+};
+
+const MolarFormula& FormulaOf(Property property) {
+  const auto* found = std::ranges::find(kMolarFormulas, property, &MolarFormula::property);
+  if (found == std::end(kMolarFormulas)) NotCalculated({property});
+  return *found;
+}
+
+/// The values plus `formation(x)` of each pure compound.
 template <class Formation>
-void AddPureValues(std::vector<double>& values, Formation formation) {
+std::vector<double> WithFormation(std::vector<double> values, Formation formation) {
   std::vector<double> pure(values.size(), 0.0);
   for (std::size_t i = 0; i < values.size(); ++i) {
     pure[i] = 1.0;
     values[i] += formation(pure);
     pure[i] = 0.0;
   }
+  return values;
 }
 
 }  // namespace
 
-double MolarValue(const MolarProperties& values, Property property) {
-  switch (property) {
-    case Property::kEnthalpy:
-      return values.enthalpy;
-    case Property::kEnthalpyF:
-      return Required(values.enthalpyF, property);
-    case Property::kEntropy:
-      return values.entropy;
-    case Property::kEntropyF:
-      return Required(values.entropyF, property);
-    case Property::kGibbsEnergy:
-      return values.gibbsEnergy;
-    case Property::kGibbsEnergyF:
-      return Required(values.gibbsEnergyF, property);
-    case Property::kVolume:
-      return values.volume;
-    case Property::kDensity:
-      return values.density;
-    case Property::kHeatCapacityCp:
-      return values.heatCapacityCp;
-    case Property::kCompressibilityFactor:
-      return values.compressibility;
-    default:
-      NotCalculated({property});
-  }
-}
-
-double MeanMolecularWeight(const PropertyPackage& package, std::span<const double> x) {
-  double mean = 0;
-  for (std::size_t i = 0; i < x.size(); ++i) mean += x[i] * package.CompoundAt(i).molecularWeight;
-  return mean * 0.001;
-}
-
-bool HasFormationData(const PropertyPackage& package) {
-  for (std::size_t i = 0; i < package.CompoundCount(); ++i)
-    if (!package.CompoundAt(i).formationGas) return false;
-  return true;
-}
+double MolarValue(const MolarProperties& values, Property property) { return FormulaOf(property).value(values); }
 
 PhaseProperties::PhaseProperties(const PropertyPackage& thermodynamics, PhaseKind phaseKind, double temperature,
                                  double pressure, std::vector<double> composition)
@@ -96,9 +104,9 @@ std::vector<double> PhaseProperties::Values(PropertyId id) {
     if (id.derivative != Derivative::kNone) return FugacityDerivative(id);
   switch (id.derivative) {
     case Derivative::kTemperature:
-      return {ByTemperature(id.property)};
+      return {FormulaOf(id.property).byTemperature(*this)};
     case Derivative::kPressure:
-      return {ByPressure(id.property)};
+      return {FormulaOf(id.property).byPressure(*this)};
     case Derivative::kMoles:
     case Derivative::kMolFraction:
       return Partial(id.property);
@@ -110,7 +118,7 @@ std::vector<double> PhaseProperties::Values(PropertyId id) {
 std::vector<double> PhaseProperties::PlainValues(Property property) {
   switch (property) {
     case Property::kMolecularWeight:
-      return {1000.0 * MeanMolecularWeight(package, x)};
+      return {1000.0 * package.MeanMolecularWeight(x)};
     case Property::kCompressibility:
       return {-Derivatives().volumeDP / Molar().volume};
     case Property::kLogFugacityCoefficient:
@@ -127,50 +135,7 @@ std::vector<double> PhaseProperties::PlainValues(Property property) {
   }
 }
 
-double PhaseProperties::ByTemperature(Property property) {
-  switch (property) {
-    case Property::kEnthalpy:
-    case Property::kEnthalpyF:
-      return Molar().heatCapacityCp;
-    case Property::kEntropy:
-    case Property::kEntropyF:
-      return Molar().heatCapacityCp / T;
-    case Property::kGibbsEnergy:
-      return -Molar().entropy;
-    case Property::kGibbsEnergyF:
-      return -Required(Molar().entropyF, property);
-    case Property::kVolume:
-      return Derivatives().volumeDT;
-    case Property::kDensity:
-      return -Derivatives().volumeDT * Molar().density * Molar().density;
-    default:
-      NotCalculated({property, Derivative::kTemperature});
-  }
-}
-
-double PhaseProperties::ByPressure(Property property) {
-  switch (property) {
-    case Property::kEnthalpy:
-    case Property::kEnthalpyF:
-      return Derivatives().enthalpyDP;
-    case Property::kEntropy:
-    case Property::kEntropyF:
-      return Derivatives().entropyDP;
-    case Property::kGibbsEnergy:
-    case Property::kGibbsEnergyF:
-      return Molar().volume;
-    case Property::kVolume:
-      return Derivatives().volumeDP;
-    case Property::kDensity:
-      return -Derivatives().volumeDP * Molar().density * Molar().density;
-    default:
-      NotCalculated({property, Derivative::kPressure});
-  }
-}
-
 std::vector<double> PhaseProperties::Partial(Property property) {
-  const auto enthalpy = [&](std::span<const double> pure) { return package.FormationEnthalpy(pure); };
-  const auto entropy = [&](std::span<const double> pure) { return package.FormationEntropy(pure); };
   switch (property) {
     case Property::kEnthalpy:
       return Derivatives().partialEnthalpy;
@@ -178,27 +143,26 @@ std::vector<double> PhaseProperties::Partial(Property property) {
       return Derivatives().partialEntropy;
     case Property::kVolume:
       return Derivatives().partialVolume;
-    case Property::kEnthalpyF: {
-      std::vector<double> values = Derivatives().partialEnthalpy;
-      AddPureValues(values, enthalpy);
-      return values;
-    }
-    case Property::kEntropyF: {
-      std::vector<double> values = Derivatives().partialEntropy;
-      AddPureValues(values, entropy);
-      return values;
-    }
+    case Property::kEnthalpyF:
+      return WithFormation(Partial(Property::kEnthalpy),
+                           [&](const auto& pure) { return package.FormationEnthalpy(pure); });
+    case Property::kEntropyF:
+      return WithFormation(Partial(Property::kEntropy),
+                           [&](const auto& pure) { return package.FormationEntropy(pure); });
     case Property::kGibbsEnergy:
-    case Property::kGibbsEnergyF: {
-      const bool formation = property == Property::kGibbsEnergyF;
-      std::vector<double> values = Partial(formation ? Property::kEnthalpyF : Property::kEnthalpy);
-      const auto s = Partial(formation ? Property::kEntropyF : Property::kEntropy);
-      for (std::size_t i = 0; i < values.size(); ++i) values[i] -= T * s[i];
-      return values;
-    }
+      return PartialGibbsEnergy(Property::kEnthalpy, Property::kEntropy);
+    case Property::kGibbsEnergyF:
+      return PartialGibbsEnergy(Property::kEnthalpyF, Property::kEntropyF);
     default:
       NotCalculated({property, Derivative::kMoles});
   }
+}
+
+std::vector<double> PhaseProperties::PartialGibbsEnergy(Property enthalpy, Property entropy) {
+  std::vector<double> values = Partial(enthalpy);
+  const std::vector<double> s = Partial(entropy);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] -= T * s[i];
+  return values;
 }
 
 std::vector<double> PhaseProperties::FugacityDerivative(PropertyId id) {

@@ -10,25 +10,26 @@ namespace morvelan::host {
 
 /// Molar properties of one phase by their identifiers. What several properties share is calculated once.
 ///
-/// Derivatives by moles are those of the amount times the property, per mole of phase; derivatives by mole
-/// fractions take the fractions as independent, with the property extended in proportion to the amount, and
-/// are the same numbers. Those of logFugacityCoefficient by moles are n x n, row by row.
+/// Derivatives by moles are those of the amount times the property, per mole of phase. Derivatives by mole fractions
+/// take the fractions as independent and the property in proportion to the amount, which gives the same numbers. Those
+/// of logFugacityCoefficient by moles are n x n, row by row.
 class PhaseProperties {
  public:
   PhaseProperties(const PropertyPackage& package, PhaseKind kind, double T, double P, std::vector<double> x);
 
-  /// Values in molar basis. Throws HostError (ECapeLimitedImpl) for what is not calculated, and what the
+  /// Values in molar basis. Throws HostError (ECapeLimitedImpl) for a property that is not calculated, and what the
   /// package throws.
   [[nodiscard]] std::vector<double> Values(PropertyId id);
 
- private:
+  [[nodiscard]] double Temperature() const { return T; }
   [[nodiscard]] const MolarProperties& Molar();
-  [[nodiscard]] const std::vector<double>& LnPhi();
   [[nodiscard]] const PhaseDerivatives& Derivatives();
+
+ private:
+  [[nodiscard]] const std::vector<double>& LnPhi();
   [[nodiscard]] std::vector<double> PlainValues(Property property);
-  [[nodiscard]] double ByTemperature(Property property);
-  [[nodiscard]] double ByPressure(Property property);
   [[nodiscard]] std::vector<double> Partial(Property property);
+  [[nodiscard]] std::vector<double> PartialGibbsEnergy(Property enthalpy, Property entropy);
   [[nodiscard]] std::vector<double> FugacityDerivative(PropertyId id);
 
   const PropertyPackage& package;
@@ -41,14 +42,7 @@ class PhaseProperties {
   std::optional<PhaseDerivatives> derivatives;
 };
 
-/// A molar property that has one value, of a phase or of all phases together. Throws HostError
-/// (ECapeLimitedImpl).
+/// A molar property that has one value, of a phase or of all phases together. Throws HostError (ECapeLimitedImpl).
 [[nodiscard]] double MolarValue(const MolarProperties& values, Property property);
-
-/// Mean molecular weight [kg/mol] of a composition.
-[[nodiscard]] double MeanMolecularWeight(const PropertyPackage& package, std::span<const double> x);
-
-/// True when all compounds of the package have formation data.
-[[nodiscard]] bool HasFormationData(const PropertyPackage& package);
 
 }  // namespace morvelan::host

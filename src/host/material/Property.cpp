@@ -20,37 +20,36 @@ constexpr DerivativeName kDerivativeNames[] = {
     {Derivative::kMolFraction, ".DmolFraction"},
 };
 
-constexpr Derivative kAll[] = {Derivative::kTemperature, Derivative::kPressure, Derivative::kMoles,
-                               Derivative::kMolFraction};
+constexpr Derivative kAllDerivatives[] = {Derivative::kTemperature, Derivative::kPressure, Derivative::kMoles,
+                                          Derivative::kMolFraction};
 constexpr Derivative kByMoles[] = {Derivative::kTemperature, Derivative::kPressure, Derivative::kMoles};
 constexpr Derivative kByState[] = {Derivative::kTemperature, Derivative::kPressure};
-constexpr std::span<const Derivative> kNo;
+constexpr std::span<const Derivative> kNone;
 
-using enum Property;
-using enum Dimension;
-
+// Columns: one value per compound; calculated for a phase; calculated overall; needs formation data; derivatives.
 constexpr PropertyInfo kProperties[] = {
-    {kTemperature, "temperature", kPlain, false, false, false, false, kNo},
-    {kPressure, "pressure", kPlain, false, false, false, false, kNo},
-    {kFraction, "fraction", kFractions, true, false, false, false, kNo},
-    {kFlow, "flow", kAmount, true, false, false, false, kNo},
-    {kTotalFlow, "totalFlow", kAmount, false, false, false, false, kNo},
-    {kPhaseFraction, "phaseFraction", kFractions, false, false, false, false, kNo},
-    {kMolecularWeight, "molecularWeight", kPlain, false, true, true, false, kNo},
-    {kEnthalpy, "enthalpy", kPerAmount, false, true, true, false, kAll},
-    {kEnthalpyF, "enthalpyF", kPerAmount, false, true, true, true, kAll},
-    {kEntropy, "entropy", kPerAmount, false, true, true, false, kAll},
-    {kEntropyF, "entropyF", kPerAmount, false, true, true, true, kAll},
-    {kGibbsEnergy, "gibbsEnergy", kPerAmount, false, true, true, false, kAll},
-    {kGibbsEnergyF, "gibbsEnergyF", kPerAmount, false, true, true, true, kAll},
-    {kVolume, "volume", kPerAmount, false, true, true, false, kAll},
-    {kDensity, "density", kAmountPerVolume, false, true, true, false, kByState},
-    {kHeatCapacityCp, "heatCapacityCp", kPerAmount, false, true, true, false, kNo},
-    {kCompressibilityFactor, "compressibilityFactor", kPlain, false, true, true, false, kNo},
-    {kCompressibility, "compressibility", kPlain, false, true, false, false, kNo},
-    {kFugacityCoefficient, "fugacityCoefficient", kPlain, true, true, false, false, kByState},
-    {kLogFugacityCoefficient, "logFugacityCoefficient", kPlain, true, true, false, false, kByMoles},
-    {kFugacity, "fugacity", kPlain, true, true, false, false, kNo},
+    {Property::kTemperature, "temperature", Dimension::kPlain, false, false, false, false, kNone},
+    {Property::kPressure, "pressure", Dimension::kPlain, false, false, false, false, kNone},
+    {Property::kFraction, "fraction", Dimension::kFractions, true, false, false, false, kNone},
+    {Property::kFlow, "flow", Dimension::kAmount, true, false, false, false, kNone},
+    {Property::kTotalFlow, "totalFlow", Dimension::kAmount, false, false, false, false, kNone},
+    {Property::kPhaseFraction, "phaseFraction", Dimension::kFractions, false, false, false, false, kNone},
+    {Property::kMolecularWeight, "molecularWeight", Dimension::kPlain, false, true, true, false, kNone},
+    {Property::kEnthalpy, "enthalpy", Dimension::kPerAmount, false, true, true, false, kAllDerivatives},
+    {Property::kEnthalpyF, "enthalpyF", Dimension::kPerAmount, false, true, true, true, kAllDerivatives},
+    {Property::kEntropy, "entropy", Dimension::kPerAmount, false, true, true, false, kAllDerivatives},
+    {Property::kEntropyF, "entropyF", Dimension::kPerAmount, false, true, true, true, kAllDerivatives},
+    {Property::kGibbsEnergy, "gibbsEnergy", Dimension::kPerAmount, false, true, true, false, kAllDerivatives},
+    {Property::kGibbsEnergyF, "gibbsEnergyF", Dimension::kPerAmount, false, true, true, true, kAllDerivatives},
+    {Property::kVolume, "volume", Dimension::kPerAmount, false, true, true, false, kAllDerivatives},
+    {Property::kDensity, "density", Dimension::kAmountPerVolume, false, true, true, false, kByState},
+    {Property::kHeatCapacityCp, "heatCapacityCp", Dimension::kPerAmount, false, true, true, false, kNone},
+    {Property::kCompressibilityFactor, "compressibilityFactor", Dimension::kPlain, false, true, true, false, kNone},
+    {Property::kCompressibility, "compressibility", Dimension::kPlain, false, true, false, false, kNone},
+    {Property::kFugacityCoefficient, "fugacityCoefficient", Dimension::kPlain, true, true, false, false, kByState},
+    {Property::kLogFugacityCoefficient, "logFugacityCoefficient", Dimension::kPlain, true, true, false, false,
+     kByMoles},
+    {Property::kFugacity, "fugacity", Dimension::kPlain, true, true, false, false, kNone},
 };
 
 bool IsPerAmountOfCompound(PropertyId id) {
@@ -66,20 +65,16 @@ const PropertyInfo& InfoOf(Property property) {
 }
 
 PropertyId PropertyByName(std::string_view name) {
+  const std::size_t end = std::min(name.find('.'), name.size());
+  const std::string_view suffix = name.substr(end);
   Derivative derivative = Derivative::kNone;
-  const std::size_t dot = name.find('.');
-  const auto* suffix = std::ranges::find_if(kDerivativeNames, [&](const DerivativeName& candidate) {
-    return dot != std::string_view::npos && com::EqualNoCase(candidate.suffix, name.substr(dot));
-  });
-  if (suffix != std::end(kDerivativeNames)) derivative = suffix->derivative;
-  const auto* info = std::ranges::find_if(kProperties, [&](const PropertyInfo& candidate) {
-    return com::EqualNoCase(candidate.name, name.substr(0, dot));
-  });
-  const bool isDerivative = dot != std::string_view::npos;
-  if (info == std::end(kProperties) || isDerivative != (derivative != Derivative::kNone) ||
-      (isDerivative && !info->isCalculated))
-    throw HostError(kECapeInvalidArgument, "property \"" + std::string(name) + "\" is unknown");
-  return {info->property, derivative};
+  for (const DerivativeName& candidate : kDerivativeNames)
+    if (com::EqualNoCase(candidate.suffix, suffix)) derivative = candidate.derivative;
+  const bool isUnknownSuffix = !suffix.empty() && derivative == Derivative::kNone;
+  for (const PropertyInfo& info : kProperties)
+    if (com::EqualNoCase(info.name, name.substr(0, end)) && !isUnknownSuffix && (suffix.empty() || info.isCalculated))
+      return {info.property, derivative};
+  throw HostError(kECapeInvalidArgument, "property \"" + std::string(name) + "\" is unknown");
 }
 
 std::string NameOf(PropertyId id) {

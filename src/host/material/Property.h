@@ -32,8 +32,8 @@ enum class Property {
   kFugacity,
 };
 
-/// By temperature [1/K] at constant pressure and composition, by pressure [1/Pa], by the amount of each
-/// compound, by the mole fraction of each compound.
+/// By temperature [1/K] at constant pressure and composition, by pressure [1/Pa], by the amount of each compound, by
+/// the mole fraction of each compound.
 enum class Derivative { kNone, kTemperature, kPressure, kMoles, kMolFraction };
 
 struct PropertyId {
@@ -68,15 +68,15 @@ struct PropertyInfo {
 [[nodiscard]] std::span<const PropertyInfo> Properties();
 [[nodiscard]] const PropertyInfo& InfoOf(Property property);
 
-/// A property by its name, derivatives by the name with ".Dtemperature" and so on at its end, in any ASCII
-/// case. Throws HostError (ECapeInvalidArgument) when there is none.
+/// A property by its name, derivatives by the name with ".Dtemperature" and so on at its end, in any ASCII case. Throws
+/// HostError (ECapeInvalidArgument) when there is none.
 [[nodiscard]] PropertyId PropertyByName(std::string_view name);
 [[nodiscard]] std::string NameOf(PropertyId id);
 
 [[nodiscard]] bool NeedsBasis(PropertyId id);
 
-/// "Mole" or "Mass" in any ASCII case. A property that has no basis takes any of them and the empty text too.
-/// Throws HostError (ECapeInvalidArgument).
+/// "Mole" or "Mass" in any ASCII case. A property that has no basis takes any of them and the empty text too. Throws
+/// HostError (ECapeInvalidArgument).
 [[nodiscard]] Basis BasisByName(std::string_view name, PropertyId id);
 
 /// True when a property can be calculated for a phase.

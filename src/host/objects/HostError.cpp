@@ -5,28 +5,26 @@
 #include "com/Values.h"
 
 namespace morvelan::host {
+namespace {
+
+constexpr struct {
+  HRESULT code;
+  const char* name;
+} kCodeNames[] = {{kECapeInvalidArgument, "ECapeInvalidArgument"},
+                  {kECapeOutOfBounds, "ECapeOutOfBounds"},
+                  {kECapeNoImpl, "ECapeNoImpl"},
+                  {kECapeLimitedImpl, "ECapeLimitedImpl"},
+                  {kECapeNoMemory, "ECapeNoMemory"},
+                  {kECapeSolvingError, "ECapeSolvingError"},
+                  {kECapeBadInvOrder, "ECapeBadInvOrder"},
+                  {kECapeThrmPropertyNotAvailable, "ECapeThrmPropertyNotAvailable"}};
+
+}  // namespace
 
 const char* CodeName(HRESULT code) {
-  switch (code) {
-    case kECapeInvalidArgument:
-      return "ECapeInvalidArgument";
-    case kECapeOutOfBounds:
-      return "ECapeOutOfBounds";
-    case kECapeNoImpl:
-      return "ECapeNoImpl";
-    case kECapeLimitedImpl:
-      return "ECapeLimitedImpl";
-    case kECapeNoMemory:
-      return "ECapeNoMemory";
-    case kECapeSolvingError:
-      return "ECapeSolvingError";
-    case kECapeBadInvOrder:
-      return "ECapeBadInvOrder";
-    case kECapeThrmPropertyNotAvailable:
-      return "ECapeThrmPropertyNotAvailable";
-    default:
-      return "ECapeUnknown";
-  }
+  for (const auto& known : kCodeNames)
+    if (known.code == code) return known.name;
+  return "ECapeUnknown";
 }
 
 HostError CurrentError() {

@@ -29,8 +29,8 @@ class HostError : public std::runtime_error {
 /// The standard's name of a code: "ECapeInvalidArgument" and so on.
 [[nodiscard]] const char* CodeName(HRESULT code);
 
-/// The code and text of the exception that is being handled: the host's own as they are; invalid arguments of
-/// the thermodynamics and unreadable values as ECapeInvalidArgument, its other failures as ECapeSolvingError.
+/// The code and text of the exception that is being handled. A HostError stays as it is; invalid arguments of the
+/// thermodynamics and unreadable values become ECapeInvalidArgument, its other failures ECapeSolvingError.
 [[nodiscard]] HostError CurrentError();
 
 }  // namespace morvelan::host

@@ -41,11 +41,7 @@ HRESULT HostObject::get_operation(BSTR* value) { return ReturnText(value, lastEr
 HRESULT HostObject::get_interfaceName(BSTR* value) { return ReturnText(value, lastError.interfaceName); }
 HRESULT HostObject::get_moreInfo(BSTR* value) { return ReturnText(value, {}); }
 
-HRESULT HostObject::get_code(LONG* value) {
-  if (!value) return E_POINTER;
-  *value = lastError.code;
-  return S_OK;
-}
+HRESULT HostObject::get_code(LONG* value) { return ReturnValue(value, lastError.code); }
 
 HRESULT HostObject::Record(const char* operation, const char* interfaceName) noexcept {
   lastError.operation = operation;
@@ -61,7 +57,11 @@ HRESULT HostObject::Record(const char* operation, const char* interfaceName) noe
   return lastError.code;
 }
 
-void Replace(VARIANT* target, com::Variant value) {
+HRESULT HostObject::Refuse(const char* operation, const char* interfaceName, HRESULT code, const char* text) {
+  return Guard(operation, interfaceName, [&] { throw HostError(code, text); });
+}
+
+void HostObject::Replace(VARIANT* target, com::Variant value) {
   VariantClear(target);
   *target = value.Detach();
 }

@@ -33,7 +33,7 @@ class HostObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   [[nodiscard]] const std::string& Name() const { return name; }
 
  protected:
-  /// Runs the body of an entry point; what it throws becomes this object's error and the returned code.
+  /// Runs the body of an entry point. An exception becomes this object's last error and the returned code.
   template <class Body>
   HRESULT Guard(const char* operation, const char* interfaceName, Body&& body) {
     try {
@@ -52,6 +52,19 @@ class HostObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
     return Guard(operation, interfaceName, [&] { *result = std::forward<Body>(body)().Detach(); });
   }
 
+  /// The same for a variant that holds a value of the caller's, which stays when the body fails.
+  template <class Body>
+  HRESULT Exchange(const char* operation, const char* interfaceName, VARIANT* result, Body&& body) {
+    if (!result) return E_POINTER;
+    return Guard(operation, interfaceName, [&] { Replace(result, std::forward<Body>(body)()); });
+  }
+
+  /// Releases a value that the caller passed in, and hands out another one.
+  static void Replace(VARIANT* target, com::Variant value);
+
+  /// An entry point that only fails.
+  HRESULT Refuse(const char* operation, const char* interfaceName, HRESULT code, const char* text);
+
  private:
   HRESULT Record(const char* operation, const char* interfaceName) noexcept;
 
@@ -67,7 +80,12 @@ class HostObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
   LastError lastError;
 };
 
-/// Replaces a value that the caller passed in and takes back.
-void Replace(VARIANT* target, com::Variant value);
+/// Hands out a number of a fixed type.
+template <class Number, class Value>
+HRESULT ReturnValue(Number* target, Value value) {
+  if (!target) return E_POINTER;
+  *target = static_cast<Number>(value);
+  return S_OK;
+}
 
 }  // namespace morvelan::host

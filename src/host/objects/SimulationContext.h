@@ -9,7 +9,7 @@
 
 namespace morvelan::host {
 
-/// What units are told about the simulation, and where they log.
+/// The simulation context of units: named values, and a log.
 class SimulationContext final
     : public com::Implements<HostObject, ICapeSimulationContext, ICapeDiagnostic, ICapeCOSEUtilities> {
  public:
@@ -18,7 +18,7 @@ class SimulationContext final
 
   /// Logged lines and pop-up messages, in order.
   [[nodiscard]] const std::vector<std::string>& Lines() const { return lines; }
-  /// Drops the lines so far, for units that are about to tell all anew.
+  /// Drops the lines so far, before units calculate again.
   void ForgetLines() { lines.clear(); }
 
   // ICapeDiagnostic

@@ -30,10 +30,4 @@ std::size_t ValueStream::Find(const VARIANT& id) const {
   throw HostError(kECapeInvalidArgument, "stream \"" + Name() + "\" has no value \"" + wanted + '"');
 }
 
-HRESULT ValueStream::Count(LONG* count) {
-  if (!count) return E_POINTER;
-  *count = static_cast<LONG>(parameters.size());
-  return S_OK;
-}
-
 }  // namespace morvelan::host

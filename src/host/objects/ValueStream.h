@@ -18,7 +18,7 @@ class ValueStream final : public com::Implements<HostObject, ICapeCollection> {
   // ICapeCollection
   /// By name in any ASCII case, or by index from 1.
   HRESULT Item(VARIANT id, IDispatch** item) override;
-  HRESULT Count(LONG* count) override;
+  HRESULT Count(LONG* count) override { return ReturnValue(count, parameters.size()); }
 
  private:
   [[nodiscard]] std::size_t Find(const VARIANT& id) const;

@@ -3,28 +3,25 @@
 #include "com/Text.h"
 #include "com/Values.h"
 #include "host/objects/HostError.h"
-#include "host/unit/UnitFault.h"
+#include "host/objects/ReportedError.h"
 
 namespace morvelan::host {
 namespace {
 
-/// Names go to the material as texts of their own.
-com::Bstr Text(const char* name) { return com::ToBstr(name); }
-
-com::Variant Names(const char* name) { return com::MakeStrings(std::vector<std::string>{name}); }
+com::Variant NameArray(const char* name) { return com::MakeStrings(std::vector<std::string>{name}); }
 
 /// The molar basis, for the properties that have one.
 const char* BasisOf(const std::string& property) {
   return property == "temperature" || property == "pressure" ? "" : "Mole";
 }
 
-void Require(HRESULT outcome, IUnknown* material, const std::string& what) {
+void RequireAnswer(HRESULT outcome, IUnknown* material, const std::string& what) {
   if (FAILED(outcome))
     throw HostError(kECapeThrmPropertyNotAvailable,
-                    "the material does not give " + what + ": " + FaultOf(material, outcome).Text());
+                    "the material does not give " + what + ": " + ReportedErrorOf(material, outcome).Text());
 }
 
-std::string Described(const char* property, const char* phase) {
+std::string PropertyOfPhase(const char* property, const char* phase) {
   return std::string("property ") + property + " of phase \"" + phase + '"';
 }
 
@@ -34,21 +31,21 @@ class Reader10 final : public MaterialReader {
 
   [[nodiscard]] std::vector<std::string> Compounds() const override {
     com::Variant ids;
-    Require(material->get_ComponentIds(ids.Put()), material.Get(), "its compounds");
+    RequireAnswer(material->get_ComponentIds(ids.Put()), material.Get(), "its compounds");
     return com::ReadStrings(ids.Get());
   }
 
   [[nodiscard]] std::vector<double> Values(const char* property, const char* phase) const override {
     com::Variant values;
-    Require(material->GetProp(Text(property).Get(), Text(phase).Get(), com::kNoValue, nullptr,
-                              Text(BasisOf(property)).Get(), values.Put()),
-            material.Get(), Described(property, phase));
+    RequireAnswer(material->GetProp(com::ToBstr(property).Get(), com::ToBstr(phase).Get(), com::kNoValue, nullptr,
+                                    com::ToBstr(BasisOf(property)).Get(), values.Put()),
+                  material.Get(), PropertyOfPhase(property, phase));
     return com::ReadDoubles(values.Get());
   }
 
   void Calculate(const char* property, const char* phase) const override {
-    Require(material->CalcProp(Names(property).Get(), Names(phase).Get(), Text("mixture").Get()), material.Get(),
-            Described(property, phase));
+    RequireAnswer(material->CalcProp(NameArray(property).Get(), NameArray(phase).Get(), com::ToBstr("mixture").Get()),
+                  material.Get(), PropertyOfPhase(property, phase));
   }
 
  private:
@@ -62,27 +59,27 @@ class Reader11 final : public MaterialReader {
   [[nodiscard]] std::vector<std::string> Compounds() const override {
     const auto compounds = Offered<ICapeThermoCompounds>("ICapeThermoCompounds");
     com::Variant ids, formulae, names, boilingPoints, weights, casNumbers;
-    Require(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingPoints.Put(), weights.Put(),
-                                       casNumbers.Put()),
-            compounds.Get(), "its compounds");
+    RequireAnswer(compounds->GetCompoundList(ids.Put(), formulae.Put(), names.Put(), boilingPoints.Put(), weights.Put(),
+                                             casNumbers.Put()),
+                  compounds.Get(), "its compounds");
     return com::ReadStrings(ids.Get());
   }
 
   [[nodiscard]] std::vector<double> Values(const char* property, const char* phase) const override {
     com::Variant values;
-    const auto name = Text(property), basis = Text(BasisOf(property));
+    const auto name = com::ToBstr(property), basis = com::ToBstr(BasisOf(property));
     const HRESULT outcome =
         com::EqualNoCase(phase, "Overall")
             ? material->GetOverallProp(name.Get(), basis.Get(), values.Put())
-            : material->GetSinglePhaseProp(name.Get(), Text(phase).Get(), basis.Get(), values.Put());
-    Require(outcome, material.Get(), Described(property, phase));
+            : material->GetSinglePhaseProp(name.Get(), com::ToBstr(phase).Get(), basis.Get(), values.Put());
+    RequireAnswer(outcome, material.Get(), PropertyOfPhase(property, phase));
     return com::ReadDoubles(values.Get());
   }
 
   void Calculate(const char* property, const char* phase) const override {
     const auto routine = Offered<ICapeThermoPropertyRoutine>("ICapeThermoPropertyRoutine");
-    Require(routine->CalcSinglePhaseProp(Names(property).Get(), Text(phase).Get()), routine.Get(),
-            Described(property, phase));
+    RequireAnswer(routine->CalcSinglePhaseProp(NameArray(property).Get(), com::ToBstr(phase).Get()), routine.Get(),
+                  PropertyOfPhase(property, phase));
   }
 
  private:
@@ -98,7 +95,7 @@ class Reader11 final : public MaterialReader {
 
 }  // namespace
 
-std::unique_ptr<MaterialReader> ReadMaterial(IDispatch* material) {
+std::unique_ptr<MaterialReader> MakeMaterialReader(IDispatch* material) {
   if (auto newer = com::Query<ICapeThermoMaterial>(material)) return std::make_unique<Reader11>(std::move(newer));
   if (auto older = com::Query<ICapeThermoMaterialObject>(material)) return std::make_unique<Reader10>(std::move(older));
   throw HostError(kECapeInvalidArgument,

@@ -11,7 +11,7 @@
 
 namespace morvelan::host {
 
-/// In what the amounts of a reaction's compounds are measured, in its phase.
+/// The measure of the amounts of compounds in a reaction's phase.
 enum class ConcentrationBasis {
   kMolarity,       // [mol/m3]
   kConcentration,  // [kg/m3]
@@ -24,7 +24,7 @@ struct NamedBasis {
   const char* name;
 };
 
-/// The names that units and files know.
+/// The names of these in files and for units.
 inline constexpr NamedBasis kConcentrationBases[] = {{ConcentrationBasis::kMolarity, "Molarity"},
                                                      {ConcentrationBasis::kConcentration, "Concentration"},
                                                      {ConcentrationBasis::kMoleFraction, "MoleFraction"},

@@ -3,10 +3,9 @@
 #include <cmath>
 
 #include "com/Text.h"
+#include "host/file/NumberText.h"
 #include "host/material/MaterialState.h"
-#include "host/material/PhaseProperties.h"
 #include "host/objects/HostError.h"
-#include "host/thermo/NumberText.h"
 
 namespace morvelan::host {
 namespace {
@@ -88,7 +87,7 @@ double PhaseConditions::AmountPerFraction(ConcentrationBasis basis, std::size_t 
     case ConcentrationBasis::kMassFraction:
       break;
   }
-  return M / MeanMolecularWeight(package, MoleFractions());
+  return M / package.MeanMolecularWeight(MoleFractions());
 }
 
 }  // namespace morvelan::host

@@ -10,23 +10,23 @@
 
 namespace morvelan::host {
 
-/// One phase of a material as reactions see it. What is not asked for is not read, so that a reaction's K may
-/// be had of a material that lacks the phase; what is asked for again is not read again. Failures are
+/// One phase of a material as reactions see it. A value is read from the material when it is first asked for. So the K
+/// of a reaction can be calculated for a material without the phase, if it depends on temperature only. Failures are
 /// HostError.
 class PhaseConditions {
  public:
   PhaseConditions(const MaterialReader& source, const PropertyPackage& thermodynamics, PhaseKind kind)
       : reader(source), package(thermodynamics), phase(kind) {}
 
-  /// The phase's own [K], the material's where the phase has none.
+  /// The phase's temperature [K], or the material's when the phase has none.
   [[nodiscard]] double Temperature();
-  /// The phase's own [Pa], the material's where the phase has none.
+  /// The phase's pressure [Pa], or the material's when the phase has none.
   [[nodiscard]] double Pressure();
   /// Mole fractions, one per compound of the package; zero for one that the material does not have.
   [[nodiscard]] const std::vector<double>& MoleFractions();
   [[nodiscard]] double MolarDensity();  // [mol/m3]
 
-  /// The amount of a compound in a basis, per mole fraction: its factor to the mole fraction.
+  /// The factor that turns a compound's mole fraction into its amount in a basis.
   [[nodiscard]] double AmountPerFraction(ConcentrationBasis basis, std::size_t compound);
 
  private:
@@ -41,7 +41,7 @@ class PhaseConditions {
   std::optional<double> density;
 };
 
-/// The phases of a material, each when it is asked for.
+/// The phases of a material. Each is made when it is first asked for.
 class ReactionConditions {
  public:
   ReactionConditions(const MaterialReader& source, const PropertyPackage& thermodynamics)

@@ -14,18 +14,17 @@ namespace morvelan::host {
 
 /// The reactions of a flowsheet as units see them.
 ///
-/// A unit hands over a material (`SetMaterial`), has properties calculated at its present state
+/// A unit hands over a material (`SetMaterial`), lets the package calculate properties at its present state
 /// (`CalcReactionProp`) and reads them (`GetReactionProp`): reactionRate [mol/(m3 s)] or [mol/(kg s)],
-/// chemicalEquilibriumConstant in the reaction's concentration basis, enthalpyOfReaction [J/mol]. Names are
-/// taken in any ASCII case; an empty phase stands for each reaction's own. What was calculated is forgotten
-/// with the material.
+/// chemicalEquilibriumConstant in the reaction's concentration basis, enthalpyOfReaction [J/mol]. Names are taken in
+/// any ASCII case. An empty phase stands for each reaction's own phase. Another material invalidates the results.
 class ReactionPackage final : public com::Implements<HostObject, ICapeReactionChemistry, ICapeReactionProperties,
                                                      ICapeReactionsRoutine, ICapeThermoMaterialContext> {
  public:
   ReactionPackage(std::vector<Reaction> list, std::shared_ptr<const PropertyPackage> thermodynamics);
 
   // ICapeReactionChemistry
-  HRESULT GetNumberOfReactions(LONG* count) override;
+  HRESULT GetNumberOfReactions(LONG* count) override { return ReturnValue(count, reactions.size()); }
   HRESULT GetReactionsIds(VARIANT* ids) override;
   HRESULT GetReactionType(BSTR id, CapeReactionType* type) override;
   HRESULT GetNumberOfReactionCompounds(BSTR id, LONG* count) override;
@@ -48,16 +47,16 @@ class ReactionPackage final : public com::Implements<HostObject, ICapeReactionCh
   HRESULT CalcReactionProp(VARIANT properties, BSTR phase, VARIANT ids, BSTR basis) override;
 
   // ICapeThermoMaterialContext
-  /// A null material is none.
+  /// Null withdraws the material.
   HRESULT SetMaterial(IDispatch* given) override;
-  HRESULT UnsetMaterial() override;
+  HRESULT UnsetMaterial() override { return SetMaterial(nullptr); }
 
  private:
   /// Position among the reactions.
   [[nodiscard]] std::size_t Find(const std::string& id) const;
   [[nodiscard]] const Reaction& ReactionOf(BSTR id) const { return reactions[Find(com::ToUtf8(id))]; }
   [[nodiscard]] com::Variant CompoundsOf(const Reaction& reaction) const;
-  /// The reactions that are named, each of which must take place in the phase.
+  /// Positions of the named reactions. Throws HostError when one of them does not take place in the phase.
   [[nodiscard]] std::vector<std::size_t> Chosen(const VARIANT& ids, BSTR phase) const;
   HRESULT AnswerText(const char* operation, BSTR id, BSTR* text, std::string (*of)(const Reaction&));
 

@@ -4,8 +4,9 @@
 #include <cmath>
 
 #include "com/Text.h"
+#include "host/file/Nearest.h"
+#include "host/file/NumberText.h"
 #include "host/objects/HostError.h"
-#include "host/thermo/NumberText.h"
 
 namespace morvelan::host {
 namespace {
@@ -15,9 +16,10 @@ struct NamedProperty {
   const char* name;
 };
 
-constexpr NamedProperty kProperties[] = {{ReactionProperty::kRate, "reactionRate"},
-                                         {ReactionProperty::kEquilibriumConstant, "chemicalEquilibriumConstant"},
-                                         {ReactionProperty::kEnthalpy, "enthalpyOfReaction"}};
+constexpr NamedProperty kReactionProperties[] = {
+    {ReactionProperty::kRate, "reactionRate"},
+    {ReactionProperty::kEquilibriumConstant, "chemicalEquilibriumConstant"},
+    {ReactionProperty::kEnthalpy, "enthalpyOfReaction"}};
 
 [[noreturn]] void FailKind(const Reaction& reaction, ReactionProperty property) {
   throw HostError(kECapeInvalidArgument, "reaction \"" + reaction.id + "\" is " +
@@ -45,7 +47,7 @@ double RateOf(const RateLaw& law, ConcentrationBasis basis, PhaseConditions& con
 double NetRate(const Reaction& reaction, PhaseConditions& conditions) {
   const auto* kinetics = std::get_if<Kinetics>(&reaction.law);
   if (!kinetics) FailKind(reaction, ReactionProperty::kRate);
-  (void)conditions.MoleFractions();  // a reaction of order zero needs its phase as well
+  (void)conditions.MoleFractions();  // fails without the phase, also for a reaction of order zero
   double rate = RateOf(kinetics->forward, reaction.basis, conditions);
   if (kinetics->reverse) rate -= RateOf(*kinetics->reverse, reaction.basis, conditions);
   return rate;
@@ -54,16 +56,15 @@ double NetRate(const Reaction& reaction, PhaseConditions& conditions) {
 }  // namespace
 
 ReactionProperty ReactionPropertyByName(const std::string& name) {
-  const auto* found =
-      std::ranges::find_if(kProperties, [&](const NamedProperty& known) { return com::EqualNoCase(known.name, name); });
-  if (found != std::end(kProperties)) return found->property;
-  std::string names;
-  for (const NamedProperty& known : kProperties) names += (names.empty() ? "" : ", ") + std::string(known.name);
-  throw HostError(kECapeInvalidArgument, "reaction property \"" + name + "\" is unknown; known are " + names);
+  const auto* found = std::ranges::find_if(
+      kReactionProperties, [&](const NamedProperty& known) { return com::EqualNoCase(known.name, name); });
+  if (found != std::end(kReactionProperties)) return found->property;
+  throw HostError(kECapeInvalidArgument,
+                  "reaction property \"" + name + "\" is unknown; known are " + Joined(NamesOf(kReactionProperties)));
 }
 
 const char* NameOf(ReactionProperty property) {
-  return std::ranges::find(kProperties, property, &NamedProperty::property)->name;
+  return std::ranges::find(kReactionProperties, property, &NamedProperty::property)->name;
 }
 
 double ReactionCalculator::Value(ReactionProperty property, const Reaction& reaction,
@@ -78,9 +79,9 @@ double ReactionCalculator::Value(ReactionProperty property, const Reaction& reac
   return K;
 }
 
-/// K of ideal gases, Kp = exp(-sum of nu_i g_i / (R T)) in the activities y_i P / 1 bar, brought to the
-/// reaction's basis by the ratio of its amounts to these: so a mixture at equilibrium in one basis is so in
-/// every other.
+/// The Gibbs energies give K of ideal gases, Kp = exp(-sum of nu_i g_i / (R T)), in the activities y_i P / 1 bar. The
+/// ratio of the amounts in the reaction's basis to these activities converts it to that basis, so that a mixture is at
+/// equilibrium in all bases or in none.
 double ReactionCalculator::LnEquilibriumConstant(const Reaction& reaction, PhaseConditions& conditions) const {
   if (reaction.IsKinetic()) FailKind(reaction, ReactionProperty::kEquilibriumConstant);
   const double T = conditions.Temperature();
@@ -106,8 +107,7 @@ void ReactionCalculator::RequireFormation(const Reaction& reaction, ReactionProp
   for (const auto& [compound, nu] : reaction.stoichiometry)
     if (!gases.HasFormation(compound))
       throw HostError(kECapeThrmPropertyNotAvailable, std::string(NameOf(property)) + " of reaction \"" + reaction.id +
-                                                          "\" is not available: no formation "
-                                                          "properties are known of " +
+                                                          "\" is not available: no formation properties are known of " +
                                                           thermodynamics.CompoundAt(compound).name);
 }
 

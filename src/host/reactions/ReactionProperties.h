@@ -9,13 +9,12 @@ namespace morvelan::host {
 
 enum class ReactionProperty { kRate, kEquilibriumConstant, kEnthalpy };
 
-/// By "reactionRate", "chemicalEquilibriumConstant" or "enthalpyOfReaction" in any ASCII case. Throws
-/// HostError.
+/// By "reactionRate", "chemicalEquilibriumConstant" or "enthalpyOfReaction" in any ASCII case. Throws HostError.
 [[nodiscard]] ReactionProperty ReactionPropertyByName(const std::string& name);
 [[nodiscard]] const char* NameOf(ReactionProperty property);
 
-/// Calculates properties of reactions at the conditions of their phase. Failures are HostError, also for a
-/// property of the other kind of reaction, and for a result that is not finite.
+/// Calculates properties of reactions at the conditions of their phase. Throws HostError, also for a property that the
+/// kind of reaction does not have and for a result that is not finite.
 class ReactionCalculator {
  public:
   explicit ReactionCalculator(const PropertyPackage& package) : gases(package), thermodynamics(package) {}

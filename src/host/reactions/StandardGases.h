@@ -10,8 +10,8 @@
 
 namespace morvelan::host {
 
-/// Formation properties of a package's compounds as pure ideal gases at 1 bar and any temperature, from the
-/// elements in their reference states at 298.15 K: what the package's F-properties count from too.
+/// Formation properties of a package's compounds as pure ideal gases at 1 bar and any temperature. Like the package's
+/// F-properties they count from the elements in their reference states at 298.15 K.
 class StandardGases {
  public:
   explicit StandardGases(const PropertyPackage& package);

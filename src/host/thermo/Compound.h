@@ -12,8 +12,8 @@ inline constexpr double kGasConstant = 8.314462618;      // R [J/(mol K)], CODAT
 inline constexpr double kReferenceTemperature = 298.15;  // [K], zero of enthalpy and entropy
 inline constexpr double kReferencePressure = 100000.0;   // [Pa], zero of entropy
 
-/// One temperature range of a NASA-7 polynomial (McBride, Gordon, Reno, NASA TM-4513, 1993, eqs. 1-3):
-/// cp/R = a1 + a2 T + a3 T^2 + a4 T^3 + a5 T^4, a6 and a7 the constants of h/R and s/R.
+/// One temperature range of a NASA-7 polynomial (McBride, Gordon, Reno, NASA TM-4513, 1993, eqs. 1-3): cp/R = a1 + a2 T
+/// + a3 T^2 + a4 T^3 + a5 T^4, a6 and a7 the constants of h/R and s/R.
 struct Nasa7Range {
   double lowest = 0.0;   // [K]
   double highest = 0.0;  // [K]
@@ -26,14 +26,14 @@ struct Formation {
   double gibbsEnergy = 0.0;  // [J/mol]
 };
 
-/// What an equation of state needs of a pure compound.
+/// The data of a pure compound for a cubic equation of state.
 struct CriticalPoint {
   double temperature = 0.0;  // [K]
   double pressure = 0.0;     // [Pa]
   double acentricFactor = 0.0;
 };
 
-/// Data of one compound. What its source does not give is absent.
+/// Data of one compound. Values that are not known are absent.
 struct Compound {
   std::string name;
   std::string formula;

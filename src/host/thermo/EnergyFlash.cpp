@@ -7,18 +7,17 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/file/NumberText.h"
 #include "host/thermo/FlashLimits.h"
-#include "host/thermo/NumberText.h"
 #include "host/thermo/RootSearch.h"
 #include "host/thermo/SaturationFlash.h"
 
 namespace morvelan::host {
-
 namespace {
 
-constexpr double kTolerance = 1e-10;  // of H/(RT) and S/R
+constexpr double kEnergyTolerance = 1e-10;  // of H/(RT) and S/R
 
-struct Search {
+struct EnergySearch {
   FlashEngine& engine;
   EnergyKind kind;
   double target;
@@ -33,9 +32,9 @@ struct Search {
   }
 };
 
-/// A first T: where the vapour, liquid or part of both has the enthalpy or entropy, with Wilson's boiling
-/// range.
-double GuessTemperature(const Search& search, double P) {
+/// A first guess of T: where a vapor, a liquid or both together have the enthalpy or entropy. The boiling range is
+/// taken from Wilson's K values.
+double GuessTemperature(const EnergySearch& search, double P) {
   FlashEngine& engine = search.engine;
   Mixture& mixture = engine.Fluid();
   const Eigen::VectorXd& z = engine.Composition();
@@ -69,8 +68,8 @@ double GuessTemperature(const Search& search, double P) {
   return bubble + (dew - bubble) * aboveBubble / (aboveBubble - aboveDew);
 }
 
-/// Finds the vapour fraction at which a state with both phases, at the P or T of the solver, has the target.
-bool SolveVaporFraction(const Search& search, SaturationFlash& saturation, bool isPressure, double given,
+/// Finds the vapor fraction at which two phases at a given P or T have the target.
+bool SolveVaporFraction(const EnergySearch& search, SaturationFlash& saturation, bool isPressure, double given,
                         double tolerance) {
   if (!saturation.Solve(isPressure, given, 1.0)) return false;
   const double dew = search.Residual();
@@ -92,12 +91,12 @@ bool SolveVaporFraction(const Search& search, SaturationFlash& saturation, bool 
          std::abs(search.Residual()) < 1e4 * tolerance;
 }
 
-bool HasLargeResidual(const Search& search, double tolerance) {
+bool HasLargeResidual(const EnergySearch& search, double tolerance) {
   return !(std::abs(search.Residual()) < 1e3 * tolerance);
 }
 
-/// Finds a state between the two sides of a jump, or that rounding alone made the jump.
-bool SolveAtJump(const Search& search, double P, const RootResult& root, double tolerance) {
+/// Finds a state between the two sides of a jump. A jump within rounding errors is a solution too.
+bool SolveAtJump(const EnergySearch& search, double P, const RootResult& root, double tolerance) {
   for (const double T : {root.lower, root.upper}) {
     search.engine.Solve(T, P);
     if (!HasLargeResidual(search, tolerance)) return true;
@@ -110,11 +109,11 @@ bool SolveAtJump(const Search& search, double P, const RootResult& root, double 
 }  // namespace
 
 void FlashEnergyAtPressure(FlashEngine& engine, double P, double target, EnergyKind kind) {
-  const Search search{engine, kind, target};
+  const EnergySearch search{engine, kind, target};
   const bool isEnthalpy = kind == EnergyKind::kEnthalpy;
   const double guess = std::clamp(GuessTemperature(search, P), kLowestTemperature, kHighestTemperature);
-  const double tolerance = kTolerance * kGasConstant * (isEnthalpy ? guess : 1.0);
-  // A pure compound boils at one temperature, where the search would find nothing but a jump.
+  const double tolerance = kEnergyTolerance * kGasConstant * (isEnthalpy ? guess : 1.0);
+  // A pure compound boils at one temperature, where a search along T would only find a jump.
   const bool isPure = engine.Count() == 1 && !engine.Fluid().IsIdealGas();
   SaturationFlash saturation(engine);
   if (isPure && SolveVaporFraction(search, saturation, true, P, tolerance)) return;
@@ -127,23 +126,24 @@ void FlashEnergyAtPressure(FlashEngine& engine, double P, double target, EnergyK
   const RootResult root = FindRootOfRising(residual, guess, kLowestTemperature, kHighestTemperature, tolerance);
   if (root.outcome == RootOutcome::kFound) return;
   const std::string wanted = "no state with an " + search.Text() + " at " + NumberText(P) + " Pa";
-  if (root.outcome != RootOutcome::kJump) {
+  if (root.outcome != RootOutcome::kJump)
     throw std::runtime_error(wanted + " between " + NumberText(kLowestTemperature) + " and " +
                              NumberText(kHighestTemperature) + " K");
-  }
-  if (!SolveAtJump(search, P, root, tolerance)) {
+  if (!SolveAtJump(search, P, root, tolerance))
     throw std::runtime_error(wanted + ": it jumps past that value at " + NumberText(root.upper) +
                              " K, as when a second liquid would form");
-  }
 }
 
 namespace {
 
-/// Looks for the first P upwards from nearly ideal gas at which the enthalpy is that asked for.
+/// Searches upwards from the pressure of a nearly ideal gas for the first P at which the enthalpy is the target.
 class PressureWalk {
  public:
   PressureWalk(FlashEngine& givenEngine, double T, double H)
-      : engine(givenEngine), search{engine, EnergyKind::kEnthalpy, H}, T(T), tolerance(kTolerance * kGasConstant * T) {}
+      : engine(givenEngine),
+        search{engine, EnergyKind::kEnthalpy, H},
+        T(T),
+        tolerance(kEnergyTolerance * kGasConstant * T) {}
 
   /// True with the state in the engine; false when the whole range has no such state.
   bool Run() {
@@ -157,7 +157,7 @@ class PressureWalk {
   static constexpr double kHighestLiquid = 1e7;  // [Pa]
 
   bool FindLowest() {
-    ValueAndSlope last = At(lnP = StartPressure());
+    ValueAndSlope last = At(lnP = LnStartPressure());
     if (std::abs(last.value) <= tolerance) return true;
     const double lnHighest = std::log(kHighestPressure);
     while (lnP < lnHighest) {
@@ -173,7 +173,7 @@ class PressureWalk {
     return false;
   }
 
-  /// Replaces two phases by a liquid of the same enthalpy at a pressure that is not too high.
+  /// Replaces two phases by a liquid of the same enthalpy, if there is one below kHighestLiquid.
   void PreferLiquid() {
     const TwoPhases found = engine.Phases();
     const double foundP = engine.Pressure();
@@ -196,16 +196,14 @@ class PressureWalk {
     return {search.Residual(), P * engine.EnthalpyDP()};
   }
 
-  /// Below any condensation, and low enough that the enthalpy is that of the ideal gas.
-  [[nodiscard]] double StartPressure() const {
-    double lnLowest = 0.0;
-    const Eigen::VectorXd wilson = engine.WilsonLnK(T, 1.0);
-    lnLowest = std::min(lnLowest, wilson.minCoeff() - 7.0);
+  /// ln P at which nothing has condensed and the enthalpy is that of the ideal gas.
+  [[nodiscard]] double LnStartPressure() const {
+    const double lnLowest = std::min(0.0, engine.WilsonLnK(T, 1.0).minCoeff() - 7.0);
     return std::max(lnLowest, std::log(kLowestPressure));
   }
 
   bool Refine(double lower, double lowerValue, double upper, double upperValue) {
-    // The search works on P relative to its lower end and a rising function.
+    // The search needs a rising function and a positive variable: the ratio of P to its lower end.
     const double sign = upperValue > 0.0 ? 1.0 : -1.0;
     const auto rising = [&](double ratio) {
       const ValueAndSlope point = At(lower + std::log(ratio));
@@ -221,7 +219,7 @@ class PressureWalk {
     return SolveVaporFraction(search, saturation, false, T, tolerance);
   }
 
-  /// Halves the interval of an extremum of the enthalpy until a place beyond the target is found in it.
+  /// Halves an interval with an extremum of the enthalpy until the target is passed in it.
   bool SearchAroundTurn(double lower, double lowerValue, double upper) {
     for (int i = 0; i < 40; ++i) {
       const double middle = 0.5 * (lower + upper);
@@ -239,7 +237,7 @@ class PressureWalk {
   }
 
   FlashEngine& engine;
-  Search search;
+  EnergySearch search;
   double T;
   double tolerance;
   double lnP = 0.0;
@@ -249,13 +247,11 @@ class PressureWalk {
 
 void FlashEnthalpyAtTemperature(FlashEngine& engine, double T, double H) {
   const std::string text = "an enthalpy of " + NumberText(H) + " J/mol at " + NumberText(T) + " K";
-  if (engine.Fluid().IsIdealGas()) {
+  if (engine.Fluid().IsIdealGas())
     throw std::runtime_error("no pressure follows from " + text +
                              ": the enthalpy of an ideal gas depends on temperature only");
-  }
-  if (!PressureWalk(engine, T, H).Run()) {
+  if (!PressureWalk(engine, T, H).Run())
     throw std::runtime_error("no state with " + text + " up to " + NumberText(kHighestPressure) + " Pa");
-  }
 }
 
 }  // namespace morvelan::host

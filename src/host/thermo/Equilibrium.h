@@ -13,7 +13,7 @@ struct Phase {
   std::vector<double> x;  // mole fractions, one per compound
 };
 
-/// Result of a flash: one phase, or vapour first and then liquid.
+/// Result of a flash: one phase, or vapor and liquid in this order.
 struct Equilibrium {
   double T = 0.0;  // [K]
   double P = 0.0;  // [Pa]

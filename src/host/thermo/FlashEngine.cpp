@@ -6,18 +6,16 @@
 #include "host/thermo/PengRobinson.h"
 
 namespace morvelan::host {
-
 namespace {
 
 std::vector<Eigen::Index> PresentCompounds(std::span<const double> z) {
   std::vector<Eigen::Index> members;
-  for (std::size_t i = 0; i < z.size(); ++i) {
+  for (std::size_t i = 0; i < z.size(); ++i)
     if (z[i] > 0.0) members.push_back(static_cast<Eigen::Index>(i));
-  }
   return members;
 }
 
-/// A phase is called vapour because it is the lighter one, relative to its covolume.
+/// Calls the phase vapor that has the larger volume relative to its covolume.
 void OrderByDensity(TwoPhases& phases) {
   if (phases.vapor.w >= phases.liquid.w || phases.vapor.isLoop || phases.liquid.isLoop) return;
   std::swap(phases.vapor, phases.liquid);
@@ -32,9 +30,8 @@ void OrderByDensity(TwoPhases& phases) {
 FlashEngine::FlashEngine(const FluidModel& fluid, std::span<const double> z)
     : compoundCount(z.size()), members(PresentCompounds(z)), mixture(fluid, members) {
   feed.z.resize(static_cast<Eigen::Index>(members.size()));
-  for (std::size_t i = 0; i < members.size(); ++i) {
+  for (std::size_t i = 0; i < members.size(); ++i)
     feed.z[static_cast<Eigen::Index>(i)] = z[static_cast<std::size_t>(members[i])];
-  }
   feed.z /= feed.z.sum();
   feed.lnZ = feed.z.array().log();
 }
@@ -44,8 +41,8 @@ Eigen::VectorXd FlashEngine::WilsonLnK(double T, double atP) const {
   return (cubic.Pc.array() / atP).log() + 5.373 * (1.0 + cubic.omega.array()) * (1.0 - cubic.Tc.array() / T);
 }
 
-/// Splits the feed starting from attempt.lnK and accepts the result if it is a vapour and a liquid of less
-/// Gibbs energy than the feed. Near the phase boundary the gain is below rounding.
+/// Splits the feed starting from attempt.lnK. Accepts a vapor and a liquid of lower Gibbs energy than the feed, or of
+/// equal energy within rounding errors, as near the phase boundary.
 bool FlashEngine::TrySplit() {
   if (!splitter.Solve(mixture, P, feed.z, attempt)) return false;
   const double single = feed.z.dot(feed.lnFugacity);
@@ -56,10 +53,10 @@ bool FlashEngine::TrySplit() {
   return true;
 }
 
-/// The attempt is a pair of liquids, which is no result; but one of them with a vapour may still have less
-/// Gibbs energy than the feed. The vapour that comes nearest to being stable beside them is the start. Where
-/// a vapour belongs to both liquids, and no state with one of them exists, the lighter liquid has to stand
-/// for it: else its gas would be hidden in a single liquid.
+/// The attempt is a pair of liquids, which is not a possible result. One of them with a vapor may still have a lower
+/// Gibbs energy than the feed; the search for it starts from the vapor that is nearest to stable beside the liquids. If
+/// there is a vapor over both liquids, but no state with one of them, the lighter liquid is reported as the vapor.
+/// Otherwise its gas would disappear in a single liquid.
 bool FlashEngine::TryVaporOverLiquids() {
   const TwoPhases liquids = attempt;
   reference.z = attempt.x;
@@ -82,8 +79,8 @@ bool FlashEngine::TryVaporOverLiquids() {
   return hasVapor;
 }
 
-/// Sets attempt.lnK to that of a state with a share of all that there can be of the trial phase, and the
-/// rest.
+/// Sets attempt.lnK to that of two phases: the trial phase, in a share of its largest possible amount, and the rest of
+/// the feed.
 void FlashEngine::TakeOut(const TrialPhase& trial, double share, double sign) {
   Eigen::VectorXd W = trial.lnW.array().exp();
   W /= W.sum();
@@ -92,8 +89,8 @@ void FlashEngine::TakeOut(const TrialPhase& trial, double share, double sign) {
   attempt.lnK = sign * (W.array() / rest).log();
 }
 
-/// A little of the trial phase taken out of the feed lowers its Gibbs energy: the K values of that state
-/// start the split.
+/// Splits an unstable feed. A small amount of the trial phase beside the rest of the feed has a lower Gibbs energy; the
+/// K values of such a state start the split.
 bool FlashEngine::TrySplitFrom(const TrialPhase& trial, PhaseKind kind) {
   const double sign = kind == PhaseKind::kVapor ? 1.0 : -1.0;
   attempt.lnK = sign * (trial.lnW - feed.lnZ);
@@ -111,8 +108,8 @@ bool FlashEngine::TryUnstable(PhaseKind kind, const Eigen::VectorXd& lnW) {
   return stability.FindUnstable(mixture, P, feed, kind, trial) && TrySplitFrom(trial, kind);
 }
 
-/// Wilson's K are too low for a gas far above its critical temperature, which may yet be the only one to
-/// leave.
+/// Wilson's K values are too low for a gas far above its critical temperature. It may be the only compound of the
+/// vapor.
 bool FlashEngine::TryLightestGas() {
   Eigen::Index lightest = 0;
   mixture.Cubic().Tc.minCoeff(&lightest);
@@ -121,10 +118,9 @@ bool FlashEngine::TryLightestGas() {
   return TryUnstable(PhaseKind::kVapor, lnW);
 }
 
-/// A compound whose fugacity exceeds that of its pure liquid makes a liquid of its own. That liquid may take
-/// the place of the present one, or of a part of a single phase: two different liquids can each be at
-/// equilibrium with a vapour, and the state with the lower Gibbs energy counts. (Of both liquids together one
-/// only is kept.)
+/// A compound whose fugacity exceeds that of its pure liquid forms a second liquid. Two different liquids can each be
+/// at equilibrium with a vapor. The second one replaces the present liquid, or a part of a single phase, if the state
+/// then has a lower Gibbs energy. (Only one of two liquids is kept.)
 bool FlashEngine::TryOtherLiquid() {
   constexpr double kLeastExcess = 1e-6;
   const CubicParameters& cubic = mixture.Cubic();
@@ -216,18 +212,21 @@ double FlashEngine::Enthalpy() { return Overall().enthalpy; }
 
 double FlashEngine::Entropy() { return Overall().entropy; }
 
-// With M the Hessian of G/RT in the vapour's mole numbers v and h, u the differences of partial molar
-// enthalpy and volume between vapour and liquid, equilibrium at changed T, P needs M dv = h/(R T^2) dT -
-// u/(RT) dP.
+// M is the Hessian of G/RT in the vapor's mole numbers v; h and u are the differences of partial molar enthalpy and
+// volume between vapor and liquid. Phases stay at equilibrium when T and P change if M dv = h/(R T^2) dT - u/(RT) dP.
+
+/// h/(RT), one per compound. The parts of the ideal gas cancel.
+Eigen::VectorXd FlashEngine::VaporEnthalpyExcess() const {
+  Eigen::VectorXd ofVapor, ofLiquid;
+  mixture.LnPhiDlnT(phases.vapor, ofVapor);
+  mixture.LnPhiDlnT(phases.liquid, ofLiquid);
+  return ofLiquid - ofVapor;
+}
 
 double FlashEngine::EnthalpyDT() {
   const double atConstantAmounts = Overall().heatCapacity;
   if (!isTwoPhase) return atConstantAmounts;
-  Eigen::VectorXd ofVapor;
-  Eigen::VectorXd ofLiquid;
-  mixture.LnPhiDlnT(phases.vapor, ofVapor);
-  mixture.LnPhiDlnT(phases.liquid, ofLiquid);
-  const Eigen::VectorXd h = ofLiquid - ofVapor;  // over RT; the ideal-gas parts cancel
+  const Eigen::VectorXd h = VaporEnthalpyExcess();
   return atConstantAmounts + kGasConstant * h.dot(splitter.SolveHessian(mixture, feed.z, phases, h));
 }
 
@@ -236,11 +235,8 @@ double FlashEngine::EnthalpyDP() {
   const double T = mixture.T();
   const double atConstantAmounts = bulk.volume - T * bulk.volumeDT;
   if (!isTwoPhase) return atConstantAmounts;
-  Eigen::VectorXd ofVapor;
-  Eigen::VectorXd ofLiquid;
-  mixture.LnPhiDlnT(phases.vapor, ofVapor);
-  mixture.LnPhiDlnT(phases.liquid, ofLiquid);
-  const Eigen::VectorXd h = ofLiquid - ofVapor;
+  const Eigen::VectorXd h = VaporEnthalpyExcess();
+  Eigen::VectorXd ofVapor, ofLiquid;
   mixture.LnPhiDlnP(phases.vapor, ofVapor);
   mixture.LnPhiDlnP(phases.liquid, ofLiquid);
   const Eigen::VectorXd u = ofVapor - ofLiquid;  // times P/(RT)
@@ -250,9 +246,8 @@ double FlashEngine::EnthalpyDP() {
 Equilibrium FlashEngine::Result() const {
   const auto expand = [this](const Eigen::VectorXd& x) {
     std::vector<double> all(compoundCount, 0.0);
-    for (std::size_t i = 0; i < members.size(); ++i) {
+    for (std::size_t i = 0; i < members.size(); ++i)
       all[static_cast<std::size_t>(members[i])] = x[static_cast<Eigen::Index>(i)];
-    }
     return all;
   };
   Equilibrium equilibrium{mixture.T(), P, {}};

@@ -12,8 +12,8 @@
 
 namespace morvelan::host {
 
-/// Repeated isothermal flashes of one composition, each starting from the one before. The compounds that are
-/// present only take part.
+/// Repeated isothermal flashes of one composition. Each starts from the result of the previous one. Compounds with a
+/// fraction of zero do not take part.
 class FlashEngine {
  public:
   /// z: one non-negative fraction per compound of the fluid, sum above zero.
@@ -26,10 +26,10 @@ class FlashEngine {
   [[nodiscard]] const Eigen::VectorXd& Composition() const { return feed.z; }
   [[nodiscard]] Mixture& Fluid() { return mixture; }
 
-  // Of the state last solved, or set by Assume.
+  // Values of the last state that was solved or set by Assume.
   [[nodiscard]] double Pressure() const { return P; }
   [[nodiscard]] bool IsTwoPhase() const { return isTwoPhase; }
-  [[nodiscard]] double VaporFraction() const;  // a single phase by its label
+  [[nodiscard]] double VaporFraction() const;  // 0 or 1 for a single phase
   [[nodiscard]] double Enthalpy();             // [J/mol]
   [[nodiscard]] double Entropy();              // [J/(mol K)]
   [[nodiscard]] double EnthalpyDT();           // [J/(mol K)] at constant P, phases changing
@@ -52,6 +52,7 @@ class FlashEngine {
   bool TryUnstable(PhaseKind kind, const Eigen::VectorXd& lnW);
   bool TryLightestGas();
   BulkProperties Overall();
+  [[nodiscard]] Eigen::VectorXd VaporEnthalpyExcess() const;
 
   std::size_t compoundCount;
   std::vector<Eigen::Index> members;  // of the compounds present

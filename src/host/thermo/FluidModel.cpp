@@ -5,7 +5,6 @@
 #include "host/thermo/PengRobinson.h"
 
 namespace morvelan::host {
-
 namespace {
 
 CubicParameters MakeCubic(const std::vector<Compound>& compounds, const Eigen::MatrixXd& oneLessKij) {

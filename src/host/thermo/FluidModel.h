@@ -20,11 +20,11 @@ struct CubicParameters {
   Eigen::MatrixXd oneLessKij;  // 1 - kij
 };
 
-/// Everything a calculation needs of the chosen compounds; immutable.
+/// The data and parameters of the chosen compounds; immutable.
 class FluidModel {
  public:
-  /// Compounds have ideal-gas ranges and, with interactions given, critical data. `oneLessKij` absent: ideal
-  /// gas.
+  /// The compounds must have ideal-gas ranges. `oneLessKij` is absent for an ideal gas; if it is given, the compounds
+  /// must have critical data.
   FluidModel(std::vector<Compound> compounds, std::optional<Eigen::MatrixXd> oneLessKij);
 
   [[nodiscard]] const std::vector<Compound>& Compounds() const { return compounds; }

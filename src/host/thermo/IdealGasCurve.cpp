@@ -5,7 +5,6 @@
 #include <limits>
 
 namespace morvelan::host {
-
 namespace {
 
 constexpr double kTangentLength = 100.0;    // [K]
@@ -75,12 +74,10 @@ IdealGasCurve::IdealGasCurve(std::span<const Nasa7Range> given) {
   const auto reference = std::find_if(ranges.begin(), ranges.end(),
                                       [](const Nasa7Range& range) { return range.highest >= kReferenceTemperature; });
   Anchor(*reference, kReferenceTemperature, {});
-  for (auto range = reference; range + 1 != ranges.end(); ++range) {
+  for (auto range = reference; range + 1 != ranges.end(); ++range)
     Anchor(*(range + 1), range->highest, Evaluate(*range, range->highest, std::log(range->highest)));
-  }
-  for (auto range = reference; range != ranges.begin(); --range) {
+  for (auto range = reference; range != ranges.begin(); --range)
     Anchor(*(range - 1), range->lowest, Evaluate(*range, range->lowest, std::log(range->lowest)));
-  }
 }
 
 IdealGasValues IdealGasCurve::At(double T) const {

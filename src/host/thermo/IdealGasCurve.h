@@ -16,10 +16,10 @@ struct IdealGasValues {
 
 /// Heat capacity, enthalpy and entropy over all temperatures from NASA-7 ranges.
 ///
-/// The heat capacity is that of the polynomials. Enthalpy and entropy are its integrals from 298.15 K, so
-/// that they have no steps where ranges meet (the tables' own constants leave some of rounding size). Outside
-/// the tabulated temperatures the heat capacity follows its tangent for 100 K, but no further than to 5/2 R,
-/// the least a gas has, and is constant beyond: a polynomial continued outside its range soon turns negative.
+/// The heat capacity is that of the polynomials. Enthalpy and entropy are its integrals from 298.15 K, so that they
+/// have no steps where ranges meet (the tables' own constants leave steps of the size of rounding errors). Outside the
+/// tabulated temperatures the heat capacity follows its tangent for 100 K, but not below 5/2 R, the lowest value of a
+/// gas, and is constant beyond that. A polynomial outside its range would soon become negative.
 class IdealGasCurve {
  public:
   explicit IdealGasCurve(std::span<const Nasa7Range> ranges);  // ascending, at least one

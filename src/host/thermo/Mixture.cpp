@@ -5,7 +5,6 @@
 #include "host/thermo/PengRobinson.h"
 
 namespace morvelan::host {
-
 namespace {
 
 /// First and second derivatives of the equation in w, and of the composition terms that go with them.
@@ -193,9 +192,7 @@ void Mixture::LnPhiDlnP(const PhaseState& state, Eigen::VectorXd& derivatives) c
   derivatives.setZero(Count());
   if (isIdealGas) return;
   const VolumeTerms terms(state);
-  for (Eigen::Index i = 0; i < Count(); ++i) {
-    derivatives[i] = state.p * terms.PressureDn(state, i) / terms.kappa - 1.0;
-  }
+  for (Eigen::Index i = 0; i < Count(); ++i) derivatives[i] = state.p * terms.PressureDn(state, i) / terms.kappa - 1.0;
 }
 
 const std::vector<IdealGasValues>& Mixture::Ideal() {

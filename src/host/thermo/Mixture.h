@@ -8,8 +8,8 @@
 
 namespace morvelan::host {
 
-/// A homogeneous phase at the T of its mixture, at P and x: what the property formulas share. Pure numbers as
-/// in PengRobinson.h.
+/// A homogeneous phase at the T of its mixture, at P and x, with the numbers that the property formulas share. w, p and
+/// e are the dimensionless variables of PengRobinson.h.
 struct PhaseState {
   double P = 0.0;  // [Pa]
   double Z = 1.0;  // compressibility factor
@@ -35,9 +35,9 @@ struct BulkProperties {
   double volumeDP = 0.0;      // [m3/(mol Pa)]
 };
 
-/// Some compounds of a fluid at one temperature: the equation of state without allocation in repeated use.
-/// All arrays are in the order of the members given. Formulas: Michelsen and Mollerup, Thermodynamic Models,
-/// 2nd ed. 2007, ch. 3, for the residual Helmholtz energy of a cubic equation, with all volumes divided by b.
+/// The equation of state for some compounds of a fluid at one temperature. Repeated use allocates no memory. All arrays
+/// are in the order of the members. Formulas: Michelsen and Mollerup, Thermodynamic Models, 2nd ed. 2007, ch. 3, for
+/// the residual Helmholtz energy of a cubic equation, with all volumes divided by b.
 class Mixture {
  public:
   Mixture(const FluidModel& fluid, const std::vector<Eigen::Index>& members);
@@ -50,7 +50,7 @@ class Mixture {
 
   void SetTemperature(double T);
 
-  /// The phase with the largest (vapour) or smallest volume.
+  /// The phase with the largest volume (vapor) or the smallest volume (liquid).
   void Evaluate(PhaseKind kind, double P, const Eigen::VectorXd& x, PhaseState& state) const;
 
   /// The phase with the volume of lower Gibbs energy.
@@ -86,8 +86,8 @@ class Mixture {
   bool isIdealGas = false;
   double temperature = 0.0;
   double RT = 0.0;
-  // sqrt(a_i) with the sign of 1 + m (1 - sqrt Tr), so that a(T) of mixtures has no kink where that passes
-  // zero (far above the critical temperature), and its derivatives T d/dT, T^2 d2/dT2.
+  // sqrt(a_i) and its derivatives T d/dT, T^2 d2/dT2. It keeps the sign of 1 + m (1 - sqrt Tr), so that a(T) of
+  // mixtures has no kink where that term becomes zero, far above the critical temperature.
   Eigen::VectorXd rootA, rootADT, rootADTT;
   std::vector<IdealGasValues> ideal;
   bool isIdealCurrent = false;

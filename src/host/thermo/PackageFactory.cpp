@@ -1,13 +1,12 @@
+#include "host/thermo/PackageFactory.h"
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
-#include "host/thermo/CompoundData.h"
 #include "host/thermo/FluidModel.h"
-#include "host/thermo/PropertyPackage.h"
 
 namespace morvelan::host {
-
 namespace {
 
 /// Positions in the data of the compounds asked for.
@@ -17,16 +16,13 @@ std::vector<std::size_t> FindCompounds(const CompoundData& data, const PackageOp
   for (const std::string& name : options.compounds) {
     const auto index = data.Find(name);
     if (!index) throw std::runtime_error("unknown compound \"" + name + "\"");
-    if (std::find(found.begin(), found.end(), *index) != found.end()) {
+    if (std::find(found.begin(), found.end(), *index) != found.end())
       throw std::runtime_error("compound \"" + name + "\" is listed twice");
-    }
     const Compound& compound = data.Compounds()[*index];
-    if (compound.idealGas.empty()) {
+    if (compound.idealGas.empty())
       throw std::runtime_error("compound \"" + name + "\" has no ideal-gas data and cannot be part of a fluid");
-    }
-    if (isCubic && !compound.critical) {
+    if (isCubic && !compound.critical)
       throw std::runtime_error("compound \"" + name + "\" has no critical data, which peng-robinson needs");
-    }
     found.push_back(*index);
   }
   return found;
@@ -38,17 +34,15 @@ Eigen::MatrixXd InteractionMatrix(const CompoundData& data, const PackageOptions
   Eigen::MatrixXd oneLessKij = Eigen::MatrixXd::Ones(n, n);
   if (options.builtInInteraction) {
     for (Eigen::Index i = 0; i < n; ++i) {
-      for (Eigen::Index j = 0; j < n; ++j) {
+      for (Eigen::Index j = 0; j < n; ++j)
         oneLessKij(i, j) -= data.Kij(members[static_cast<std::size_t>(i)], members[static_cast<std::size_t>(j)]);
-      }
     }
   }
   const auto position = [&](const std::string& name) {
     const auto index = data.Find(name);
     const auto member = index ? std::find(members.begin(), members.end(), *index) : members.end();
-    if (member == members.end()) {
+    if (member == members.end())
       throw std::runtime_error("binary interaction: \"" + name + "\" is none of the package's compounds");
-    }
     return static_cast<Eigen::Index>(member - members.begin());
   };
   for (const BinaryInteraction& pair : options.interactions) {
@@ -66,9 +60,8 @@ Eigen::MatrixXd InteractionMatrix(const CompoundData& data, const PackageOptions
 
 std::shared_ptr<const PropertyPackage> MakePropertyPackage(const CompoundData& data, const PackageOptions& options) {
   const bool isCubic = options.model == "peng-robinson";
-  if (!isCubic && options.model != "ideal-gas") {
+  if (!isCubic && options.model != "ideal-gas")
     throw std::runtime_error("unknown property model \"" + options.model + "\"; known are peng-robinson and ideal-gas");
-  }
   const std::vector<std::size_t> members = FindCompounds(data, options, isCubic);
   Eigen::MatrixXd oneLessKij = InteractionMatrix(data, options, members);
   std::vector<Compound> compounds;

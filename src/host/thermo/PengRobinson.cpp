@@ -3,7 +3,6 @@
 #include <cmath>
 
 namespace morvelan::host {
-
 namespace {
 
 constexpr double kSqrt2 = 1.4142135623730950488;
@@ -15,7 +14,7 @@ struct Cubic {
   [[nodiscard]] double Slope(double Z) const { return (3.0 * Z + 2.0 * c2) * Z + c1; }
 };
 
-/// Newton's method from a start outside all roots on its side, where it converges without overshooting.
+/// Newton's method from a start outside all roots, from where it converges to the nearest root without passing it.
 double NewtonFromOutside(const Cubic& cubic, double Z) {
   constexpr int kMaxSteps = 200;
   const double side = cubic.Value(Z) > 0.0 ? 1.0 : -1.0;
@@ -44,10 +43,10 @@ CubicVolumes SolveCubic(double p, double e) {
     volumes.vapor = volumes.liquid = NewtonFromOutside(cubic, p) / p;
     return volumes;
   }
-  // From the repulsive term, Z <= 1 + p.
+  // The repulsive term alone gives Z <= 1 + p.
   const double Z = NewtonFromOutside(cubic, 1.0 + p);
   volumes.vapor = volumes.liquid = Z / p;
-  // The other two have the sum s and the product m in w; dividing by the largest root first is stable.
+  // The other two roots have the sum s and the product m in w. Division by the largest root keeps their precision.
   const double m = (e - 1.0 - p) / Z;
   const double s = (e - 2.0 - 3.0 * p - m * p) / Z;
   const double squared = s * s - 4.0 * m;

@@ -8,33 +8,33 @@
 
 namespace morvelan::host {
 
-/// A vapour and a liquid that together make up the feed z.
+/// A vapor and a liquid that together are the feed z.
 struct TwoPhases {
   PhaseFractions fractions;
   Eigen::VectorXd lnK;   // ln(y_i/x_i)
-  Eigen::VectorXd y, x;  // vapour, liquid
+  Eigen::VectorXd y, x;  // vapor, liquid
   PhaseState vapor, liquid;
-  Eigen::VectorXd excess;  // ln of the vapour's over the liquid's fugacity
+  Eigen::VectorXd excess;  // ln of the vapor's over the liquid's fugacity
   double error = 0.0;      // the largest |excess|
   double gibbs = 0.0;      // molar Gibbs energy over RT less that of the ideal gases at T, P, unmixed
 };
 
-/// Isothermal two-phase split: successive substitution, then Newton's method on the Gibbs energy (Michelsen,
-/// Fluid Phase Equilib. 9 (1982) 21), both with steps cut until the Gibbs energy falls.
+/// Isothermal two-phase split: successive substitution, then Newton's method on the Gibbs energy (Michelsen, Fluid
+/// Phase Equilib. 9 (1982) 21). Steps are shortened until the Gibbs energy falls.
 class PhaseSplit {
  public:
-  /// Starts from `phases.lnK`. True with the equilibrium in `phases`; false when it shrinks to one phase.
+  /// Starts from `phases.lnK`. Returns true with the equilibrium in `phases`, and false when one phase vanishes.
   bool Solve(const Mixture& mixture, double P, const Eigen::VectorXd& z, TwoPhases& phases);
 
-  /// Solves (Hessian of the Gibbs energy in the vapour's mole numbers over RT) v = r.
+  /// Solves (Hessian of the Gibbs energy in the vapor's mole numbers over RT) v = r.
   Eigen::VectorXd SolveHessian(const Mixture& mixture, const Eigen::VectorXd& z, const TwoPhases& phases,
                                const Eigen::VectorXd& r);
 
-  /// Sets compositions, fugacities and Gibbs energy from phases.lnK; false when these K make one phase only.
+  /// Sets compositions, fugacities and Gibbs energy from phases.lnK. Returns false when these K give a single phase.
   static bool Evaluate(const Mixture& mixture, double P, const Eigen::VectorXd& z, TwoPhases& phases);
 
  private:
-  void Factorise(const Mixture& mixture, const Eigen::VectorXd& z, const TwoPhases& phases);
+  void Factorize(const Mixture& mixture, const Eigen::VectorXd& z, const TwoPhases& phases);
   void NewtonDirection(const Mixture& mixture, const Eigen::VectorXd& z, const TwoPhases& phases);
   bool Descend(const Mixture& mixture, double P, const Eigen::VectorXd& z, TwoPhases& phases, bool useNewton);
 

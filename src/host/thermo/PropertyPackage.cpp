@@ -6,15 +6,14 @@
 #include <numeric>
 #include <stdexcept>
 
+#include "host/file/NumberText.h"
 #include "host/thermo/EnergyFlash.h"
 #include "host/thermo/FlashEngine.h"
 #include "host/thermo/FlashLimits.h"
 #include "host/thermo/FluidModel.h"
-#include "host/thermo/NumberText.h"
 #include "host/thermo/SaturationFlash.h"
 
 namespace morvelan::host {
-
 namespace {
 
 void RequireRange(const char* what, double value, double lowest, double highest, const char* unit) {
@@ -34,24 +33,21 @@ void RequireFinite(const char* what, double value) {
 void RequireComposition(const FluidModel& fluid, std::span<const double> x) {
   constexpr double kSumTolerance = 1e-6;
   const std::vector<Compound>& compounds = fluid.Compounds();
-  if (x.size() != compounds.size()) {
+  if (x.size() != compounds.size())
     throw std::invalid_argument("composition has " + std::to_string(x.size()) + " fractions for " +
                                 std::to_string(compounds.size()) + " compounds");
-  }
   double sum = 0.0;
   for (std::size_t i = 0; i < x.size(); ++i) {
-    if (!(x[i] >= 0.0 && x[i] <= 1.0 + kSumTolerance)) {
+    if (!(x[i] >= 0.0 && x[i] <= 1.0 + kSumTolerance))
       throw std::invalid_argument("mole fraction of " + compounds[i].name + " is " + NumberText(x[i]) +
                                   ", not between 0 and 1");
-    }
     sum += x[i];
   }
-  if (std::abs(sum - 1.0) > kSumTolerance) {
+  if (std::abs(sum - 1.0) > kSumTolerance)
     throw std::invalid_argument("mole fractions sum to " + NumberText(sum) + ", not to 1");
-  }
 }
 
-/// A phase of all compounds, absent ones included.
+/// A phase in which all compounds take part, also those with a fraction of zero.
 struct WholePhase {
   WholePhase(const FluidModel& fluid, PhaseKind kind, double T, double P, std::span<const double> composition)
       : mixture(fluid, AllMembers(composition.size())) {
@@ -87,40 +83,46 @@ const Compound& PropertyPackage::CompoundAt(std::size_t index) const { return fl
 
 bool PropertyPackage::HasLiquid() const { return fluid->Cubic().has_value(); }
 
+bool PropertyPackage::HasFormationData() const {
+  return std::ranges::all_of(fluid->Compounds(), [](const Compound& c) { return c.formationGas.has_value(); });
+}
+
+double PropertyPackage::MeanMolecularWeight(std::span<const double> x) const {
+  double mean = 0;
+  for (std::size_t i = 0; i < x.size(); ++i) mean += x[i] * CompoundAt(i).molecularWeight;
+  return mean * 0.001;
+}
+
+template <class Solve>
+Equilibrium PropertyPackage::Flash(std::span<const double> z, Solve solve) const {
+  RequireComposition(*fluid, z);
+  FlashEngine engine(*fluid, z);
+  solve(engine);
+  return engine.Result();
+}
+
 Equilibrium PropertyPackage::FlashTP(double T, double P, std::span<const double> z) const {
   RequireTemperature(T);
   RequirePressure(P);
-  RequireComposition(*fluid, z);
-  FlashEngine engine(*fluid, z);
-  engine.Solve(T, P);
-  return engine.Result();
+  return Flash(z, [&](FlashEngine& engine) { engine.Solve(T, P); });
 }
 
 Equilibrium PropertyPackage::FlashPH(double P, double H, std::span<const double> z) const {
   RequirePressure(P);
   RequireFinite("enthalpy", H);
-  RequireComposition(*fluid, z);
-  FlashEngine engine(*fluid, z);
-  FlashEnergyAtPressure(engine, P, H, EnergyKind::kEnthalpy);
-  return engine.Result();
+  return Flash(z, [&](FlashEngine& engine) { FlashEnergyAtPressure(engine, P, H, EnergyKind::kEnthalpy); });
 }
 
 Equilibrium PropertyPackage::FlashPS(double P, double S, std::span<const double> z) const {
   RequirePressure(P);
   RequireFinite("entropy", S);
-  RequireComposition(*fluid, z);
-  FlashEngine engine(*fluid, z);
-  FlashEnergyAtPressure(engine, P, S, EnergyKind::kEntropy);
-  return engine.Result();
+  return Flash(z, [&](FlashEngine& engine) { FlashEnergyAtPressure(engine, P, S, EnergyKind::kEntropy); });
 }
 
 Equilibrium PropertyPackage::FlashTH(double T, double H, std::span<const double> z) const {
   RequireTemperature(T);
   RequireFinite("enthalpy", H);
-  RequireComposition(*fluid, z);
-  FlashEngine engine(*fluid, z);
-  FlashEnthalpyAtTemperature(engine, T, H);
-  return engine.Result();
+  return Flash(z, [&](FlashEngine& engine) { FlashEnthalpyAtTemperature(engine, T, H); });
 }
 
 Equilibrium PropertyPackage::FlashPVF(double P, double vaporFraction, std::span<const double> z) const {
@@ -136,29 +138,22 @@ Equilibrium PropertyPackage::FlashTVF(double T, double vaporFraction, std::span<
 Equilibrium PropertyPackage::FlashVaporFraction(bool isPressure, double value, double vaporFraction,
                                                 std::span<const double> z) const {
   RequireRange("vapour fraction", vaporFraction, 0.0, 1.0, "mol/mol");
-  RequireComposition(*fluid, z);
-  const std::string where = NumberText(value) + (isPressure ? " Pa" : " K");
-  if (!HasLiquid()) {
-    throw std::runtime_error("no boiling state at " + where + ": an ideal gas has no liquid");
-  }
-  FlashEngine engine(*fluid, z);
-  if (!SaturationFlash(engine).Solve(isPressure, value, vaporFraction)) {
-    throw std::runtime_error("no vapour and liquid with a vapour fraction of " + NumberText(vaporFraction) +
-                             " found at " + where +
-                             ": the mixture has no such state there (it may be beyond its critical point)");
-  }
-  return engine.Result();
+  return Flash(z, [&](FlashEngine& engine) {
+    const std::string where = NumberText(value) + (isPressure ? " Pa" : " K");
+    if (!HasLiquid()) throw std::runtime_error("no boiling state at " + where + ": an ideal gas has no liquid");
+    if (!SaturationFlash(engine).Solve(isPressure, value, vaporFraction))
+      throw std::runtime_error("no vapour and liquid with a vapour fraction of " + NumberText(vaporFraction) +
+                               " found at " + where +
+                               ": the mixture has no such state there (it may be beyond its critical point)");
+  });
 }
 
 MolarProperties PropertyPackage::Properties(PhaseKind kind, double T, double P, std::span<const double> x) const {
   WholePhase phase(*fluid, kind, T, P, x);
   const BulkProperties bulk = phase.mixture.Bulk(phase.state);
-  MolarProperties known;
-  known.enthalpy = bulk.enthalpy;
-  known.entropy = bulk.entropy;
-  known.volume = bulk.volume;
-  known.heatCapacityCp = bulk.heatCapacity;
-  return Complete(known, T, P, x);
+  return Complete(
+      {.enthalpy = bulk.enthalpy, .entropy = bulk.entropy, .volume = bulk.volume, .heatCapacityCp = bulk.heatCapacity},
+      T, P, x);
 }
 
 /// Adds what follows from enthalpy, entropy and volume.
@@ -223,9 +218,8 @@ MolarProperties PropertyPackage::Overall(const Equilibrium& equilibrium) const {
 }
 
 bool PropertyPackage::HasFormation(std::span<const double> x) const {
-  for (std::size_t i = 0; i < x.size(); ++i) {
+  for (std::size_t i = 0; i < x.size(); ++i)
     if (x[i] > 0.0 && !CompoundAt(i).formationGas) return false;
-  }
   return true;
 }
 

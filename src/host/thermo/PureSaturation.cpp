@@ -8,10 +8,9 @@
 #include "host/thermo/PengRobinson.h"
 
 namespace morvelan::host {
-
 namespace {
 
-/// ln p at which liquid and vapour have the same Gibbs energy at e, a function of e alone.
+/// ln p at which liquid and vapor have the same Gibbs energy at e, a function of e alone.
 std::optional<double> ReducedSaturation(double e) {
   constexpr int kMaxSteps = 200;
   if (!(e > kCriticalE * (1.0 + 1e-10))) return std::nullopt;

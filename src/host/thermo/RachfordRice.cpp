@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/thermo/RootSearch.h"
+
 namespace morvelan::host {
-
 namespace {
-
-struct ValueAndSlope {
-  double value, slope;
-};
 
 /// sum_i z_i (k_i - 1)/(1 + F (k_i - 1)) with k the K or their reciprocals; falls with F.
 ValueAndSlope Residual(const Eigen::VectorXd& z, const Eigen::VectorXd& K, bool isReciprocal, double F) {
@@ -29,8 +26,8 @@ double SolveSmaller(const Eigen::VectorXd& z, const Eigen::VectorXd& K, bool isR
   double lower = 0.0;
   double upper = 0.5;
   for (Eigen::Index i = 0; i < z.size(); ++i) {
-    // A compound cannot make up more than the whole of the phase it prefers (Leibovici and Neoschil, Fluid
-    // Phase Equilib. 74 (1992) 303).
+    // A compound's amount in the phase that it prefers cannot exceed the amount of the phase (Leibovici and Neoschil,
+    // Fluid Phase Equilib. 74 (1992) 303).
     const double k = isReciprocal ? 1.0 / K[i] : K[i];
     if (k > 1.0) lower = std::max(lower, (z[i] - 1.0 / k) / (1.0 - 1.0 / k));
   }
@@ -40,9 +37,8 @@ double SolveSmaller(const Eigen::VectorXd& z, const Eigen::VectorXd& K, bool isR
     (value > 0.0 ? lower : upper) = F;
     double next = F - value / slope;
     if (std::abs(next - F) <= 5e-16 * F) return next;
-    if (!(next > lower && next < upper)) {
+    if (!(next > lower && next < upper))
       next = lower > 0.0 && lower < 0.01 * upper ? std::sqrt(lower * upper) : 0.5 * (lower + upper);
-    }
     F = next;
   }
   return F;

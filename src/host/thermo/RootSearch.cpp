@@ -6,14 +6,13 @@
 #include <cstdint>
 
 namespace morvelan::host {
-
 namespace {
 
-constexpr double kRelativeWidth = 4e-14;  // of a bracket that rounding lets shrink no further
+constexpr double kRelativeWidth = 4e-14;  // a bracket is not refined further, because of rounding errors
 
 bool IsNarrow(double a, double b) { return b - a <= kRelativeWidth * std::abs(b); }
 
-/// Algorithm 748 (Alefeld, Potra, Shi, ACM TOMS 21 (1995) 327), which never does much worse than bisection.
+/// Algorithm 748 (Alefeld, Potra, Shi, ACM TOMS 21 (1995) 327), which is never much slower than bisection.
 RootResult Enclose(const SlopedFunction& function, const Bracket& bracket, double tolerance) {
   double root = bracket.lower;
   bool isFound = false;
@@ -61,7 +60,7 @@ RootResult RefineRootOfRising(const SlopedFunction& function, Bracket bracket, d
 
 RootResult FindRootOfRising(const SlopedFunction& function, double guess, double lowest, double highest,
                             double tolerance) {
-  constexpr double kReach = 1.5;  // how far a step may leave what has been seen, as a factor
+  constexpr double kReach = 1.5;  // the largest factor between one x and the next outside of a bracket
   Bracket bracket;
   double x = std::clamp(guess, lowest, highest);
   while (true) {
@@ -69,9 +68,8 @@ RootResult FindRootOfRising(const SlopedFunction& function, double guess, double
     if (std::abs(value) <= tolerance) return {RootOutcome::kFound, x, x};
     Shrink(bracket, x, value);
     double next = x - value / slope;
-    if (bracket.lowerValue < 0.0 && bracket.upperValue > 0.0) {
+    if (bracket.lowerValue < 0.0 && bracket.upperValue > 0.0)
       return RefineRootOfRising(function, bracket, next, tolerance);
-    }
     if (value < 0.0) {
       if (x >= highest) return {RootOutcome::kAbove, highest, highest};
       if (!(next < kReach * x)) next = kReach * x;

@@ -25,12 +25,12 @@ struct RootResult {
   double upper = 0.0;
 };
 
-/// Finds x in [lowest, highest] where a function that never falls is zero within `tolerance`, from a guess;
-/// x above zero. The function may have kinks and jumps.
+/// Finds x in [lowest, highest], lowest > 0, where a function that never falls is zero within `tolerance`. The function
+/// may have kinks and jumps.
 [[nodiscard]] RootResult FindRootOfRising(const SlopedFunction& function, double guess, double lowest, double highest,
                                           double tolerance);
 
-/// Two places between which a root lies.
+/// Two values of x between which a root lies.
 struct Bracket {
   double lower = 0.0;
   double lowerValue = 0.0;  // below zero

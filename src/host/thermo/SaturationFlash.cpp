@@ -10,10 +10,8 @@
 #include "host/thermo/PureSaturation.h"
 
 namespace morvelan::host {
-
 namespace {
 
-constexpr double kLnLimit = 600.0;  // keeps exp() finite
 const double kLnLowestT = std::log(kLowestTemperature);
 const double kLnHighestT = std::log(kHighestTemperature);
 const double kLnLowestP = std::log(kLowestPressure);
@@ -26,8 +24,7 @@ SaturationFlash::SaturationFlash(FlashEngine& givenEngine)
   X.setZero(n + 2);
 }
 
-/// Starts from the two-phase state next to where the vapour fraction of isothermal flashes passes V, coming
-/// from high T or low P.
+/// Calculates isothermal flashes from high T or low P on. Starts Newton's method where their vapor fraction passes V.
 bool SaturationFlash::Scan() {
   constexpr int kPoints = 80;
   constexpr int kHalvings = 25;
@@ -131,9 +128,8 @@ bool SaturationFlash::Newton(Eigen::Index specified, double value) {
     const Eigen::VectorXd step = -jacobian.partialPivLu().solve(residual);
     if (!step.allFinite()) return false;
     double length = 1.0;
-    for (Eigen::Index k = 0; k < n + 2; ++k) {
+    for (Eigen::Index k = 0; k < n + 2; ++k)
       length = std::min(length, kStepLimit[std::max<Eigen::Index>(0, k - n + 1)] / (std::abs(step[k]) + 1e-300));
-    }
     lastStep = length * step.cwiseAbs().maxCoeff();
     X += length * step;
     X.head(n) = X.head(n).cwiseMax(-kLnLimit).cwiseMin(kLnLimit);
@@ -164,8 +160,7 @@ bool SaturationFlash::WilsonStart(double value) {
   return true;
 }
 
-/// One step of successive substitution: K from the fugacities, and with them and their T or P derivatives the
-/// unknown T or P.
+/// One step of successive substitution. The fugacities give K; K and its derivatives by T or P give the unknown T or P.
 bool SaturationFlash::Substitute() {
   EvaluateResidual();
   X.head(n) -= residual.head(n);
@@ -198,9 +193,8 @@ bool SaturationFlash::Substitute() {
 bool SaturationFlash::SolveDirect(double value) {
   constexpr int kSubstitutions = 5;
   if (!WilsonStart(value)) return false;
-  for (int i = 0; i < kSubstitutions; ++i) {
+  for (int i = 0; i < kSubstitutions; ++i)
     if (!Substitute()) return false;
-  }
   return Newton(Specified(), value) && Accept();
 }
 
@@ -218,13 +212,14 @@ bool SaturationFlash::IsTrivial() const {
   return X.head(n).cwiseAbs().maxCoeff() < 1e-5 && std::abs(phases.vapor.w - phases.liquid.w) < 1e-4 * phases.liquid.w;
 }
 
-/// Whether the converged state is a vapour over a liquid.
+/// True when the converged state is a vapor over a liquid.
 bool SaturationFlash::Accept() const {
   if (IsTrivial() || phases.vapor.w < phases.liquid.w) return false;
   return !IsDefiniteLiquid(phases.vapor.w, phases.vapor.e);
 }
 
-/// One step along the line of constant vapour fraction, in the variable that changes most. False at its end.
+/// Makes a step along the line of constant vapor fraction in the variable that changes most. Returns false at the end
+/// of the line.
 bool SaturationFlash::AdvanceAlongLine(double& step, Eigen::Index& specified) {
   constexpr double kSmallestStep = 1e-5;
   Eigen::VectorXd tangent = Tangent(specified) * (step > 0.0 ? 1.0 : -1.0);
@@ -249,7 +244,7 @@ bool SaturationFlash::AdvanceAlongLine(double& step, Eigen::Index& specified) {
 
 bool SaturationFlash::FollowFromLowPressure(double target) {
   constexpr int kMaxSteps = 400;
-  // A start at low pressure, where there is one solution only.
+  // Start at low pressure, where there is only one solution.
   bool isStarted = false;
   for (int i = 0; i < 8 && !isStarted; ++i) {
     const double away = 1.5 * (i + 1);
@@ -270,7 +265,7 @@ bool SaturationFlash::FollowFromLowPressure(double target) {
     if (X[heaviest] * before[heaviest] <= 0.0) return false;  // beyond the critical point
     const double moved = X[index] - before[index];
     const bool hasPassed = (X[index] - target) * (before[index] - target) <= 0.0;
-    // The line may have reached the target and turned back within one step.
+    // The line may reach the target and turn back within one step.
     const bool hasTurned = moved * lastMoved < 0.0 && std::abs(X[index] - target) < 0.3;
     lastMoved = moved;
     if (!hasPassed && !hasTurned) continue;

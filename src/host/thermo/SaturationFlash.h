@@ -8,18 +8,17 @@
 
 namespace morvelan::host {
 
-/// Finds the two-phase states of a mixture with a given vapour fraction, at a given P or T. Newton's method
-/// in ln K_i, ln T and ln P (Michelsen, Fluid Phase Equilib. 4 (1980) 1), from Wilson's estimate; where that
-/// fails or ends up on a branch where P falls with T, the line of constant vapour fraction is followed from
-/// low pressure.
+/// Finds the two-phase states of a mixture with a given vapor fraction, at a given P or T. Newton's method in ln K_i,
+/// ln T and ln P (Michelsen, Fluid Phase Equilib. 4 (1980) 1) starts from Wilson's estimate. If that fails or ends on a
+/// branch where P falls with T, the line of constant vapor fraction is followed from low pressure.
 class SaturationFlash {
  public:
   explicit SaturationFlash(FlashEngine& engine);
 
-  /// True with the state in the engine. `isPressure`: `value` is P [Pa], else T [K].
+  /// Returns true with the state in the engine. `value` is P [Pa] if `isPressure`, else T [K].
   bool Solve(bool isPressure, double value, double vaporFraction);
 
-  /// Solves at another vapour fraction, starting from the last solution.
+  /// Solves at another vapor fraction, starting from the last solution.
   bool SolveNearby(double vaporFraction);
 
  private:

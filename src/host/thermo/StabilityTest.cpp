@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <cmath>
 
-namespace morvelan::host {
+#include "host/thermo/FlashLimits.h"
 
+namespace morvelan::host {
 namespace {
 
-constexpr int kSubstitutions = 6;  // first-order steps before Newton's method
-constexpr int kMaxSteps = 60;
-constexpr double kConverged = 1e-10;  // of the gradient; the distance is then exact to its square
+constexpr int kTestSubstitutions = 6;  // first-order steps before Newton's method
+constexpr int kMaxTestSteps = 60;
+constexpr double kConverged = 1e-10;  // of the gradient; the error of the distance is of the order of its square
 constexpr double kUnstable = -1e-12;  // above the rounding of the distance
 constexpr double kClearlyUnstable = -1e-5;
-constexpr double kLnLimit = 600.0;  // keeps exp() finite
 
 }  // namespace
 
@@ -53,11 +53,10 @@ bool StabilityTest::Descend(const Mixture& mixture, double P, const Feed& feed, 
   const double oldDistance = trial.distance;
   const double oldError = error;
   before = trial.lnW;
-  if (useNewton) {
+  if (useNewton)
     NewtonDirection(mixture);
-  } else {
+  else
     direction = -excess;
-  }
   const double slack = 1e-14 * (1.0 + std::abs(oldDistance));
   for (double length = 1.0; length > 0.01; length *= 0.3) {
     trial.lnW = before + length * direction;
@@ -72,13 +71,13 @@ bool StabilityTest::Descend(const Mixture& mixture, double P, const Feed& feed, 
 bool StabilityTest::FindUnstable(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind,
                                  TrialPhase& trial) {
   Evaluate(mixture, P, feed, kind, trial);
-  for (int step = 0; step < kMaxSteps; ++step) {
+  for (int step = 0; step < kMaxTestSteps; ++step) {
     if (error < kConverged) break;
     if (trial.distance < kClearlyUnstable && error < 0.05) break;
     const bool isTrivial =
         (trial.lnW - feed.lnZ).cwiseAbs().maxCoeff() < 1e-6 && std::abs(state.w - feed.state.w) < 1e-5 * feed.state.w;
     if (isTrivial) return false;
-    if (step < kSubstitutions) {
+    if (step < kTestSubstitutions) {
       (void)Descend(mixture, P, feed, kind, trial, false);
       continue;
     }

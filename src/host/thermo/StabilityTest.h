@@ -7,7 +7,7 @@
 
 namespace morvelan::host {
 
-/// The homogeneous mixture whose stability is in question.
+/// The homogeneous mixture that is tested for stability.
 struct Feed {
   Eigen::VectorXd z;           // all above zero
   Eigen::VectorXd lnZ;         // ln z_i
@@ -21,12 +21,12 @@ struct TrialPhase {
   double distance = 0.0;  // modified tangent plane distance over RT; below zero: the feed is unstable
 };
 
-/// Tangent plane criterion (Michelsen, Fluid Phase Equilib. 9 (1982) 1): a mixture is stable when no trial
-/// phase W has 1 + sum_i W_i (ln W_i + lnPhi_i(W) - ln(z_i phi_i(z)) - 1) < 0.
+/// Tangent plane criterion (Michelsen, Fluid Phase Equilib. 9 (1982) 1): a mixture is stable when no trial phase W has
+/// 1 + sum_i W_i (ln W_i + lnPhi_i(W) - ln(z_i phi_i(z)) - 1) < 0.
 class StabilityTest {
  public:
-  /// Follows the distance downwards from `trial.lnW`, evaluating the trial phase as `kind`. True with the
-  /// trial phase in `trial` when the feed is unstable; false at a stationary point that proves nothing.
+  /// Minimizes the distance from `trial.lnW` on, with the trial phase evaluated as `kind`. Returns true with the trial
+  /// phase in `trial` when the feed is unstable. The result false is no proof of stability.
   bool FindUnstable(const Mixture& mixture, double P, const Feed& feed, PhaseKind kind, TrialPhase& trial);
 
   /// The trial phase where the search ended.

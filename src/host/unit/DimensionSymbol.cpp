@@ -1,7 +1,8 @@
 #include "host/unit/DimensionSymbol.h"
 
 #include <algorithm>
-#include <charconv>
+
+#include "host/file/NumberText.h"
 
 namespace morvelan::host {
 namespace {
@@ -30,10 +31,7 @@ constexpr Derived kDerived[] = {
 };
 
 std::string Power(const char* symbol, double exponent) {
-  if (exponent == 1) return symbol;
-  char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, exponent);
-  return std::string(symbol) + '^' + std::string(buffer, end.ptr);
+  return exponent == 1 ? symbol : symbol + ('^' + PlainNumber(exponent));
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include "host/unit/HostedUnit.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "com/Text.h"
+#include "host/file/Nearest.h"
 #include "morvelan.h"
 
 namespace morvelan::host {
@@ -41,6 +43,15 @@ std::vector<com::Ref<IDispatch>> ItemsOf(const com::Ref<ICapeCollection>& collec
   return items;
 }
 
+/// The items of a collection that an object hands out.
+template <class Interface>
+std::vector<com::Ref<IDispatch>> ItemsOf(const com::Ref<Interface>& owner,
+                                         HRESULT (STDMETHODCALLTYPE Interface::*getter)(IDispatch**)) {
+  com::Ref<IDispatch> collection;
+  Check((owner.Get()->*getter)(collection.Put()), owner.Get());
+  return ItemsOf(Require<ICapeCollection>(collection, "ICapeCollection"));
+}
+
 Exponents DimensionsOf(const com::Ref<ICapeParameterSpec>& specification) {
   com::Variant array;
   Check(specification->get_Dimensionality(array.Put()), specification.Get());
@@ -54,9 +65,6 @@ UnitPort ReadPort(const com::Ref<IDispatch>& item) {
   Identification identity = Identify(item);
   UnitPort port{.name = std::move(identity.name),
                 .description = std::move(identity.description),
-                .direction = CAPE_INLET,
-                .type = CAPE_MATERIAL,
-                .items = {},
                 .object = Require<ICapeUnitPort>(item, "ICapeUnitPort")};
   Check(port.object->get_direction(&port.direction), port.object.Get());
   Check(port.object->get_portType(&port.type), port.object.Get());
@@ -71,9 +79,6 @@ UnitParameter ReadParameter(const com::Ref<IDispatch>& item) {
   Identification identity = Identify(item);
   UnitParameter parameter{.name = std::move(identity.name),
                           .description = std::move(identity.description),
-                          .kind = CAPE_REAL,
-                          .mode = CAPE_INPUT,
-                          .dimensions = {},
                           .object = Require<ICapeParameter>(item, "ICapeParameter")};
   Check(parameter.object->get_Mode(&parameter.mode), parameter.object.Get());
   com::Ref<IDispatch> dispatch;
@@ -86,23 +91,23 @@ UnitParameter ReadParameter(const com::Ref<IDispatch>& item) {
 
 }  // namespace
 
-std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
-                                                 const std::vector<com::PublishedClass>& classes) {
-  const auto find = [&](auto bears) {
-    const auto found = std::ranges::find_if(classes, bears);
-    return found == classes.end() ? std::nullopt : std::optional(*found);
-  };
-  const auto isNamed = [&](const com::PublishedClass& candidate) { return com::EqualNoCase(candidate.name, name); };
-  if (auto found = find([&](const com::PublishedClass& candidate) {
+com::PublishedClass RequireUnitClass(const std::string& name, const std::vector<com::PublishedClass>& classes) {
+  using com::PublishedClass;
+  const std::function<bool(const PublishedClass&)> searches[] = {
+      [&](const PublishedClass& candidate) {
         return com::EqualNoCase(candidate.progId, name) || com::EqualNoCase(com::ToText(candidate.clsid), name);
-      }))
-    return found;
-  // Other libraries have their mixers and valves too.
-  if (auto found = find([&](const com::PublishedClass& candidate) {
-        return isNamed(candidate) && candidate.progId.starts_with("VELT_MORV.");
-      }))
-    return found;
-  return find(isNamed);
+      },
+      // Other libraries may publish units of the same name.
+      [&](const PublishedClass& candidate) {
+        return com::EqualNoCase(candidate.name, name) && candidate.progId.starts_with("VELT_MORV.");
+      },
+      [&](const PublishedClass& candidate) { return com::EqualNoCase(candidate.name, name); }};
+  for (const auto& isWanted : searches)
+    if (const auto found = std::ranges::find_if(classes, isWanted); found != classes.end()) return *found;
+  const std::vector<std::string> names = NamesOf(classes);
+  throw std::runtime_error(
+      "class \"" + name + "\" is unknown" +
+      (names.empty() ? "; no unit classes are registered" : Suggestion(name, names) + "; known are " + Listed(names)));
 }
 
 HostedUnit::HostedUnit(const com::PublishedClass& unitClass, Uninitialized)
@@ -121,7 +126,7 @@ HostedUnit::HostedUnit(const com::PublishedClass& unitClass, IStream& saved) : H
 }
 
 HostedUnit::~HostedUnit() {
-  if (utilities) utilities->Terminate();  // there is nobody left to tell of a failure
+  if (utilities) utilities->Terminate();  // a failure has no consequence any more
 }
 
 void HostedUnit::SetName(const std::string& name) {
@@ -147,40 +152,35 @@ com::Ref<IStream> HostedUnit::Save() const {
 void HostedUnit::SetContext(IDispatch* context) { Check(utilities->put_simulationContext(context), utilities.Get()); }
 
 void HostedUnit::SetReactions(IDispatch* reactions) {
-  const auto taker = object.As<ICapeKineticReactionContext>();
-  if (!taker) return;
-  // The unit may put another object in the place of the one that it was given.
+  const auto reactionContext = object.As<ICapeKineticReactionContext>();
+  if (!reactionContext) return;
+  // The unit may replace the object that it is given by another one.
   IDispatch* passed = com::Ref<IDispatch>::Share(reactions).Detach();
-  const HRESULT outcome = taker->SetReactionObject(&passed);
+  const HRESULT outcome = reactionContext->SetReactionObject(&passed);
   const auto returned = com::Ref<IDispatch>::Attach(passed);
-  Check(outcome, taker.Get());
+  Check(outcome, reactionContext.Get());
 }
 
 std::vector<UnitPort> HostedUnit::Ports() const {
-  com::Ref<IDispatch> dispatch;
-  Check(unit->get_ports(dispatch.Put()), unit.Get());
   std::vector<UnitPort> ports;
-  for (const auto& item : ItemsOf(Require<ICapeCollection>(dispatch, "ICapeCollection")))
-    ports.push_back(ReadPort(item));
+  for (const auto& item : ItemsOf(unit, &ICapeUnit::get_ports)) ports.push_back(ReadPort(item));
   return ports;
 }
 
 std::vector<UnitParameter> HostedUnit::Parameters() const {
-  com::Ref<IDispatch> dispatch;
-  Check(utilities->get_parameters(dispatch.Put()), utilities.Get());
   std::vector<UnitParameter> parameters;
-  for (const auto& item : ItemsOf(Require<ICapeCollection>(dispatch, "ICapeCollection")))
+  for (const auto& item : ItemsOf(utilities, &ICapeUtilities::get_parameters))
     parameters.push_back(ReadParameter(item));
   return parameters;
 }
 
-std::optional<UnitFault> HostedUnit::Validate() {
+std::optional<ReportedError> HostedUnit::Validate() {
   com::Bstr message;
   VARIANT_BOOL isValid = VARIANT_FALSE;
   const HRESULT outcome = unit->Validate(message.Put(), &isValid);
-  if (FAILED(outcome)) return FaultOf(unit.Get(), outcome);
+  if (FAILED(outcome)) return ReportedErrorOf(unit.Get(), outcome);
   if (isValid != VARIANT_FALSE) return std::nullopt;
-  return UnitFault{"the unit is not valid", com::ToUtf8(message.Get()), "Validate", "ICapeUnit"};
+  return ReportedError{"the unit is not valid", com::ToUtf8(message.Get()), "Validate", "ICapeUnit"};
 }
 
 void HostedUnit::Calculate() { Check(unit->Calculate(), unit.Get()); }

@@ -7,8 +7,8 @@
 #include "cape_open.h"
 #include "com/Classes.h"
 #include "com/Values.h"
+#include "host/objects/ReportedError.h"
 #include "host/objects/StreamParameter.h"
-#include "host/unit/UnitFault.h"
 
 namespace morvelan::host {
 
@@ -21,17 +21,17 @@ struct PortItem {
 struct UnitPort {
   std::string name;
   std::string description;
-  CapePortDirection direction;
-  CapePortType type;
-  std::vector<PortItem> items;
+  CapePortDirection direction = CAPE_INLET;
+  CapePortType type = CAPE_MATERIAL;
+  std::vector<PortItem> items = {};
   com::Ref<ICapeUnitPort> object;
 };
 
 struct UnitParameter {
   std::string name;
   std::string description;
-  CapeParamType kind;
-  CapeParamMode mode;
+  CapeParamType kind = CAPE_REAL;
+  CapeParamMode mode = CAPE_INPUT;
   Exponents dimensions{};
   com::Ref<ICapeParameter> object;
 };
@@ -41,17 +41,17 @@ struct UnitReport {
   std::string text;
 };
 
-/// The class that a name, a ProgID or a class identifier means, in any ASCII case; of several of one name,
-/// ours.
-[[nodiscard]] std::optional<com::PublishedClass> FindUnitClass(const std::string& name,
-                                                               const std::vector<com::PublishedClass>& classes);
+/// The class with this name, ProgID or class identifier, in any ASCII case. Of several classes with one name this
+/// system's own is taken. Throws std::runtime_error with the nearest name for an unknown one.
+[[nodiscard]] com::PublishedClass RequireUnitClass(const std::string& name,
+                                                   const std::vector<com::PublishedClass>& classes);
 
-/// A unit as the host uses it, through its interfaces alone. Failures of the unit are UnitFailure.
+/// A unit operation, used through its interfaces only. Failures of the unit are UnitFailure.
 class HostedUnit {
  public:
-  /// Creates and initializes a unit. Throws std::runtime_error too.
+  /// Creates and initializes a unit. Throws std::runtime_error when it cannot be created.
   explicit HostedUnit(const com::PublishedClass& unitClass);
-  /// Creates a unit, restores it from what `Save` gave and initializes it.
+  /// Creates a unit, restores it from a stream of `Save` and initializes it.
   HostedUnit(const com::PublishedClass& unitClass, IStream& saved);
   HostedUnit(HostedUnit&&) = default;
   HostedUnit& operator=(HostedUnit&&) = delete;
@@ -61,15 +61,15 @@ class HostedUnit {
   void SetName(const std::string& name);
   /// Hands the unit a JSON object.
   void Configure(const std::string& configuration);
-  /// What the unit keeps, from its beginning.
+  /// Saves the unit to a stream, which stands at its beginning.
   [[nodiscard]] com::Ref<IStream> Save() const;
   void SetContext(IDispatch* context);
-  /// Hands the reactions to a unit that takes some; any other is left alone.
+  /// Hands the reaction package to the unit. Does nothing for a unit that takes none.
   void SetReactions(IDispatch* reactions);
   [[nodiscard]] std::vector<UnitPort> Ports() const;
   [[nodiscard]] std::vector<UnitParameter> Parameters() const;
-  /// Nothing when the unit is valid, else what it says against itself.
-  [[nodiscard]] std::optional<UnitFault> Validate();
+  /// The reason why the unit is not valid; nothing when it is valid.
+  [[nodiscard]] std::optional<ReportedError> Validate();
   void Calculate();
   [[nodiscard]] std::vector<UnitReport> Reports();
 

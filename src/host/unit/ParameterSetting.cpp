@@ -1,20 +1,22 @@
 #include "host/unit/ParameterSetting.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "com/Text.h"
-#include "host/flowsheet/Nearest.h"
+#include "host/file/Nearest.h"
+#include "host/file/NumberText.h"
 
 namespace morvelan::host {
 namespace {
 
-constexpr double kNotSet = std::numeric_limits<double>::lowest();
-constexpr double kUnbounded = 1e300;  // bounds beyond it bound nothing
+constexpr double kUnbounded = 1e300;  // a bound beyond it is no bound
 
-Json NumberOrNull(double value) { return std::isnan(value) || value == kNotSet ? Json() : Json(value); }
+Json NumberOrNull(double value) {
+  const auto number = IfSet(value);
+  return number ? Json(*number) : Json();
+}
 
 com::Variant ToArray(const JsonNode& value) {
   std::vector<com::Variant> elements;
@@ -25,7 +27,7 @@ com::Variant ToArray(const JsonNode& value) {
 com::Variant ToInteger(const JsonNode& value) {
   const double number = value.Number();
   if (number != std::nearbyint(number) || std::abs(number) > std::numeric_limits<std::int32_t>::max())
-    value.Fail("an integer is expected, " + Shown(value.Value()) + " found");
+    value.Fail("an integer is expected, " + Describe(value.Value()) + " found");
   return com::MakeInteger(static_cast<std::int32_t>(number));
 }
 
@@ -50,6 +52,14 @@ com::Ref<Specification> SpecificationOf(const UnitParameter& parameter) {
   com::Ref<IDispatch> dispatch;
   Check(parameter.object->get_Specification(dispatch.Put()), parameter.object.Get());
   return dispatch.As<Specification>();
+}
+
+/// The default that a specification gives, or `value` when the parameter has no specification of this kind.
+template <class Specification, class Value>
+Value DefaultOf(const UnitParameter& parameter, Value value) {
+  const auto specification = SpecificationOf<Specification>(parameter);
+  if (specification) Check(specification->get_DefaultValue(&value), specification.Get());
+  return value;
 }
 
 template <class Specification, class Number>
@@ -80,14 +90,15 @@ std::string Options(const UnitParameter& parameter) {
 }  // namespace
 
 void PutParameter(const UnitParameter& parameter, const JsonNode& value) {
-  CapeParamMode mode = CAPE_INPUT;  // what it is now: options decide what the other parameters are
+  CapeParamMode mode = CAPE_INPUT;  // the present one, because options change the modes of other parameters
   Check(parameter.object->get_Mode(&mode), parameter.object.Get());
   if (mode == CAPE_OUTPUT) value.Fail("parameter \"" + parameter.name + "\" is a result of the unit and can't be set");
   const com::Variant variant = ToVariant(parameter.kind, value);
   const HRESULT outcome = parameter.object->put_value(variant.Get());
   if (SUCCEEDED(outcome)) return;
   const std::string allowed = AllowedValues(parameter);
-  value.Fail("the value " + Shown(value.Value()) + " is refused: " + FaultOf(parameter.object.Get(), outcome).Text() +
+  value.Fail("the value " + Describe(value.Value()) +
+             " is refused: " + ReportedErrorOf(parameter.object.Get(), outcome).Text() +
              (allowed.empty() ? "" : "; allowed are values " + allowed));
 }
 
@@ -125,31 +136,22 @@ std::string AllowedValues(const UnitParameter& parameter) {
 }
 
 std::string DefaultValue(const UnitParameter& parameter) {
-  if (parameter.kind == CAPE_REAL) {
-    double value = kNotSet;
-    const auto specification = SpecificationOf<ICapeRealParameterSpec>(parameter);
-    if (specification) Check(specification->get_DefaultValue(&value), specification.Get());
-    return NumberOrNull(value).is_null() ? "not set" : PlainNumber(value);
+  switch (parameter.kind) {
+    case CAPE_REAL: {
+      const auto value = IfSet(DefaultOf<ICapeRealParameterSpec>(parameter, kNotSet));
+      return value ? PlainNumber(*value) : "not set";
+    }
+    case CAPE_INT:
+      return std::to_string(DefaultOf<ICapeIntegerParameterSpec>(parameter, LONG{0}));
+    case CAPE_OPTION: {
+      const com::Bstr value(DefaultOf<ICapeOptionParameterSpec>(parameter, BSTR{}));
+      return com::ToUtf8(value.Get());
+    }
+    case CAPE_BOOLEAN:
+      return DefaultOf<ICapeBooleanParameterSpec>(parameter, VARIANT_FALSE) == VARIANT_FALSE ? "false" : "true";
+    default:
+      return {};
   }
-  if (parameter.kind == CAPE_INT) {
-    LONG value = 0;
-    const auto specification = SpecificationOf<ICapeIntegerParameterSpec>(parameter);
-    if (specification) Check(specification->get_DefaultValue(&value), specification.Get());
-    return std::to_string(value);
-  }
-  if (parameter.kind == CAPE_OPTION) {
-    com::Bstr value;
-    const auto specification = SpecificationOf<ICapeOptionParameterSpec>(parameter);
-    if (specification) Check(specification->get_DefaultValue(value.Put()), specification.Get());
-    return com::ToUtf8(value.Get());
-  }
-  if (parameter.kind == CAPE_BOOLEAN) {
-    VARIANT_BOOL value = VARIANT_FALSE;
-    const auto specification = SpecificationOf<ICapeBooleanParameterSpec>(parameter);
-    if (specification) Check(specification->get_DefaultValue(&value), specification.Get());
-    return value == VARIANT_FALSE ? "false" : "true";
-  }
-  return {};
 }
 
 const char* KindName(CapeParamType kind) {
@@ -165,12 +167,6 @@ const char* KindName(CapeParamType kind) {
     default:
       return "array";
   }
-}
-
-std::string PlainNumber(double value) {
-  char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return {buffer, end.ptr};
 }
 
 }  // namespace morvelan::host

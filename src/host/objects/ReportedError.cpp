@@ -1,4 +1,4 @@
-#include "host/unit/UnitFault.h"
+#include "host/objects/ReportedError.h"
 
 #include <charconv>
 #include <cstdint>
@@ -27,18 +27,18 @@ std::string CodeText(HRESULT code) {
 
 }  // namespace
 
-UnitFault FaultOf(IUnknown* object, HRESULT code) {
+ReportedError ReportedErrorOf(IUnknown* object, HRESULT code) {
   const auto user = com::Query<ECapeUser>(object);
-  UnitFault fault{TextOf(com::Query<ECapeRoot>(object), &ECapeRoot::get_name),
-                  TextOf(user, &ECapeUser::get_description), TextOf(user, &ECapeUser::get_scope),
-                  TextOf(user, &ECapeUser::get_interfaceName)};
-  if (fault.Text().empty()) fault.description = CodeText(code);
-  return fault;
+  ReportedError error{TextOf(com::Query<ECapeRoot>(object), &ECapeRoot::get_name),
+                      TextOf(user, &ECapeUser::get_description), TextOf(user, &ECapeUser::get_scope),
+                      TextOf(user, &ECapeUser::get_interfaceName)};
+  if (error.Text().empty()) error.description = CodeText(code);
+  return error;
 }
 
-UnitFault FaultOf(const std::exception& failure) {
+ReportedError ReportedErrorOf(const std::exception& failure) {
   const auto* reported = dynamic_cast<const UnitFailure*>(&failure);
-  return reported ? reported->fault : UnitFault{"the unit cannot be used", failure.what(), {}, {}};
+  return reported ? reported->error : ReportedError{"the unit cannot be used", failure.what(), {}, {}};
 }
 
 }  // namespace morvelan::host

@@ -1,20 +1,20 @@
-#include "host/reactions/ReactionReader.h"
+#include "host/flowsheet/ReactionReader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
 
 #include "com/Text.h"
+#include "host/file/NumberText.h"
 #include "host/material/MaterialState.h"
-#include "host/thermo/NumberText.h"
 
 namespace morvelan::host {
 namespace {
 
-constexpr double kElementTolerance = 1e-6;  // of the atoms that take part; files round coefficients
+constexpr double kElementTolerance = 1e-6;  // relative to the atoms that react; coefficients in files are rounded
 
 /// Numbers by compound, in the file's order.
-std::vector<CompoundNumber> ReadNumbers(const JsonNode& object, const FlowsheetCompounds& compounds) {
+std::vector<CompoundNumber> ReadCompoundNumbers(const JsonNode& object, const FlowsheetCompounds& compounds) {
   std::vector<CompoundNumber> numbers;
   for (const auto& [name, node] : object.Members()) {
     const std::size_t compound = compounds.Find(node, name);
@@ -28,7 +28,7 @@ std::vector<CompoundNumber> ReadNumbers(const JsonNode& object, const FlowsheetC
 std::vector<CompoundNumber> ReadStoichiometry(const JsonNode& object, const FlowsheetCompounds& compounds) {
   for (const auto& [name, node] : object.Members())
     if (node.Number() == 0) node.Fail("a coefficient must not be 0: leave the compound out");
-  std::vector<CompoundNumber> stoichiometry = ReadNumbers(object, compounds);
+  std::vector<CompoundNumber> stoichiometry = ReadCompoundNumbers(object, compounds);
   const auto count = [&](bool products) {
     return std::ranges::count_if(stoichiometry,
                                  [&](const CompoundNumber& entry) { return (entry.number > 0) == products; });
@@ -61,7 +61,7 @@ LnKCoefficients ReadLnK(const JsonNode& list) {
   return coefficients;
 }
 
-/// Gibbs energies of formation are comparable only where the elements cancel.
+/// A reaction's Gibbs energy follows from those of formation only when its elements balance.
 void CheckElements(const JsonNode& place, const std::vector<CompoundNumber>& stoichiometry,
                    const PropertyPackage& package) {
   struct Atoms {
@@ -71,7 +71,7 @@ void CheckElements(const JsonNode& place, const std::vector<CompoundNumber>& sto
   std::map<std::string, Atoms> balance;
   for (const auto& [compound, nu] : stoichiometry) {
     const Compound& data = package.CompoundAt(compound);
-    if (data.elements.empty()) return;  // a user's own compound need not tell
+    if (data.elements.empty()) return;  // optional in a user's own compound
     for (const auto& [symbol, count] : data.elements) {
       balance[symbol].sum += nu * count;
       balance[symbol].moved += std::abs(nu * count);
@@ -97,7 +97,7 @@ RateLaw ReadRate(const JsonNode& node, const FlowsheetCompounds& compounds) {
   node.AllowKeys({"preExponential", "activationEnergy", "orders"});
   return {.preExponential = node.At("preExponential").NotNegative(),
           .activationEnergy = node.At("activationEnergy").Number(),
-          .orders = ReadNumbers(node.At("orders"), compounds)};
+          .orders = ReadCompoundNumbers(node.At("orders"), compounds)};
 }
 
 void ReadEquilibrium(const JsonNode& node, const FlowsheetCompounds& compounds, Reaction& reaction) {
