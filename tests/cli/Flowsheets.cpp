@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "host/flowsheet/FlowsheetReader.h"
 #include "host/flowsheet/ResultJson.h"
 #include "host/flowsheet/ResultTable.h"
 #include "tests/cli/CommandRun.h"
