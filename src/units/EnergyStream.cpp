@@ -18,19 +18,18 @@ HeatSource ReadHeat(const EnergyPort& port, Journal& journal, const char* afterC
       return std::nullopt;
     }
   };
-  HeatSource source{port.ReadHeat(), temperature(EnergyPort::End::kLow), temperature(EnergyPort::End::kHigh)};
-  if (source.lowTemperature && source.highTemperature && *source.lowTemperature > *source.highTemperature) {
+  const double duty = port.ReadHeat();
+  std::optional<double> low = temperature(EnergyPort::End::kLow), high = temperature(EnergyPort::End::kHigh);
+  if (low && high && *low > *high) {
     journal.WarnNamed(" warning: Tlow and Thigh are reversed at inlet heat stream; reversing values");
-    std::swap(source.lowTemperature, source.highTemperature);
+    std::swap(low, high);
   }
   const auto text = [](std::optional<double> value) {
     return FormatValue(value.value_or(kMissingValue), kTemperatureDimension);
   };
-  journal.Line(
-      std::string("Heat duty from inlet energy port:") + afterColon + FormatValue(source.duty, kPowerDimension) +
-      (source.lowTemperature ? " between " + text(source.lowTemperature) + " and " + text(source.highTemperature)
-                             : " (no temperature range for heat transfer)"));
-  return source;
+  journal.Line(std::string("Heat duty from inlet energy port:") + afterColon + FormatValue(duty, kPowerDimension) +
+               (low ? " between " + text(low) + " and " + text(high) : " (no temperature range for heat transfer)"));
+  return {duty, low, high};
 }
 
 }  // namespace morvelan

@@ -62,6 +62,19 @@ std::filesystem::path SmallDataFolder() {
   return folder;
 }
 
+/// A message with its list of known classes in alphabetical order: systems list them in orders of their own.
+std::string WithSortedClasses(const std::string& message) {
+  const std::string opening = "; known are ";
+  const std::size_t at = message.find(opening);
+  if (message.find("/class: ") == std::string::npos || at == std::string::npos) return message;
+  std::set<std::string> classes;
+  std::istringstream list(message.substr(at + opening.size()));
+  for (std::string name; std::getline(list >> std::ws, name, ',');) classes.insert(name);
+  std::string sorted;
+  for (const std::string& name : classes) sorted += (sorted.empty() ? "" : ", ") + name;
+  return message.substr(0, at + opening.size()) + sorted;
+}
+
 /// Answers the changes that a file of bad flowsheets lists: the same file with the messages of today.
 std::string Answered(const std::string& file) {
   const std::filesystem::path data = SmallDataFolder();
@@ -79,7 +92,7 @@ std::string Answered(const std::string& file) {
       flowsheet += line + '\n';
     else if (change != kChanges.end()) {
       const std::string changed = change->second(flowsheet, line.substr(std::min(space + 1, line.size())));
-      answered += "  " + RunFlowsheet(changed, {}, false, data).refusal + '\n';
+      answered += "  " + WithSortedClasses(RunFlowsheet(changed, {}, false, data).refusal) + '\n';
     }
     if (line == "flowsheet:") isFlowsheet = true;
   }

@@ -221,7 +221,8 @@ std::vector<Case> ReactorCases() {
     if (reactor.parameters.contains("Heat duty type"))
       cases.push_back(reactor);
     else
-      for (const HeatOption& heat : isFast || ShortOrLong(false, true) ? std::span<const HeatOption>(kEveryHeat) : kFewHeats)
+      for (const HeatOption& heat :
+           isFast || ShortOrLong(false, true) ? std::span<const HeatOption>(kEveryHeat) : kFewHeats)
         cases.push_back(WithHeat(reactor, heat));
   }
   return cases;

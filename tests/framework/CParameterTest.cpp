@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "framework/ReportFormat.h"
+#include "tests/support/Approved.h"
 #include "tests/support/Door.h"
 #include "tests/support/TestUnit.h"
 
@@ -72,20 +73,24 @@ com::Variant FromOne(std::vector<double> values) {
   return array;
 }
 
+/// A variant of a type, to be filled.
+VARIANT Plain(VARTYPE type) {
+  VARIANT variant{};
+  variant.vt = type;
+  return variant;
+}
+
 com::Variant TwoDimensional() {
   SAFEARRAYBOUND bounds[] = {{2, 0}, {2, 0}};
-  com::Variant result;
-  VARIANT* variant = result.Put();
-  variant->vt = VT_ARRAY | VT_VARIANT;
-  variant->parray = SafeArrayCreate(VT_VARIANT, 2, bounds);
-  return result;
+  VARIANT variant = Plain(VT_ARRAY | VT_VARIANT);
+  variant.parray = SafeArrayCreate(VT_VARIANT, 2, bounds);
+  return com::Variant(variant);
 }
 
 struct PutCase {
   const char* parameter;
   com::Variant value;
-  const char* fault;        // empty when accepted
-  bool keepsValue = false;  // because it is put anew
+  const char* fault;  // empty when accepted
 };
 
 ParameterValue ValueOf(Bench& bench, std::string_view name) {
@@ -102,10 +107,8 @@ CapeValidationStatus StatusOf(const com::Ref<ICapeParameter>& parameter) {
 
 TEST(CParameter, AcceptsAndRefusesValues) {
   const com::Variant inner = com::MakeDouble(7);
-  com::Variant byReference;
-  VARIANT* reference = byReference.Put();
-  reference->vt = VT_VARIANT | VT_BYREF;
-  reference->pvarVal = const_cast<VARIANT*>(&inner.Get());
+  VARIANT reference = Plain(VT_VARIANT | VT_BYREF);
+  reference.pvarVal = const_cast<VARIANT*>(&inner.Get());
   PutCase cases[] = {
       {"Drop", com::MakeDouble(0), ""},
       {"Drop", com::MakeDouble(1e10), ""},
@@ -115,7 +118,7 @@ TEST(CParameter, AcceptsAndRefusesValues) {
       {"Drop", com::MakeInteger(5), "invalid argument type"},
       {"Drop", com::MakeString("5"), "invalid argument type"},
       {"Drop", com::Variant(), "invalid argument type"},
-      {"Drop", std::move(byReference), ""},
+      {"Drop", com::Variant(reference), ""},
       {"Result", com::MakeDouble(17), ""},
       {"Both", com::MakeDouble(17), ""},
       {"Count", com::MakeInteger(1), "value out of bounds"},
@@ -151,7 +154,7 @@ TEST(CParameter, AcceptsAndRefusesValues) {
     const HRESULT put = parameter->put_value(c.value.Get());
     EXPECT_EQ(put, *c.fault ? kFailed : S_OK);
     EXPECT_EQ(StatusOf(parameter), *c.fault ? CAPE_VALID : CAPE_NOT_VALIDATED);
-    EXPECT_EQ(ValueOf(bench, c.parameter) == before, *c.fault || c.keepsValue) << "the value";
+    EXPECT_EQ(ValueOf(bench, c.parameter) == before, static_cast<bool>(*c.fault)) << "the value";
     if (*c.fault) EXPECT_EQ(ErrorOf(parameter.Get()), (Texts{c.fault, c.fault, "put_value", "ICapeParameter"}));
   }
 }
@@ -236,48 +239,32 @@ TEST(CParameter, SwitchesTheUnitsInterfacesAtOnce) {
   EXPECT_FALSE(bench.unit->UsesThermo11());
 }
 
-TEST(CParameter, DescribesItself) {
+// The bounds, defaults and choices of all units' parameters stand in their approved descriptions.
+TEST(CParameter, IsItsOwnSpecification) {
   Bench bench;
-  double real = 0;
-  const auto drop = bench.Parameter("Drop").As<ICapeRealParameterSpec>();
-  EXPECT_EQ(drop->get_DefaultValue(&real), S_OK);
-  EXPECT_EQ(real, 5);
-  EXPECT_EQ(drop->get_LowerBound(&real), S_OK);
-  EXPECT_EQ(real, 0);
-  EXPECT_EQ(drop->get_UpperBound(&real), S_OK);
-  EXPECT_EQ(real, 1e10);
-  LONG integer = 0;
-  const auto count = bench.Parameter("Count").As<ICapeIntegerParameterSpec>();
-  EXPECT_EQ(count->get_LowerBound(&integer), S_OK);
-  EXPECT_EQ(integer, 2);
-  EXPECT_EQ(count->get_UpperBound(&integer), S_OK);
-  EXPECT_EQ(integer, 128);
-  const auto freeCount = bench.Parameter("Free count").As<ICapeIntegerParameterSpec>();
-  EXPECT_EQ(freeCount->get_UpperBound(&integer), S_OK);
-  EXPECT_EQ(integer, std::numeric_limits<LONG>::max());
-  const auto duty = bench.Parameter("Duty").As<ICapeOptionParameterSpec>();
+  com::Ref<IDispatch> specification;
+  EXPECT_EQ(bench.Parameter("Drop")->get_Specification(specification.Put()), S_OK);
+  const auto drop = specification.As<ICapeRealParameterSpec>();
+  ASSERT_TRUE(drop);
   com::Bstr text;
-  com::Variant list;
-  VARIANT_BOOL flag = VARIANT_FALSE;
-  EXPECT_EQ(duty->get_DefaultValue(text.Put()), S_OK);
-  EXPECT_EQ(com::ToUtf8(text.Get()), "Heat duty");
-  EXPECT_EQ(duty->get_OptionList(list.Put()), S_OK);
-  EXPECT_EQ(com::ReadStrings(list.Get()), (std::vector<std::string>{"Heat duty", "Temperature"}));
-  EXPECT_EQ(duty->get_RestrictedToList(&flag), S_OK);
-  EXPECT_EQ(flag, VARIANT_TRUE);
+  VARIANT_BOOL flag = VARIANT_TRUE;
+  EXPECT_EQ(drop->Validate(-1.0, text.Put(), &flag), S_OK);
+  EXPECT_EQ(flag, VARIANT_FALSE);
+  EXPECT_EQ(com::ToUtf8(text.Get()), "value out of bounds");
+  const auto duty = bench.Parameter("Duty").As<ICapeOptionParameterSpec>();
+  flag = VARIANT_TRUE;
   EXPECT_EQ(duty->Validate(com::ToBstr("none").Get(), text.Put(), &flag), S_OK);
   EXPECT_EQ(flag, VARIANT_FALSE);
   EXPECT_EQ(com::ToUtf8(text.Get()), "invalid choice");
+  EXPECT_EQ(duty->get_RestrictedToList(&flag), S_OK);
+  EXPECT_EQ(flag, VARIANT_TRUE);
   EXPECT_EQ(bench.Parameter("Phase").As<ICapeOptionParameterSpec>()->get_RestrictedToList(&flag), S_OK);
   EXPECT_EQ(flag, VARIANT_FALSE);
-  EXPECT_EQ(drop->Validate(-1.0, text.Put(), &flag), S_OK);
-  EXPECT_EQ(com::ToUtf8(text.Get()), "value out of bounds");
-  com::Ref<IDispatch> specification;
-  EXPECT_EQ(bench.Parameter("Drop")->get_Specification(specification.Put()), S_OK);
-  EXPECT_TRUE(specification.As<ICapeRealParameterSpec>());
+  LONG bound = 0;
+  EXPECT_EQ(bench.Parameter("Free count").As<ICapeIntegerParameterSpec>()->get_UpperBound(&bound), S_OK);
+  EXPECT_EQ(bound, std::numeric_limits<LONG>::max());
 }
 
-/// A typed specification's own getters work; those of the other kinds refuse.
 TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
   Bench bench;
   const char* parameters[] = {"Drop", "Count", "Thermo Version", "Serial", "Factors"};
@@ -290,41 +277,45 @@ TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
     double real = 0;
     LONG integer = 0;
     com::Bstr text;
-    VARIANT_BOOL boolean = VARIANT_FALSE;
-    com::Variant value;
-    const auto expectKind = [&](HRESULT hr, int own, const char* scope, const char* interfaceName) {
-      SCOPED_TRACE(testing::Message() << interfaceName << "::" << scope);
+    VARIANT_BOOL flag = VARIANT_FALSE;
+    com::Variant value, verdicts;
+    int own = 0;
+    std::string interfaceName;
+    const auto expect = [&](const char* scope, HRESULT hr) {
+      SCOPED_TRACE(interfaceName + "::" + scope);
       EXPECT_EQ(hr, own == kind ? S_OK : kFailed);
       if (own != kind)
         EXPECT_EQ(ErrorOf(parameter.Get()),
                   (Texts{"invalid call", "wrong interface for parameter type", scope, interfaceName}));
     };
+    own = CAPE_REAL, interfaceName = "ICapeRealParameterSpec";
     const auto realSpec = parameter.As<ICapeRealParameterSpec>();
-    expectKind(realSpec->get_DefaultValue(&real), 0, "get_DefaultValue", "ICapeRealParameterSpec");
-    expectKind(realSpec->get_LowerBound(&real), 0, "get_LowerBound", "ICapeRealParameterSpec");
-    expectKind(realSpec->get_UpperBound(&real), 0, "get_UpperBound", "ICapeRealParameterSpec");
-    expectKind(realSpec->Validate(1, text.Put(), &boolean), 0, "Validate", "ICapeRealParameterSpec");
+    expect("get_DefaultValue", realSpec->get_DefaultValue(&real));
+    expect("get_LowerBound", realSpec->get_LowerBound(&real));
+    expect("get_UpperBound", realSpec->get_UpperBound(&real));
+    expect("Validate", realSpec->Validate(1, text.Put(), &flag));
+    own = CAPE_INT, interfaceName = "ICapeIntegerParameterSpec";
     const auto integerSpec = parameter.As<ICapeIntegerParameterSpec>();
-    expectKind(integerSpec->get_DefaultValue(&integer), 1, "get_DefaultValue", "ICapeIntegerParameterSpec");
-    expectKind(integerSpec->get_LowerBound(&integer), 1, "get_LowerBound", "ICapeIntegerParameterSpec");
-    expectKind(integerSpec->get_UpperBound(&integer), 1, "get_UpperBound", "ICapeIntegerParameterSpec");
-    expectKind(integerSpec->Validate(LONG{3}, text.Put(), &boolean), 1, "Validate", "ICapeIntegerParameterSpec");
+    expect("get_DefaultValue", integerSpec->get_DefaultValue(&integer));
+    expect("get_LowerBound", integerSpec->get_LowerBound(&integer));
+    expect("get_UpperBound", integerSpec->get_UpperBound(&integer));
+    expect("Validate", integerSpec->Validate(LONG{3}, text.Put(), &flag));
+    own = CAPE_OPTION, interfaceName = "ICapeOptionParameterSpec";
     const auto optionSpec = parameter.As<ICapeOptionParameterSpec>();
-    expectKind(optionSpec->get_DefaultValue(text.Put()), 2, "get_DefaultValue", "ICapeOptionParameterSpec");
-    expectKind(optionSpec->get_OptionList(value.Put()), 2, "get_OptionList", "ICapeOptionParameterSpec");
-    expectKind(optionSpec->get_RestrictedToList(&boolean), 2, "get_RestrictedTolist", "ICapeOptionParameterSpec");
-    expectKind(optionSpec->Validate(nullptr, text.Put(), &boolean), 2, "Validate", "ICapeOptionParameterSpec");
+    expect("get_DefaultValue", optionSpec->get_DefaultValue(text.Put()));
+    expect("get_OptionList", optionSpec->get_OptionList(value.Put()));
+    expect("get_RestrictedTolist", optionSpec->get_RestrictedToList(&flag));
+    expect("Validate", optionSpec->Validate(nullptr, text.Put(), &flag));
+    own = CAPE_BOOLEAN, interfaceName = "ICapeBooleanParameterSpec";
     const auto booleanSpec = parameter.As<ICapeBooleanParameterSpec>();
-    expectKind(booleanSpec->get_DefaultValue(&boolean), 3, "get_DefaultValue", "ICapeBooleanParameterSpec");
-    expectKind(booleanSpec->Validate(VARIANT_TRUE, text.Put(), &boolean), 3, "Validate", "ICapeBooleanParameterSpec");
+    expect("get_DefaultValue", booleanSpec->get_DefaultValue(&flag));
+    expect("Validate", booleanSpec->Validate(VARIANT_TRUE, text.Put(), &flag));
+    own = CAPE_ARRAY, interfaceName = "ICapeArrayParameterSpec";
     const auto arraySpec = parameter.As<ICapeArrayParameterSpec>();
-    com::Variant verdicts;
-    expectKind(arraySpec->Validate(Doubles({}).Get(), value.Put(), verdicts.Put()), 4, "Validate",
-               "ICapeArrayParameterSpec");
-    expectKind(arraySpec->get_NumDimensions(&integer), 4, "get_NumDimensions", "ICapeArrayParameterSpec");
-    expectKind(arraySpec->get_Size(value.Put()), 4, "get_Size", "ICapeArrayParameterSpec");
-    expectKind(arraySpec->get_ItemsSpecifications(value.Put()), 4, "get_ItemsSpecifications",
-               "ICapeArrayParameterSpec");
+    expect("Validate", arraySpec->Validate(Doubles({}).Get(), value.Put(), verdicts.Put()));
+    expect("get_NumDimensions", arraySpec->get_NumDimensions(&integer));
+    expect("get_Size", arraySpec->get_Size(value.Put()));
+    expect("get_ItemsSpecifications", arraySpec->get_ItemsSpecifications(value.Put()));
   }
 }
 
@@ -393,82 +384,59 @@ TEST(CParameter, KeepsItsModeFromTheHost) {
   EXPECT_EQ(com::ReadDoubles(exponents.Get()), (std::vector<double>{-1, 1, -2, 0, 0, 0, 0, 0, 1}));
 }
 
-// ---- Collection
-// ---------------------------------------------------------------------------------------------------
-
-com::Variant SmallIndex(SHORT index) {
-  com::Variant result;
-  VARIANT* variant = result.Put();
-  variant->vt = VT_I2;
-  variant->iVal = index;
-  return result;
-}
-
-struct NamedRefusal {
-  const char* name;
-  const char* description;
-};
-
 TEST(CParamCollection, FindsByNameAndByAnyKindOfIndex) {
   Bench bench;
   bench.unit->declare.parameters.ReplaceFurther({{"Apart", "", {}}}, nullptr);
-  const struct {
-    const char* title;
-    com::Variant id;
-    const char* found;  // null when refused
-    NamedRefusal refusal;
-  } cases[] = {
-      {"integer", com::MakeInteger(1), "Thermo Version", {}},
-      {"double", com::MakeDouble(2.0), "Drop", {}},
-      {"small integer", SmallIndex(3), "Result", {}},
-      {"name in other case", com::MakeString("factors"), "Factors", {}},
-      {"beyond the list", com::MakeInteger(11), "Apart", {}},
-      {"zero", com::MakeInteger(0), nullptr, {"parameter index out of range", "parameter index out of range"}},
-      {"beyond all", com::MakeInteger(12), nullptr, {"parameter index out of range", "parameter index out of range"}},
-      {"empty name", com::MakeString(""), nullptr, {"empty string", "empty string"}},
-      {"unknown name", com::MakeString("x"), nullptr, {"invalid parameter name", "parameter name not found"}},
-      {"nothing", com::Variant(), nullptr, {"parameter index out of range", "parameter index out of range"}},
-      {"an array",
-       com::MakeDoubles(std::array{1.0}),
-       nullptr,
-       {"invalid parameter specification", "expected a name or an integer for a parameter identifier"}},
-      {"too large",
-       com::MakeDouble(1e20),
-       nullptr,
-       {"invalid parameter specification", "expected a name or an integer for a parameter identifier"}},
+  VARIANT small = Plain(VT_I2);
+  small.iVal = 3;
+  const std::pair<const char*, com::Variant> cases[] = {
+      {"integer", com::MakeInteger(1)},
+      {"double", com::MakeDouble(2.0)},
+      {"small integer", com::Variant(small)},
+      {"name in other case", com::MakeString("factors")},
+      {"beyond the list", com::MakeInteger(11)},
+      {"zero", com::MakeInteger(0)},
+      {"beyond all", com::MakeInteger(12)},
+      {"empty name", com::MakeString("")},
+      {"unknown name", com::MakeString("x")},
+      {"nothing", com::Variant()},
+      {"an array", com::MakeDoubles(std::array{1.0})},
+      {"too large", com::MakeDouble(1e20)},
   };
   const auto parameters = bench.door.Parameters();
   LONG count = 0;
   EXPECT_EQ(parameters->Count(&count), S_OK);
   EXPECT_EQ(count, 11);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.title);
+  std::string text;
+  for (const auto& [title, id] : cases) {
+    SCOPED_TRACE(title);
     com::Ref<IDispatch> item;
-    EXPECT_EQ(parameters->Item(c.id.Get(), item.Put()), c.found ? S_OK : kFailed);
-    if (c.found)
-      EXPECT_EQ(TextFrom(item.Get(), &ICapeIdentification::get_ComponentName), c.found);
-    else
-      EXPECT_EQ(ErrorOf(parameters.Get()), (Texts{c.refusal.name, c.refusal.description, "Item", "ICapeCollection"}));
+    const HRESULT outcome = parameters->Item(id.Get(), item.Put());
+    const Texts error = ErrorOf(parameters.Get());
+    text += title +
+            (outcome == S_OK ? ": parameter " + TextFrom(item.Get(), &ICapeIdentification::get_ComponentName)
+                             : ": " + error.name + "; " + error.description) +
+            '\n';
+    if (outcome == S_OK) continue;
+    EXPECT_EQ(outcome, kFailed);
+    EXPECT_FALSE(item);
+    EXPECT_EQ(error.scope + " of " + error.interfaceName, "Item of ICapeCollection");
   }
+  ExpectApproved("framework/parameter-items", text);
   EXPECT_EQ(bench.unit->requested, (std::vector<std::size_t>{0, 1, 2, 5}));
   EXPECT_EQ(parameters->Item(com::MakeInteger(1).Get(), nullptr), E_POINTER);
 }
-
-// ---- Report lines
-// -------------------------------------------------------------------------------------------------
-
-struct LineCase {
-  const char* title;
-  ParameterDeclaration declaration;
-  const char* line;
-};
 
 TEST(ReportFormat, PrintsOneLinePerParameter) {
   const auto real = [](double value, Dimensionality dimensionality = kDimensionless) {
     return ParameterDeclaration{
         .name = "x", .description = "", .defaultValue = value, .dimensionality = dimensionality};
   };
-  const LineCase cases[] = {
+  const struct {
+    const char* title;
+    ParameterDeclaration declaration;
+    const char* line;
+  } cases[] = {
       {"pressure drop", real(5000, kPressureDropDimension), "x:\t5000 Pa"},
       {"thermal conductance", real(1, {2, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t1 W/K"},
       {"energy", real(1, {2, 1, -2, 0, 0, 0, 0, 0, 0}), "x:\t1 J"},
@@ -493,7 +461,7 @@ TEST(ReportFormat, PrintsOneLinePerParameter) {
       {"option", {.name = "o", .description = "", .defaultValue = "Heat duty"}, "o:\tHeat duty"},
       {"array", {.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}}, "a:\t [ 0.3, 1e-07]"},
   };
-  for (const LineCase& c : cases)
+  for (const auto& c : cases)
     EXPECT_EQ(FormatParameter(*com::Make<CParameter>(c.declaration, nullptr)), c.line) << c.title;
   EXPECT_EQ(FormatNumber(1.0 / 3), "0.333333333333");
   EXPECT_EQ(FormatColumn(1.0 / 3), "    0.333333");

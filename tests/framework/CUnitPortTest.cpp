@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/Approved.h"
 #include "tests/support/Door.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/FakeMaterial.h"
@@ -170,9 +171,6 @@ TEST(CUnitPort, DescribesTheValuesThatItCarries) {
                    "index out of range for parameter specification specification", "Item", "ICapeCollection"}));
 }
 
-// ---- Matching
-// -----------------------------------------------------------------------------------------------------
-
 struct StreamParameter {
   const char* name;
   std::vector<double> dimensionality;
@@ -182,143 +180,48 @@ struct MatchCase {
   const char* title;
   const char* port;
   std::vector<StreamParameter> parameters;
-  LONG counted;  // -1: all
-  std::vector<std::string> log;
-  const char* failure;  // empty when connected
+  LONG counted = -1;  // -1: all
 };
 
-const char* const kNoWork =
-    "Information item \"work\" of port \"Heat\" could not be matched to any parameter available on the "
-    "object to "
-    "connect to";
-const char* const kNoLow =
-    "Warning: Optional information item \"temperatureLow\" of port \"Heat\" could not be matched to any "
-    "parameter "
-    "available on the object to connect to";
-const char* const kNoHigh =
-    "Warning: Optional information item \"temperatureHigh\" of port \"Heat\" could not be matched to any "
-    "parameter "
-    "available on the object to connect to";
-const char* const kWork = "info: port Heat matches connection parameter \"work\" to information item \"work\"";
-const char* const kLow =
-    "info: port Heat matches connection parameter \"temperatureLow\" to information item \"temperatureLow\"";
-const char* const kHigh =
-    "info: port Heat matches connection parameter \"temperatureHigh\" to information item "
-    "\"temperatureHigh\"";
-
 const MatchCase kMatches[] = {
-    {"one item, one parameter: by dimensionality alone",
-     "Signal",
-     {{"T", kKelvin}},
-     -1,
-     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
-     ""},
-    {"eight exponents for nine",
-     "Signal",
-     {{"T", {0, 0, 0, 0, 1, 0, 0, 0}}},
-     -1,
-     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
-     ""},
-    {"just outside the tolerance",
-     "Signal",
-     {{"T", {0, 0, 0, 0, 1 + 2e-6, 0, 0, 0}}},
-     -1,
-     {"Warning: Parameter T on object matches does not match dimensionality with port parameter",
-      "Port \"Signal\" does not predict values for \"T\"; no suitable information item is present"},
-     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
-     "the "
-     "object to connect to"},
-    {"another difference flag",
-     "Signal",
-     {{"T", {0, 0, 0, 0, 1, 0, 0, 0, 1}}},
-     -1,
-     {"Warning: Parameter T on object matches does not match dimensionality with port parameter",
-      "Port \"Signal\" does not predict values for \"T\"; no suitable information item is present"},
-     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
-     "the "
-     "object to connect to"},
-    {"no dimensionality on either side",
-     "Plain",
-     {{"x", {}}},
-     -1,
-     {"info: port Plain matches connection parameter \"x\" to information item \"number\""},
-     ""},
-    {"within the tolerance",
-     "Signal",
-     {{"T", {0, 0, 0, 0, 1 + 9e-7, 0, 0, 0}}},
-     -1,
-     {"info: port Signal matches connection parameter \"T\" to information item \"Temperature\""},
-     ""},
-    {"one of each, other dimensionality",
-     "Signal",
-     {{"P", kPower}},
-     -1,
-     {"Warning: Parameter P on object matches does not match dimensionality with port parameter",
-      "Port \"Signal\" does not predict values for \"P\"; no suitable information item is present"},
-     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
-     "the "
-     "object to connect to"},
-    {"one of each, no dimensionality",
-     "Signal",
-     {{"x", {}}},
-     -1,
-     {"Warning: Parameter x on object matches does not match dimensionality with port parameter",
-      "Port \"Signal\" does not predict values for \"x\"; no suitable information item is present"},
-     "Information item \"Temperature\" of port \"Signal\" could not be matched to any parameter available on "
-     "the "
-     "object to connect to"},
-    {"all three",
-     "Heat",
-     {{"Work", kPower}, {"temperatureLow", kKelvin}, {"temperatureHigh", kKelvin}},
-     -1,
-     {"info: port Heat matches connection parameter \"Work\" to information item \"work\"", kLow, kHigh},
-     ""},
-    {"only the heat", "Heat", {{"work", kPower}}, -1, {kWork, kNoLow, kNoHigh}, ""},
+    {"one item, one parameter: by dimensionality alone", "Signal", {{"T", kKelvin}}},
+    {"eight exponents for nine", "Signal", {{"T", {0, 0, 0, 0, 1, 0, 0, 0}}}},
+    {"just outside the tolerance", "Signal", {{"T", {0, 0, 0, 0, 1 + 2e-6, 0, 0, 0}}}},
+    {"within the tolerance", "Signal", {{"T", {0, 0, 0, 0, 1 + 9e-7, 0, 0, 0}}}},
+    {"another difference flag", "Signal", {{"T", {0, 0, 0, 0, 1, 0, 0, 0, 1}}}},
+    {"no dimensionality on either side", "Plain", {{"x", {}}}},
+    {"one of each, other dimensionality", "Signal", {{"P", kPower}}},
+    {"one of each, no dimensionality", "Signal", {{"x", {}}}},
+    {"all three", "Heat", {{"Work", kPower}, {"temperatureLow", kKelvin}, {"temperatureHigh", kKelvin}}},
+    {"only the heat", "Heat", {{"work", kPower}}},
     {"counted less than answered",
      "Heat",
      {{"work", kPower}, {"temperatureLow", kKelvin}, {"temperatureHigh", kKelvin}},
-     1,
-     {kWork, kLow, kHigh},
-     ""},
-    {"more than wanted",
-     "Heat",
-     {{"work", kPower}, {"colour", {}}},
-     -1,
-     {kWork,
-      "Warning: port \"Heat\" does not have a matching data item for parameter \"colour\"; the data will be "
-      "ignored.",
-      kNoLow, kNoHigh},
-     ""},
-    {"name without dimensionality",
-     "Heat",
-     {{"work", kKelvin}, {"temperatureLow", kKelvin}},
-     -1,
-     {"Parameter work on object matches name with port parameter, but dimensionality does not match", kLow},
-     kNoWork},
-    {"two of one name",
-     "Heat",
-     {{"work", kPower}, {"Work", kPower}},
-     -1,
-     {},
-     "The object to connect two exposes two parameters that go by the name Work"},
-    {"none", "Heat", {}, -1, {}, "The parameter collection implemented by the object to connect to is empty"},
+     1},
+    {"more than wanted", "Heat", {{"work", kPower}, {"colour", {}}}},
+    {"name without dimensionality", "Heat", {{"work", kKelvin}, {"temperatureLow", kKelvin}}},
+    {"two of one name", "Heat", {{"work", kPower}, {"Work", kPower}}},
+    {"none", "Heat", {}},
 };
 
 TEST(CUnitInfoPort, MatchesItsItemsToTheParametersOfAStream) {
+  std::string text;
   for (const MatchCase& c : kMatches) {
     SCOPED_TRACE(c.title);
     Bench bench;
-    for (const StreamParameter& parameter : c.parameters)
-      bench.stream->Add(parameter.name, parameter.dimensionality, 1);
+    for (const auto& [name, dimensionality] : c.parameters) bench.stream->Add(name, dimensionality, 1);
     bench.stream->counted = c.counted;
-    EXPECT_EQ(bench.Connect(c.port, bench.stream), *c.failure ? kFailed : S_OK);
-    EXPECT_EQ(bench.context->log, c.log);
-    EXPECT_EQ(bench.IsConnected(c.port), !*c.failure);
-    if (*c.failure)
-      EXPECT_EQ(ErrorOf(bench.door.Port(c.port).Get()),
-                (Texts{"failed to connect", c.failure, "Connect", "ICapeUnitPort"}));
-    EXPECT_EQ(bench.stream->References(), *c.failure ? 1u : 2u);
+    const HRESULT outcome = bench.Connect(c.port, bench.stream);
+    const Texts error = ErrorOf(bench.door.Port(c.port).Get());
+    text += std::string(c.title) + ": " + (outcome == S_OK ? "connected" : error.description) + '\n';
+    for (const std::string& line : bench.context->log) text += "  log: " + line + '\n';
+    EXPECT_EQ(bench.IsConnected(c.port), outcome == S_OK);
+    EXPECT_EQ(bench.stream->References(), outcome == S_OK ? 2u : 1u);
+    if (outcome == S_OK) continue;
+    EXPECT_EQ(outcome, kFailed);
+    EXPECT_EQ(error, (Texts{"failed to connect", error.description, "Connect", "ICapeUnitPort"}));
   }
+  ExpectApproved("framework/matching", text);
 }
 
 TEST(CUnitInfoPort, ReadsAndWritesValues) {
@@ -347,89 +250,36 @@ TEST(CUnitInfoPort, ReadsAndWritesValues) {
   EXPECT_EQ(textOf([&] { (void)bench.InfoPort(2).ReadInformation(0); }), "port is not connected");
 }
 
-// ---- Faults
-// -------------------------------------------------------------------------------------------------------
-
-struct HostCall {
-  const char* call;
-  const char* description;  // null where the failure is harmless
-};
-
-struct Operation {
-  const char* title;
-  HRESULT (*run)(Bench&);
-  std::vector<HostCall> calls;
-};
-
-template <class Action>
-HRESULT Outcome(Action action) {
-  try {
-    action();
-    return S_OK;
-  } catch (const Failure&) {
-    return kFailed;
+// Failing reads and writes of values are walked through with the units that do them.
+TEST(CUnitInfoPort, ExplainsEveryFailingCallOfAConnectionAndRecovers) {
+  Bench undisturbed;
+  undisturbed.stream->Add("T", kKelvin, 300);
+  EXPECT_EQ(undisturbed.Connect("Signal", undisturbed.stream), S_OK);
+  const std::vector<std::string> calls = undisturbed.script->calls;
+  std::string text;
+  for (std::size_t k = 0; k < calls.size(); ++k) {
+    std::string explanation;
+    for (const FaultMode& mode : kFaultModes) {
+      SCOPED_TRACE(calls[k] + ", " + mode.title);
+      Bench bench;
+      bench.stream->Add("T", kKelvin, 300);
+      EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
+      const ULONG references = bench.stream->References();
+      Provoke(*bench.script, mode, static_cast<int>(k) + 1);
+      const HRESULT outcome = bench.Connect("Signal", bench.stream);
+      const std::string error = ErrorOf(bench.door.Port("Signal").Get()).description;
+      const std::string found = outcome == S_OK ? "connected" : WithoutReason(error, calls[k], mode);
+      if (explanation.empty()) explanation = found;
+      EXPECT_EQ(found, explanation) << "as with the other failures";
+      EXPECT_EQ(bench.IsConnected("Signal"), outcome == S_OK);
+      EXPECT_EQ(bench.stream->parameters[0]->References(), 1u);
+      bench.script->Restart();
+      EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
+      EXPECT_EQ(bench.stream->References(), references);
+    }
+    text += calls[k] + ": " + explanation + '\n';
   }
-}
-
-const Operation kOperations[] = {
-    {"connect",
-     [](Bench& b) { return b.Connect("Signal", b.stream); },
-     {{"QueryInterface ICapeCollection", "The object that requested connection does not implement ICapeCollection"},
-      {"Count",
-       "failed to obtain number of information items of ICapeCollection implemented by object to connect "
-       "to: <why>"},
-      {"Item", "The parameter collection failed to return one of the parameters: <why>"},
-      {"QueryInterface ICapeParameter",
-       "Parameter T of the object to connect to does not return ICapeParameter interface"},
-      {"get_Specification", "get_Specification failed on parameter T in the object to connect to: <why>"},
-      {"QueryInterface ICapeParameterSpec",
-       "IDispatch interface returned by get_Specification of parameter T in the object to connect to does "
-       "not "
-       "implement ICapeParameterSpec"},
-      {"get_Type", "get_Type failed on parameter T specifications in the object to connect to: <why>"},
-      {"get_Dimensionality", "Unable to interpret dimensionality on parameter T in the object to connect to"},
-      {"LogMessage", nullptr}}},
-    {"read",
-     [](Bench& b) { return Outcome([&] { (void)b.InfoPort(2).ReadInformation(0); }); },
-     {{"QueryInterface ICapeCollection", "failed to get ICapeCollection from object connected to port, <why>"},
-      {"Item", "Failed to obtain specified item 1 from connected object's parameter collection: <why>"},
-      {"QueryInterface ICapeParameter", "Failed to get ICapeParameter from parameter: <why>"},
-      {"get_value", "Failed to get value from parameter: <why>"}}},
-    {"write",
-     [](Bench& b) { return Outcome([&] { b.InfoPort(2).WriteInformation(0, 1); }); },
-     {{"QueryInterface ICapeCollection",
-       "Unable to set Temperature to port \"Signal\": failed to get ICapeCollection from object connected to "
-       "port, <why>"},
-      {"Item",
-       "Unable to set Temperature to port \"Signal\": Failed to obtain specified item 1 from connected "
-       "object's parameter collection: <why>"},
-      {"QueryInterface ICapeParameter",
-       "Unable to set Temperature to port \"Signal\": Failed to get ICapeParameter from parameter: <why>"},
-      {"put_value", "Unable to set Temperature to port \"Signal\": Failed to set value from parameter: <why>"}}},
-};
-
-TEST(CUnitInfoPort, ExplainsEveryFailingHostCallAndRecovers) {
-  for (const Operation& operation : kOperations)
-    for (const FaultMode& mode : kFaultModes)
-      for (std::size_t k = 0; k < operation.calls.size(); ++k) {
-        const HostCall& call = operation.calls[k];
-        SCOPED_TRACE(std::string(operation.title) + ", " + mode.title + ", call " + call.call);
-        Bench bench;
-        bench.stream->Add("T", kKelvin, 300);
-        EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
-        const ULONG references = bench.stream->References();
-        Provoke(*bench.script, mode, static_cast<int>(k) + 1);
-        EXPECT_EQ(operation.run(bench), call.description ? kFailed : S_OK);
-        ASSERT_GT(bench.script->calls.size(), k);
-        EXPECT_EQ(bench.script->calls[k], call.call);
-        if (call.description)
-          EXPECT_EQ(ErrorOf(bench.door.Port("Signal").Get()).description, Explain(call.description, call.call, mode));
-        EXPECT_EQ(bench.stream->parameters[0]->References(), 1u);
-        bench.script->Restart();
-        EXPECT_EQ(bench.Connect("Signal", bench.stream), S_OK);
-        EXPECT_EQ(bench.stream->References(), references);
-        EXPECT_EQ(operation.run(bench), S_OK);
-      }
+  ExpectApproved("framework/connection-faults", text);
 }
 
 }  // namespace morvelan::test::unit_port

@@ -23,8 +23,6 @@ const Texts kTypeError = {"invalid parameter type", "invalid parameter type", "L
 const Texts kHeaderError = {"invalid header: unit operation may have been written by newer MORVELAN version",
                             "invalid header", "Load", "IPersistStream"};
 
-// ---- A unit with all kinds of parameters, and the bytes that follow from the documented layout
-
 enum Position : std::size_t { kVersion, kDrop, kCount, kSubstance, kSerial, kFactors };
 
 const ParameterDeclaration kParameters[] = {
@@ -71,18 +69,14 @@ Records FilledRecords(int flags = 0) {
   return {version.bytes, real.bytes, integer.bytes, option.bytes, boolean.bytes, array.bytes};
 }
 
+/// The record of a report.
+std::string Report(const char16_t* name, const char16_t* text) {
+  return Encoder().Text(name).Bits(0, 2).Text(text).Bits(0, text[0] ? 2 : 0).bytes;
+}
+
 /// The two named reports of `Filled`.
 std::string FilledReports() {
-  return Encoder()
-      .Int(2)
-      .Text(u"Last run")
-      .Bits(0, 2)
-      .Text(u"\u00d6\r\n")
-      .Bits(0, 2)
-      .Text(u"Gr\u00f6\u00dfen")
-      .Bits(0, 2)
-      .Int(0)
-      .bytes;
+  return Encoder().Int(2).bytes + Report(u"Last run", u"\u00d6\r\n") + Report(u"Gr\u00f6\u00dfen", u"");
 }
 
 std::string StreamOf(const Records& records, const std::string& rest = FilledReports(),
@@ -111,8 +105,9 @@ com::Ref<TestUnit> Filled() {
 
 IPersistStream* Door(const com::Ref<TestUnit>& unit) { return unit.Get(); }
 UnitDoor HostDoor(const com::Ref<TestUnit>& unit) { return UnitDoor(com::Query<IUnknown>(Door(unit))); }
-
-// ---- The layout
+std::string SelectedReport(const UnitDoor& door) {
+  return TextFrom(door.reports.Get(), &ICapeUnitReport::get_selectedReport);
+}
 
 TEST(Persistence, SavesTheDocumentedLayout) {
   for (const bool empty : {false, true}) {
@@ -172,8 +167,6 @@ TEST(Persistence, TellsWhetherItIsDirty) {
   EXPECT_EQ(unit->IsDirty(), S_OK);
 }
 
-// ---- There and back
-
 TEST(Persistence, RestoresWhatItSaved) {
   const std::string expected = DescriptionOf(HostDoor(Filled()));
   for (const bool initialized : {false, true}) {
@@ -200,9 +193,7 @@ TEST(Persistence, KeepsTheObjectsThatTheHostHolds) {
   const std::string status = door.Report("Status");
   EXPECT_EQ(door.reports->put_selectedReport(com::ToBstr("Gr\u00f6\u00dfen").Get()), S_OK);
   EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(FilledRecords(), "")), kFailed);
-  com::Bstr selected;
-  EXPECT_EQ(door.reports->get_selectedReport(selected.Put()), S_OK);
-  EXPECT_EQ(com::ToUtf8(selected.Get()), "Gr\u00f6\u00dfen") << "a refused stream changes nothing";
+  EXPECT_EQ(SelectedReport(door), "Gr\u00f6\u00dfen") << "a refused stream changes nothing";
   EXPECT_EQ(door.Report("Status"), status);
   EXPECT_EQ(door.reports->put_selectedReport(com::ToBstr("Gr\u00f6\u00dfen").Get()), S_OK);
   const int changes = unit->inputChanges;
@@ -213,21 +204,17 @@ TEST(Persistence, KeepsTheObjectsThatTheHostHolds) {
   EXPECT_EQ(com::ReadInteger(value.Get()), -4);
   EXPECT_EQ(parameter.Get(), door.Parameter("Count").Get());
   EXPECT_EQ(door.Status(), CAPE_NOT_VALIDATED);
-  EXPECT_EQ(door.reports->get_selectedReport(selected.Put()), S_OK);
-  EXPECT_EQ(com::ToUtf8(selected.Get()), "Gr\u00f6\u00dfen");
+  EXPECT_EQ(SelectedReport(door), "Gr\u00f6\u00dfen");
 }
 
 TEST(Persistence, KeepsTheReportsThatTheUnitWrites) {
-  const auto report = [](const char16_t* name) { return Encoder().Text(name).Bits(0, 2).Int(0).bytes; };
   const auto unit = Fresh();
   const UnitDoor door = HostDoor(unit);
-  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, Encoder().Int(3).bytes + report(u"a") + report(u"b") + report(u"c"))),
-            S_OK);
+  const std::string three = Encoder().Int(3).bytes + Report(u"a", u"") + Report(u"b", u"") + Report(u"c", u"");
+  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, three)), S_OK);
   EXPECT_EQ(door.reports->put_selectedReport(com::ToBstr("c").Get()), S_OK);
-  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, Encoder().Int(1).bytes + report(u"a"))), S_OK);
-  com::Bstr selected;
-  EXPECT_EQ(door.reports->get_selectedReport(selected.Put()), S_OK);
-  EXPECT_EQ(com::ToUtf8(selected.Get()), "Status") << "the selected report went";
+  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf({}, Encoder().Int(1).bytes + Report(u"a", u""))), S_OK);
+  EXPECT_EQ(SelectedReport(door), "Status") << "the selected report went";
   EXPECT_EQ(door.Report("Gr\u00f6\u00dfen"), "Report is not available") << "what the stream lacks";
   unit->SetReportText(2, "written");
   EXPECT_EQ(door.Report("Gr\u00f6\u00dfen"), "written");
@@ -236,15 +223,9 @@ TEST(Persistence, KeepsTheReportsThatTheUnitWrites) {
 // A unit knows its choices by their positions.
 TEST(Persistence, KeepsTheChoicesOfAnOption) {
   Records records = FilledRecords();
-  records[kVersion] = Encoder()
-                          .Head(u"Thermo Version", u"", 0, 0, {}, 2)
-                          .Text(u"1.1")
-                          .Text(u"1.0")
-                          .Int(0)
-                          .Int(2)
-                          .Text(u"1.1")
-                          .Text(u"1.0")
-                          .bytes;
+  Encoder version;
+  version.Head(u"Thermo Version", u"", 0, 0, {}, 2).Text(u"1.1").Text(u"1.0").Int(0).Int(2).Text(u"1.1").Text(u"1.0");
+  records[kVersion] = version.bytes;
   const auto unit = Fresh();
   EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(records)), S_OK);
   EXPECT_EQ(unit->Parameter(kVersion).OptionIndex(), 1u);
@@ -269,34 +250,27 @@ TEST(Persistence, PrefersTheSavedThermoVersionToTheHosts) {
   }
 }
 
-// ---- Streams that differ from the unit
-
-struct HeaderCase {
-  const char* header;
-  int version;  // 0: refused
-};
-
 TEST(Persistence, ReadsOlderHeaders) {
-  const HeaderCase cases[] = {{"MORVELAN0007", 7}, {"MORVELAN0006", 0}, {"MORVELAN0005", 6}, {"MORVELAN0004", 5},
-                              {"MORVELAN0003", 4}, {"MORVELAN0002", 3}, {"MORVELAN0001", 2}, {"SIMPLEUNITOP", 1},
-                              {"MORVELAN0008", 0}, {"MORVELAN0000", 0}, {"morvelan0007", 0}, {"simpleunitop", 0}};
-  Encoder none;
-  none.Text(u"Report is not available").Bits(0, 2);
-  const std::string ownReports = Encoder().Int(2).Text(u"Last run").Bits(0, 2).bytes + none.bytes +
-                                 Encoder().Text(u"Gr\u00f6\u00dfen").Bits(0, 2).bytes + none.bytes;
-  for (const HeaderCase& c : cases) {
-    SCOPED_TRACE(c.header);
+  // A version of 0 is refused.
+  const std::pair<const char*, int> cases[] = {{"MORVELAN0007", 7}, {"MORVELAN0006", 0}, {"MORVELAN0005", 6},
+                                               {"MORVELAN0004", 5}, {"MORVELAN0003", 4}, {"MORVELAN0002", 3},
+                                               {"MORVELAN0001", 2}, {"SIMPLEUNITOP", 1}, {"MORVELAN0008", 0},
+                                               {"MORVELAN0000", 0}, {"morvelan0007", 0}, {"simpleunitop", 0}};
+  const char16_t* none = u"Report is not available";
+  const std::string ownReports = Encoder().Int(2).bytes + Report(u"Last run", none) + Report(u"Gr\u00f6\u00dfen", none);
+  for (const auto& [header, version] : cases) {
+    SCOPED_TRACE(header);
     const auto unit = Fresh();
     const std::string own = SavedBytes(unit.Get());
-    const bool hasReports = c.version == 0 || c.version >= 4;
-    const auto stream = com::Make<FakeIStream>(StreamOf(FilledRecords(), hasReports ? FilledReports() : "", c.header));
-    EXPECT_EQ(unit->Load(stream.Get()), c.version ? S_OK : kFailed);
-    if (c.version == 0) {
+    const bool hasReports = version == 0 || version >= 4;
+    const auto stream = com::Make<FakeIStream>(StreamOf(FilledRecords(), hasReports ? FilledReports() : "", header));
+    EXPECT_EQ(unit->Load(stream.Get()), version ? S_OK : kFailed);
+    if (version == 0) {
       EXPECT_EQ(ErrorOf(Door(unit)), kHeaderError);
       EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), own));
       continue;
     }
-    EXPECT_EQ(unit->loadedVersion, c.version);
+    EXPECT_EQ(unit->loadedVersion, version);
     EXPECT_EQ(stream->position, stream->bytes.size());
     EXPECT_TRUE(
         SameBytes(SavedBytes(unit.Get()), StreamOf(FilledRecords(), hasReports ? FilledReports() : ownReports)));
@@ -367,8 +341,6 @@ TEST(Persistence, StaysNewWhenItsFirstStreamIsRefused) {
   EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), SavedBytes(Fresh().Get())));
 }
 
-// ---- Streams that fail
-
 void ExpectError(const com::Ref<TestUnit>& unit, HRESULT hr, const Texts& texts) {
   EXPECT_EQ(hr, kFailed);
   EXPECT_EQ(ErrorOf(Door(unit)), texts);
@@ -377,26 +349,33 @@ void ExpectError(const com::Ref<TestUnit>& unit, HRESULT hr, const Texts& texts)
   EXPECT_EQ(code, kFailed);
 }
 
+/// Loads from a stream or saves to it with a fault at each of its calls.
+template <class Try>
+void WalkFaults(const com::Ref<FakeIStream>& whole, bool reads, Try attempt) {
+  for (const StreamFault fault :
+       {StreamFault::kFails, StreamFault::kDoesLess, StreamFault::kDoesNone, StreamFault::kClaimsMore})
+    for (int k = 1; k <= whole->calls; ++k) {
+      SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at call " << k);
+      const auto stream = com::Make<FakeIStream>(reads ? whole->bytes : "");
+      stream->failAt = k;
+      stream->fault = fault;
+      attempt(*stream.Get(), k);
+      EXPECT_EQ(stream->References(), 1u);
+    }
+}
+
 TEST(Persistence, ExplainsEveryFailingReadAndRecovers) {
   const auto whole = com::Make<FakeIStream>(StreamOf(FilledRecords()));
   EXPECT_EQ(Fresh()->Load(whole.Get()), S_OK);
   ASSERT_GT(whole->calls, 50);
-  for (const StreamFault fault :
-       {StreamFault::kFails, StreamFault::kDoesLess, StreamFault::kDoesNone, StreamFault::kClaimsMore})
-    for (int k = 1; k <= whole->calls; ++k) {
-      SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at read " << k);
-      const auto unit = Fresh();
-      const std::string before = SavedBytes(unit.Get());
-      const auto stream = com::Make<FakeIStream>(whole->bytes);
-      stream->failAt = k;
-      stream->fault = fault;
-      const HRESULT hr = unit->Load(stream.Get());
-      EXPECT_EQ(stream->References(), 1u);
-      ExpectError(unit, hr, kReadError);
-      EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), before));
-      EXPECT_EQ(LoadBytes(unit.Get(), whole->bytes), S_OK);
-      EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), whole->bytes));
-    }
+  WalkFaults(whole, true, [&](FakeIStream& stream, int) {
+    const auto unit = Fresh();
+    const std::string before = SavedBytes(unit.Get());
+    ExpectError(unit, unit->Load(&stream), kReadError);
+    EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), before));
+    EXPECT_EQ(LoadBytes(unit.Get(), whole->bytes), S_OK);
+    EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), whole->bytes));
+  });
 }
 
 TEST(Persistence, ExplainsEveryFailingWriteAndRecovers) {
@@ -405,22 +384,13 @@ TEST(Persistence, ExplainsEveryFailingWriteAndRecovers) {
   const auto whole = com::Make<FakeIStream>();
   EXPECT_EQ(unit->Save(whole.Get(), FALSE), S_OK);
   ASSERT_GT(whole->calls, 1);
-  for (const StreamFault fault :
-       {StreamFault::kFails, StreamFault::kDoesLess, StreamFault::kDoesNone, StreamFault::kClaimsMore})
-    for (int k = 1; k <= whole->calls; ++k) {
-      SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at write " << k);
-      unit->Parameter(kSerial).Put(true);
-      const auto stream = com::Make<FakeIStream>();
-      stream->failAt = k;
-      stream->fault = fault;
-      ExpectError(unit, unit->Save(stream.Get(), TRUE), kWriteError);
-      EXPECT_EQ(stream->References(), 1u);
-      EXPECT_EQ(unit->IsDirty(), k == 1 ? S_OK : S_FALSE) << "the parameters are the first that is saved";
-      EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), whole->bytes));
-    }
+  WalkFaults(whole, false, [&](FakeIStream& stream, int k) {
+    unit->Parameter(kSerial).Put(true);
+    ExpectError(unit, unit->Save(&stream, TRUE), kWriteError);
+    EXPECT_EQ(unit->IsDirty(), k == 1 ? S_OK : S_FALSE) << "the parameters are the first that is saved";
+    EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), whole->bytes));
+  });
 }
-
-// ---- What a unit adds
 
 TEST(Persistence, KeepsTheUnitsOwnData) {
   const std::string data = Encoder().Int(42).Text(u"own").bytes;
@@ -466,8 +436,6 @@ TEST(Persistence, PassesOnWhatTheUnitSaysOfItsData) {
   EXPECT_EQ(LoadBytes(unit.Get(), other), static_cast<HRESULT>(0x8007000Eu));
   EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), before));
 }
-
-// ---- At odd moments
 
 /// A host's context that does something as its last reference goes.
 class LastWish final : public com::Implements<FakeObject, ICapeSimulationContext> {

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "numerics/NonlinearSystem.h"
+#include "tests/support/Approved.h"
 
 // Options of the address sanitizer: too large an allocation fails instead of ending the program.
 extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() { return "allocator_may_return_null=1"; }
@@ -37,8 +38,9 @@ NonlinearSystem Line() {
   return Equation([](double x) { return x - 5.0; });
 }
 
-NonlinearSystem LineWhere(std::function<bool(double)> isValid) {
-  NonlinearSystem system = Equation([](double x) { return x - 5.0; }, [](double) { return 1.0; });
+NonlinearSystem LineWhere(std::function<bool(double)> isValid, bool hasDerivative = true) {
+  NonlinearSystem system = Line();
+  if (hasDerivative) system = Equation([](double x) { return x - 5.0; }, [](double) { return 1.0; });
   system.isValid = [isValid](Vector x) { return isValid(x[0]); };
   return system;
 }
@@ -78,78 +80,55 @@ NonlinearSystem FailsOnTheWayBack() {
   return Equation([](double x) { return x == 1.0 ? 1.0 : x < -0.5 ? -10.0 : kNan; }, [](double) { return 0.5; });
 }
 
-constexpr const char* kOutside = "the unknowns are outside the region where the residuals may be evaluated";
+double Same(double x) { return x; }
+double NoValue(double) { return kNan; }
 
 struct FaultCase {
   const char* name;
   NonlinearSystem system;
-  std::string errorText;
-  const char* lastMessage = "";  // the start of it
   double guess = 1.0;
   NonlinearOptions options = {};
+  const char* solversWords = "";  // which the solver's own message contains
 };
 
 const FaultCase kFaults[] = {
-    {"maximum iteration count below zero",
-     Line(),
-     "invalid maximum iteration count passed to solver",
-     "",
-     1.0,
-     {.tolerance = -1.0, .maxIterations = -1}},
-    {"tolerance below zero", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = -1e-6}},
-    {"tolerance is NaN", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = kNan}},
-    {"infinite tolerance", Line(), "invalid tolerance passed to solver", "", 1.0, {.tolerance = HUGE_VAL}},
-    {"no residual", {}, "invalid solver input arguments"},
-    {"no such unknown", Line(), "invalid solver input arguments", "", 1.0, {.positiveUnknowns = {1}}},
+    {"maximum iteration count below zero", Line(), 1, {.tolerance = -1.0, .maxIterations = -1}},
+    {"tolerance below zero", Line(), 1, {.tolerance = -1e-6}},
+    {"tolerance is NaN", Line(), 1, {.tolerance = kNan}},
+    {"infinite tolerance", Line(), 1, {.tolerance = HUGE_VAL}},
+    {"no residual", {}},
+    {"no such unknown", Line(), 1, {.positiveUnknowns = {1}}},
     {"step below the step tolerance: the given derivative is twice the true one",
-     Equation([](double x) { return 1e15 * (x - 1.0); }, [](double) { return 2e15; }),
-     "Solution is stalled; no progress between iterations", "", 1.0 + 1e-12},
+     Equation([](double x) { return 1e15 * (x - 1.0); }, [](double) { return 2e15; }), 1.0 + 1e-12},
     {"residual fails wherever the step leads",
-     Equation([](double x) { return x < 1.0 ? kNan : x; }, [](double) { return 1.0; }),
-     "Too many function evaluations failed: no value", "no value"},
-    {"residual fails at the guess", Equation([](double) { return kNan; }),
-     "Function cannot be evaluated at initial guess: no value", "no value"},
-    {"residual fails when the line search comes back from a long step", FailsOnTheWayBack(), "no value", "no value"},
-    {"residual fails there and does not say why", WithoutReason(FailsOnTheWayBack()),
-     "the residuals cannot be evaluated", "the residuals cannot be evaluated"},
-    {"residual is infinite at the guess", Equation([](double) { return HUGE_VAL; }),
-     "Function cannot be evaluated at initial guess: a residual is not a finite number",
-     "a residual is not a finite number"},
-    {"guess is not valid", LineWhere([](double) { return false; }),
-     std::string("Function cannot be evaluated at initial guess: ") + kOutside, kOutside},
-    {"nothing near the root is valid", LineWhere([](double x) { return x < 1.01; }),
-     std::string("Too many function evaluations failed: ") + kOutside, kOutside},
-    {"guess is NaN", Line(), "Function cannot be evaluated at initial guess: an unknown is not a finite number",
-     "an unknown is not a finite number", kNan},
-    {"singular Jacobian", Equation([](double) { return 1.0; }), "Preconditioner function failed", "KINSOL solver: "},
-    {"Jacobian fails", Equation([](double x) { return x; }, [](double) { return kNan; }),
-     "Preconditioner function failed", "KINSOL solver: "},
-    {"residual fails in the solver's own difference", Equation([](double x) { return x == 1.0 ? 1.0 : kNan; }),
-     "Preconditioner function failed", "no value"},
-    {"the given derivative has the wrong sign", Equation([](double x) { return x; }, [](double) { return -1.0; }),
-     "line search did not converge", "KINSOL solver: The line search algorithm was unable to find an iterate"},
-    {"beta condition fails again and again", Sawtooth(true), "line search did not converge",
-     "KINSOL solver: The line search algorithm was unable to satisfy the beta-condition", 0.0},
+     Equation([](double x) { return x < 1.0 ? kNan : x; }, [](double) { return 1.0; })},
+    {"residual fails at the guess", Equation(NoValue)},
+    {"residual fails when the line search comes back from a long step", FailsOnTheWayBack()},
+    {"residual fails there and does not say why", WithoutReason(FailsOnTheWayBack())},
+    {"residual is infinite at the guess", Equation([](double) { return HUGE_VAL; })},
+    {"guess is not valid", LineWhere([](double) { return false; })},
+    {"nothing near the root is valid", LineWhere([](double x) { return x < 1.01; })},
+    {"no direction of a derivative is valid", LineWhere([](double x) { return x == 1.0; }, false)},
+    {"guess is NaN", Line(), kNan},
+    {"singular Jacobian", Equation([](double) { return 1.0; })},
+    {"Jacobian fails", Equation(Same, NoValue)},
+    {"residual fails in the solver's own difference", Equation([](double x) { return x == 1.0 ? 1.0 : kNan; })},
+    {"the given derivative has the wrong sign",
+     Equation(Same, [](double) { return -1.0; }),
+     1,
+     {},
+     "to find an iterate"},
+    {"beta condition fails again and again", Sawtooth(true), 0, {}, "to satisfy the beta-condition"},
     {"root beyond five of the largest steps",
-     Equation([](double x) { return 1.0 - x / 1e105; }, [](double) { return -1e-105; }),
-     "too many failed (maximum) Newton steps", "KINSOL solver: ", 0.0},
-    {"iteration limit",
-     Equation([](double x) { return std::exp(x) - 1e-3; }),
-     "maximum number of iterations exceeded",
-     "KINSOL solver: ",
-     5.0,
-     {.maxIterations = 2}},
-    {"positive unknown starts at zero",
-     Line(),
-     "invalid input to solver",
-     "KINSOL solver: ",
-     0.0,
-     {.positiveUnknowns = {0}}},
-    {"residual does not repeat its values", Sawtooth(false), "line search did not converge",
-     "line search did not converge", 0.0},
+     Equation([](double x) { return 1.0 - x / 1e105; }, [](double) { return -1e-105; }), 0},
+    {"iteration limit", Equation([](double x) { return std::exp(x) - 1e-3; }), 5, {.maxIterations = 2}},
+    {"positive unknown starts at zero", Line(), 0, {.positiveUnknowns = {0}}},
+    {"residual does not repeat its values", Sawtooth(false), 0},
 };
 
 TEST(NonlinearFaults, AreNamedAndLeaveTheGuess) {
+  constexpr std::string_view kSolver = "KINSOL solver: ";
+  std::string text;
   for (const FaultCase& fault : kFaults) {
     SCOPED_TRACE(fault.name);
     double x = fault.guess;
@@ -157,11 +136,13 @@ TEST(NonlinearFaults, AreNamedAndLeaveTheGuess) {
     const NonlinearResult result = SolveNonlinear(fault.system, {&x, 1}, fault.options);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_FALSE(result.success);
-    EXPECT_EQ(result.errorText, fault.errorText);
-    EXPECT_EQ(result.lastMessage.substr(0, std::string(fault.lastMessage).size()), fault.lastMessage)
-        << result.lastMessage;
+    EXPECT_NE(result.lastMessage.find(fault.solversWords), std::string::npos) << result.lastMessage;
     EXPECT_TRUE(x == fault.guess || std::isnan(fault.guess)) << x;
+    const bool isSolvers = result.lastMessage.starts_with(kSolver);
+    text += std::string(fault.name) + ": " + result.errorText +
+            " (last message: " + (isSolvers ? "the solver's" : result.lastMessage) + ")\n";
   }
+  morvelan::test::ExpectApproved("numerics/nonlinear-faults", text);
 }
 
 TEST(NonlinearFaults, RefuseASystemWithoutUnknowns) {

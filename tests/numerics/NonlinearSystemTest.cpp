@@ -114,16 +114,6 @@ TEST(NonlinearSystem, PrefersTheGivenJacobian) {
   EXPECT_EQ(result.residualEvaluations, 2);
 }
 
-TEST(NonlinearSystem, HasNoDerivativeWhereNoDirectionIsValid) {
-  OneEquation equation([](double x) { return x - 1.0; });
-  equation.system.isValid = [](Vector x) { return x[0] == 3.0; };
-  const NonlinearResult result = equation.Solve(3.0);
-  EXPECT_FALSE(result.success);
-  EXPECT_EQ(result.errorText, "Preconditioner function failed");
-  EXPECT_EQ(result.lastMessage, "Failed to perturb; no valid perturbation direction found");
-  EXPECT_EQ(equation.x, 3.0);
-}
-
 // Newton's first step from 9 leads to 9 - (3 - 0.5) 6 = -6, where sqrt has no value: without the other guards the
 // failure of the residual shortens the step.
 TEST(NonlinearSystem, ShortensAStepThatLeavesWhatIsValid) {

@@ -20,6 +20,7 @@ inline constexpr SystemPhrase kSystemPhrases[] = {
     {"Unspecified error", E_FAIL, "error code 0x80004005"},
     {"No such interface supported", E_NOINTERFACE, "error code 0x80004002"},
     {"Invalid pointer", E_POINTER, "error code 0x80004003"},
+    {"Catastrophic failure", E_UNEXPECTED, "error code 0x8000FFFF"},
     {"Not implemented", E_NOTIMPL, "error code 0x80004001"},
 };
 

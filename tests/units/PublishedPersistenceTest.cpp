@@ -1,5 +1,5 @@
-// Every published unit in streams of the host, through the door that hosts use; and streams kept for ever,
-// which units of all later versions and platforms must read.
+// Every published unit in streams of the host; and streams kept for ever, which units of all later versions and
+// platforms must read.
 
 #include <gtest/gtest.h>
 
@@ -211,8 +211,6 @@ TEST(PublishedPersistence, ExplainsSplitFactorsThatDoNotFitItsOutlets) {
   EXPECT_EQ(message,
             "invalid value for parameter Split factors: Invalid number of array elements for split factor value");
 }
-
-// ---- Streams kept for ever
 
 std::string ReadFile(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

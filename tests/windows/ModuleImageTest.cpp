@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "com/Text.h"
 #include "tests/windows/LoadedLibrary.h"
+// After <windows.h>.
+#include <winver.h>
 
 namespace morvelan::test::module_image {
 
@@ -57,6 +60,21 @@ TEST(ModuleImage, OffersItsEntryPointsAndNothingElse) {
   const std::set<std::string> wanted = {"DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
                                         "DllUnregisterServer"};
   EXPECT_EQ(Image(library.Handle()).Exports(), wanted);
+}
+
+TEST(ModuleImage, HasOneVersionAsNumbersAndAsText) {
+  const com::Bstr file = com::ToBstr(MORVELAN_LIBRARY);
+  std::vector<char> resource(GetFileVersionInfoSizeW(file.Get(), nullptr));
+  VS_FIXEDFILEINFO* numbers = nullptr;
+  wchar_t* text = nullptr;
+  UINT length = 0;
+  ASSERT_TRUE(GetFileVersionInfoW(file.Get(), 0, static_cast<DWORD>(resource.size()), resource.data()));
+  ASSERT_TRUE(VerQueryValueW(resource.data(), L"\\", reinterpret_cast<void**>(&numbers), &length));
+  ASSERT_TRUE(VerQueryValueW(resource.data(), L"\\StringFileInfo\\040904b0\\FileVersion",
+                             reinterpret_cast<void**>(&text), &length));
+  EXPECT_EQ(com::ToUtf8(text, length - 1), std::to_string(HIWORD(numbers->dwFileVersionMS)) + '.' +
+                                               std::to_string(LOWORD(numbers->dwFileVersionMS)) + '.' +
+                                               std::to_string(HIWORD(numbers->dwFileVersionLS)));
 }
 
 }  // namespace morvelan::test::module_image

@@ -66,33 +66,26 @@ void UseUnit(const LoadedLibrary& library) {
   EXPECT_EQ(door.utilities->Terminate(), S_OK);
 }
 
+/// Takes something of the library, and lets it go.
+template <class Take>
+void ExpectToStayFor(const char* what, const LoadedLibrary& library, Take take) {
+  SCOPED_TRACE(what);
+  Ref<IUnknown> held = take();
+  EXPECT_TRUE(held);
+  EXPECT_EQ(library.Call("DllCanUnloadNow"), S_FALSE);
+  held.Reset();
+  EXPECT_EQ(library.Call("DllCanUnloadNow"), S_OK);
+}
+
 TEST(ModuleLife, StaysWhileItIsNeeded) {
-  struct Holder {
-    const char* what;
-    Ref<IUnknown> (*take)(const LoadedLibrary&);
-  };
-  const Holder kHolders[] = {
-      {"factory", [](const LoadedLibrary& library) -> Ref<IUnknown> { return MakeFactory(library); }},
-      {"unit", MakeUnit},
-      {"collection of a unit that is gone",
-       [](const LoadedLibrary& library) -> Ref<IUnknown> { return UnitDoor(MakeUnit(library)).Ports(); }},
-      {"port of a unit that is gone",
-       [](const LoadedLibrary& library) -> Ref<IUnknown> { return UnitDoor(MakeUnit(library)).Port("Inlet"); }},
-      {"parameter of a unit that is gone",
-       [](const LoadedLibrary& library) -> Ref<IUnknown> {
-         return UnitDoor(MakeUnit(library)).Parameter("Thermo Version");
-       }},
-  };
   const LoadedLibrary library(CopyOfLibrary());
   EXPECT_EQ(library.Call("DllCanUnloadNow"), S_OK);
-  for (const Holder& holder : kHolders) {
-    SCOPED_TRACE(holder.what);
-    Ref<IUnknown> held = holder.take(library);
-    EXPECT_TRUE(held);
-    EXPECT_EQ(library.Call("DllCanUnloadNow"), S_FALSE);
-    held.Reset();
-    EXPECT_EQ(library.Call("DllCanUnloadNow"), S_OK);
-  }
+  ExpectToStayFor("factory", library, [&] { return MakeFactory(library); });
+  ExpectToStayFor("unit", library, [&] { return MakeUnit(library); });
+  // Of a unit that is gone:
+  ExpectToStayFor("collection", library, [&] { return UnitDoor(MakeUnit(library)).Ports(); });
+  ExpectToStayFor("port", library, [&] { return UnitDoor(MakeUnit(library)).Port("Inlet"); });
+  ExpectToStayFor("parameter", library, [&] { return UnitDoor(MakeUnit(library)).Parameter("Thermo Version"); });
   EXPECT_EQ(MakeFactory(library)->LockServer(TRUE), S_OK);
   EXPECT_EQ(library.Call("DllCanUnloadNow"), S_FALSE) << "locked";
   EXPECT_EQ(MakeFactory(library)->LockServer(FALSE), S_OK);

@@ -22,7 +22,7 @@ void AddKey(HKEY parent, const wchar_t* name, const std::string& path, RegistryS
   HKEY key = nullptr;
   DWORD keys = 0, values = 0, longest = 0;
   if (RegOpenKeyExW(parent, name, 0, KEY_READ, &key) != ERROR_SUCCESS) return;
-  snapshot.emplace(PlaceOf(path, ""), "");
+  snapshot.emplace(path, "");
   RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, &longest, nullptr,
                    nullptr);
   std::vector<BYTE> data(longest);
@@ -30,7 +30,7 @@ void AddKey(HKEY parent, const wchar_t* name, const std::string& path, RegistryS
     wchar_t value[1024];
     DWORD length = 1024, type = 0, bytes = longest;
     if (RegEnumValueW(key, i, value, &length, nullptr, &type, data.data(), &bytes) == ERROR_SUCCESS)
-      snapshot[PlaceOf(path, com::ToUtf8(value, length))] = Show(type, data.data(), bytes);
+      snapshot[path + '|' + com::ToUtf8(value, length)] = Show(type, data.data(), bytes);
   }
   for (DWORD i = 0; i < keys; ++i) {
     wchar_t child[256];
@@ -50,12 +50,6 @@ RegistrySnapshot TakeSnapshot() {
   AddKey(HKEY_LOCAL_MACHINE, L"Software\\Classes", "machine", snapshot);
   AddKey(HKEY_CURRENT_USER, L"Software\\Classes", "user", snapshot);
   return snapshot;
-}
-
-std::string PlaceOf(const std::string& key, const std::string& name) {
-  std::string place = key + '|' + name;
-  std::ranges::transform(place, place.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return place;
 }
 
 std::string Difference(const RegistrySnapshot& first, const RegistrySnapshot& second) {

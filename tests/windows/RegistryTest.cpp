@@ -1,10 +1,11 @@
-// Registration: what it writes where, that hosts find it, and that it leaves no trace when it is undone or
-// fails.
+// Registration: hosts find what it writes, and it leaves no trace when it is undone or fails. All that it writes is
+// compared with the table of units by registration.sh.
 
 #include <gtest/gtest.h>
 
 #include <cwchar>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,40 +19,8 @@
 #include "tests/windows/RegistrySnapshot.h"
 // After <windows.h>.
 #include <comcat.h>
-#include <winver.h>
 
 namespace morvelan::test::registry {
-
-struct ExpectedClass {
-  const char* clsid;
-  const char* progId;
-  const char* className;
-  const char* name;
-  const char* description;
-  bool thermodynamics;
-};
-
-/// What hosts and users know the classes by; it never changes.
-constexpr ExpectedClass kClasses[] = {
-    {"{A158F66A-9B33-489F-A4D1-DCFE3BFD26B0}", "VELT_MORV.NoOperation", "NoOperation Class", "NoOperation",
-     "NoOperation - Debug unit operation, copies inlet to outlet", true},
-    {"{AA319ABB-5BEE-451D-AC4B-C346DBBCBE0D}", "VELT_MORV.CSTR", "CSTR Class", "CSTR",
-     "Continuously stirred tank reactor for equilibrium and kinetic reactions", true},
-    {"{0BDFAD49-7338-43FC-B62B-9EA5E61F5285}", "VELT_MORV.EquilibriumReactor", "EquilibriumReactor Class",
-     "EquilibriumReactor", "Reactor to perform one or more equilibrium reactions", true},
-    {"{2FD8C58C-BC6C-49E4-8D07-A498E08B26BE}", "VELT_MORV.FixedConversionReactor", "FixedConversionReactor Class",
-     "FixedConversionReactor", "Reactor for reactions with specified conversions", true},
-    {"{06C53883-13C3-49B7-A55F-039286EA0119}", "VELT_MORV.HeaterCooler", "HeaterCooler Class", "HeaterCooler",
-     "Heater or cooler using heat duty or outlet temperature", true},
-    {"{9225C5F7-9D3C-4E12-AAD1-04EF5976F49E}", "VELT_MORV.InformationCalculator", "InformationCalculator Class",
-     "InformationCalculator", "Unit operation for calculating information from other information", false},
-    {"{840B2531-CC47-447D-9118-D5AAFC9945F6}", "VELT_MORV.Mixer", "Mixer Class", "Mixer",
-     "Mixer - unit operation to adiabatically mix 2 or more inlet streams into a single outlet", true},
-    {"{D814E188-6E48-4B6F-925B-CDDD70C1120F}", "VELT_MORV.Splitter", "Splitter Class", "Splitter",
-     "Splitter - unit operation to split input stream into 2 or more output streams using split fractions", true},
-    {"{F297F178-F798-4713-A70A-EB3A548B7727}", "VELT_MORV.Valve", "Valve Class", "Valve",
-     "Valve. Model using pressure difference and pH flash.", true},
-};
 
 struct Category {
   const char* id;
@@ -64,9 +33,7 @@ constexpr Category kCategories[] = {{"{678C09A1-7D66-11D2-A67D-00105A42887F}", f
                                     {"{0D562DC8-EA8E-4210-AB39-B66513C0CD09}", true},
                                     {"{4667023A-5A8E-4CCA-AB6D-9D78C5112FED}", true}};
 
-constexpr const char* kTypeLibrary = "{EC39714A-2F1E-42C4-8DC6-FEC9C07E73D6}";
 constexpr const char* kClassesFolder = "Software\\Classes";
-constexpr const char* kAnyText = "<any text>";
 constexpr HRESULT kRegistrationFailed = static_cast<HRESULT>(0x80040201u);
 
 /// For whom the library registers, and how it is told so: by the entry points that tell nothing, or by a
@@ -78,87 +45,6 @@ struct Scope {
 };
 
 const Scope kScopes[] = {{"machine", HKEY_LOCAL_MACHINE, nullptr}, {"user", HKEY_CURRENT_USER, L"user"}};
-
-std::string LibraryFile() {
-  wchar_t path[1024] = {};
-  return com::ToUtf8(path, GetFullPathNameW(com::ToBstr(MORVELAN_LIBRARY).Get(), 1024, path, nullptr));
-}
-
-/// The version of the library's file: "1.0.0", as its numbers and its text have it.
-std::string FileVersion() {
-  const com::Bstr file = com::ToBstr(LibraryFile());
-  std::vector<char> resource(GetFileVersionInfoSizeW(file.Get(), nullptr));
-  VS_FIXEDFILEINFO* numbers = nullptr;
-  wchar_t* text = nullptr;
-  UINT length = 0;
-  if (!GetFileVersionInfoW(file.Get(), 0, static_cast<DWORD>(resource.size()), resource.data()) ||
-      !VerQueryValueW(resource.data(), L"\\", reinterpret_cast<void**>(&numbers), &length) ||
-      !VerQueryValueW(resource.data(), L"\\StringFileInfo\\040904b0\\FileVersion", reinterpret_cast<void**>(&text),
-                      &length))
-    return "no version";
-  const std::string version = std::to_string(HIWORD(numbers->dwFileVersionMS)) + '.' +
-                              std::to_string(LOWORD(numbers->dwFileVersionMS)) + '.' +
-                              std::to_string(HIWORD(numbers->dwFileVersionLS));
-  EXPECT_EQ(com::ToUtf8(text, length - 1), version);
-  return version;
-}
-
-/// Adds a value with the keys that lead to it; a value without a name is the key's own.
-void Expect(RegistrySnapshot& wanted, const std::string& key, const std::string& name, const std::string& text) {
-  for (std::size_t end = key.find('\\'); end != std::string::npos; end = key.find('\\', end + 1))
-    wanted.emplace(PlaceOf(key.substr(0, end), ""), "");
-  wanted.emplace(PlaceOf(key, ""), "");
-  wanted[PlaceOf(key, name)] = text;
-}
-
-void ExpectClass(RegistrySnapshot& wanted, const std::string& root, const ExpectedClass& row) {
-  const std::string versioned = std::string(row.progId) + ".1";
-  for (const std::string& progId : {versioned, std::string(row.progId)}) {
-    Expect(wanted, root + progId, "", row.className);
-    Expect(wanted, root + progId + "\\CLSID", "", row.clsid);
-  }
-  Expect(wanted, root + row.progId + "\\CurVer", "", versioned);
-  const std::string key = root + "CLSID\\" + row.clsid;
-  Expect(wanted, key, "", row.className);
-  Expect(wanted, key + "\\ProgID", "", versioned);
-  Expect(wanted, key + "\\VersionIndependentProgID", "", row.progId);
-  Expect(wanted, key + "\\InprocServer32", "", LibraryFile());
-  Expect(wanted, key + "\\InprocServer32", "ThreadingModel", "Apartment");
-  Expect(wanted, key + "\\TypeLib", "", kTypeLibrary);
-  Expect(wanted, key + "\\Version", "", "1.0");
-  Expect(wanted, key + "\\Programmable", "", "");
-  for (const Category& category : kCategories)
-    if (row.thermodynamics || !category.ofThermodynamics)
-      Expect(wanted, key + "\\Implemented Categories\\" + category.id, "", "");
-  const std::pair<const char*, std::string> description[] = {
-      {"Name", row.name},      {"Description", row.description},
-      {"CapeVersion", "1.0"},  {"ComponentVersion", FileVersion()},
-      {"VendorURL", kAnyText}, {"HelpURL", kAnyText},
-      {"About", kAnyText}};
-  for (const auto& [name, text] : description) Expect(wanted, key + "\\CapeDescription", name, text);
-}
-
-/// A registry with all that registration adds to it, below "machine" or "user".
-RegistrySnapshot Registered(const RegistrySnapshot& before, const std::string& where) {
-  RegistrySnapshot wanted = before;
-  const std::string root = where + '\\';
-  for (const ExpectedClass& row : kClasses) ExpectClass(wanted, root, row);
-  const std::string file = LibraryFile();
-  const std::string version = root + "TypeLib\\" + kTypeLibrary + "\\1.0";
-  Expect(wanted, version, "", "VELT MORVELAN 1.0 Type Library");
-  Expect(wanted, version + "\\0\\win64", "", file);
-  Expect(wanted, version + "\\FLAGS", "", "0");
-  Expect(wanted, version + "\\HELPDIR", "", file.substr(0, file.rfind('\\')));
-  return wanted;
-}
-
-/// Puts "<any text>" for the texts of which it is expected alone that there is one.
-RegistrySnapshot WithAnyTexts(RegistrySnapshot written, const RegistrySnapshot& wanted) {
-  for (const auto& [place, text] : wanted)
-    if (const auto found = written.find(place); text == kAnyText && found != written.end() && !found->second.empty())
-      found->second = kAnyText;
-  return written;
-}
 
 /// A registry where the library is not registered, but somebody else is, with names like the library's.
 class RegistryTest : public testing::Test {
@@ -194,24 +80,16 @@ class RegistryTest : public testing::Test {
   const LoadedLibrary library{MORVELAN_LIBRARY};
 };
 
-TEST_F(RegistryTest, KnowsEveryClass) {
-  std::set<std::string> known;
-  for (const ExpectedClass& row : kClasses) known.insert(row.progId);
-  for (const server::UnitClass& unitClass : server::UnitClasses())
-    EXPECT_TRUE(known.contains(unitClass.progId)) << unitClass.progId << " has no row";
-}
-
 TEST_F(RegistryTest, TakesBackAllThatItWritesAndNothingElse) {
   const RegistrySnapshot before = TakeSnapshot();
-  const std::set<std::string> kShared = {"machine|", "machine\\clsid|", "machine\\typelib|",
-                                         "user|",    "user\\clsid|",    "user\\typelib|"};
   for (const Scope& scope : kScopes) {
     SCOPED_TRACE(scope.name);
-    for (const auto& [place, text] : Registered({}, scope.name))
-      EXPECT_TRUE(kShared.contains(place) || !before.contains(place)) << place << " was left by an unregistration";
-    const RegistrySnapshot wanted = Registered(before, scope.name);
     for (const char* time : {"first", "second"}) EXPECT_EQ(Install(true, scope), S_OK) << time;
-    EXPECT_EQ(Difference(wanted, WithAnyTexts(TakeSnapshot(), wanted)), "") << "registered";
+    std::istringstream written(Difference(before, TakeSnapshot()));
+    int count = 0;
+    for (std::string line; std::getline(written, line); ++count)
+      EXPECT_TRUE(line.starts_with(std::string("+ ") + scope.name + '\\')) << line;
+    EXPECT_GT(count, 100);
     for (const char* time : {"first", "second"}) EXPECT_EQ(Install(false, scope), S_OK) << time;
     EXPECT_EQ(Difference(before, TakeSnapshot()), "") << "unregistered";
   }
@@ -226,9 +104,9 @@ TEST_F(RegistryTest, RefusesUnknownTargets) {
 
 // A volatile key takes values, but no keys that last.
 TEST_F(RegistryTest, LeavesNothingHalfDone) {
-  const std::string clsid = std::end(kClasses)[-1].clsid;
+  const std::string clsid = com::ToText(server::UnitClasses().back().clsid);
   const com::Bstr last = com::ToBstr(std::string(kClassesFolder) + "\\CLSID\\" + clsid);
-  const com::Bstr earlier = com::ToBstr(std::string(kClassesFolder) + '\\' + kClasses[0].progId);
+  const com::Bstr earlier = com::ToBstr(std::string(kClassesFolder) + '\\' + server::UnitClasses()[0].progId);
   for (const Scope& scope : kScopes) {
     SCOPED_TRACE(scope.name);
     HKEY key = nullptr;
@@ -254,11 +132,11 @@ TEST_F(RegistryTest, LetsHostsFindItsClassesByName) {
   for (const wchar_t* target : {static_cast<const wchar_t*>(nullptr), L"", L"machine"}) {
     EXPECT_EQ(Install(true, target), S_OK);
     CLSID clsid{};
-    for (const ExpectedClass& row : kClasses) {
+    for (const server::UnitClass& row : server::UnitClasses()) {
       SCOPED_TRACE(row.progId);
       for (const char* version : {"", ".1"}) {
         EXPECT_EQ(CLSIDFromProgID(com::ToBstr(std::string(row.progId) + version).Get(), &clsid), S_OK);
-        EXPECT_EQ(com::ToText(clsid), row.clsid);
+        EXPECT_TRUE(clsid == row.clsid) << com::ToText(clsid);
       }
       LPOLESTR progId = nullptr;
       EXPECT_EQ(ProgIDFromCLSID(clsid, &progId), S_OK);
@@ -266,7 +144,7 @@ TEST_F(RegistryTest, LetsHostsFindItsClassesByName) {
       CoTaskMemFree(progId);
     }
     EXPECT_EQ(Install(false, target), S_OK);
-    for (const ExpectedClass& row : kClasses)
+    for (const server::UnitClass& row : server::UnitClasses())
       EXPECT_NE(CLSIDFromProgID(com::ToBstr(row.progId).Get(), &clsid), S_OK) << row.progId;
   }
 }
@@ -286,8 +164,9 @@ TEST_F(RegistryTest, LetsHostsFindItsClassesByCategory) {
       ASSERT_EQ(manager->EnumClassesOfCategories(1, &id, 0, nullptr, classIds.Put()), S_OK);
       std::set<std::string> found, wanted;
       for (CLSID clsid; classIds->Next(1, &clsid, nullptr) == S_OK;) found.insert(com::ToText(clsid));
-      for (const ExpectedClass& row : kClasses)
-        if (registered && (row.thermodynamics || !category.ofThermodynamics)) wanted.insert(row.clsid);
+      for (const server::UnitClass& row : server::UnitClasses())
+        if (registered && (row.consumesThermodynamics || !category.ofThermodynamics))
+          wanted.insert(com::ToText(row.clsid));
       EXPECT_EQ(found, wanted);
     }
   }

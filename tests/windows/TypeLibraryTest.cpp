@@ -64,26 +64,13 @@ Ref<ITypeInfo> Implemented(ITypeInfo* info, UINT place) {
 }
 
 std::string TypeText(ITypeInfo* info, const TYPEDESC& type) {
-  switch (type.vt) {
-    case VT_PTR:
-      return TypeText(info, *type.lptdesc) + "*";
-    case VT_USERDEFINED:
-      return NameOf(Referenced(info, type.hreftype).Get());
-    case VT_BSTR:
-      return "BSTR";
-    case VT_VARIANT:
-      return "VARIANT";
-    case VT_BOOL:
-      return "VARIANT_BOOL";
-    case VT_DISPATCH:
-      return "IDispatch*";
-    case VT_I4:
-      return "LONG";
-    case VT_R8:
-      return "double";
-    default:
-      return "type " + std::to_string(type.vt);
-  }
+  static const std::map<VARTYPE, std::string> kPlain = {{VT_BSTR, "BSTR"},         {VT_VARIANT, "VARIANT"},
+                                                        {VT_BOOL, "VARIANT_BOOL"}, {VT_DISPATCH, "IDispatch*"},
+                                                        {VT_I4, "LONG"},           {VT_R8, "double"}};
+  if (type.vt == VT_PTR) return TypeText(info, *type.lptdesc) + "*";
+  if (type.vt == VT_USERDEFINED) return NameOf(Referenced(info, type.hreftype).Get());
+  const auto plain = kPlain.find(type.vt);
+  return plain == kPlain.end() ? "type " + std::to_string(type.vt) : plain->second;
 }
 
 std::string KindText(INVOKEKIND kind) {

@@ -62,11 +62,6 @@ TEST(ParseMutex, AnEntryWaitsForTheMutex) {
   EXPECT_EQ(other.get(), 42);
 }
 
-TEST(ParseMutex, FailedEntriesReleaseIt) {
-  for (const char* text : {"1/0", "(", "2 $", "SQRT(-1)", ""}) EXPECT_FALSE(EvaluateNumericEntry(text).Succeeded());
-  EXPECT_EQ(std::async(std::launch::async, [] { return EvaluateNumericEntry("1").value; }).get(), 1);
-}
-
 // Each reads a count from a file and writes it a moment later: without exclusion, rounds get lost.
 TEST(ParseMutex, ThreadsAndProcessesExcludeEachOther) {
   const std::filesystem::path file = Scratch("count.txt");

@@ -1,7 +1,8 @@
-// A HeaterCooler through the door that hosts use. Feeds bring 30000 W, and 100 W heat them by 1 K.
+// A HeaterCooler in a fake host. Feeds bring 30000 W, and 100 W heat them by 1 K.
 
 #include <cmath>
 
+#include "tests/support/Approved.h"
 #include "tests/units/UnitBench.h"
 
 namespace morvelan::test::heater_cooler {
@@ -31,33 +32,15 @@ struct Specification {
   double temperature;  // of the outlet
   double duty;         // in the parameter "Heat duty"
   const char* flashes;
-  const char* report;  // between the headings, and after them
-  const char* optional;
 };
-
-constexpr const char* kZeroFlow = "WARNING: HeaterCooler H-101: Zero flow; using zero heat duty";
-
-constexpr const char* kOffered = "Heat duty from inlet energy port: 500 W (no temperature range for heat transfer)";
-constexpr const char* kOffers = "Outlet temperature:\t305 K\r\nHeat duty:\t500 W\r\n";
-constexpr const char* kOffersInVain = "Outlet temperature:\t300 K\r\nHeat duty:\t0 W\r\n";
 
 const Specification kSpecifications[] = {
-    {"Heat duty", 1000, 2, 310, 1000, "PH", "Heat duty:\t1000 W", "Outlet temperature:\t310 K\r\n"},
-    {"Heat duty", -5000, 2, 250, -5000, "PH", "Heat duty:\t-5000 W", "Outlet temperature:\t250 K\r\n"},
-    {"Heat duty", 1000, 0, 300, 1000, "TP", "Heat duty:\t1000 W", "Outlet temperature:\t300 K\r\n"},
-    {"Heat duty", 1000, -2, 300, 1000, "TP", "Heat duty:\t1000 W", "Outlet temperature:\t300 K\r\n"},
-    {"Temperature", 320, 2, 320, 2000, "TP", "Outlet temperature:\t320 K", "Heat duty:\t2000 W\r\n"},
-    {"Temperature", 280, 2, 280, -2000, "TP", "Outlet temperature:\t280 K", "Heat duty:\t-2000 W\r\n"},
-    {"Temperature", 320, 0, 320, 0, "TP", "Outlet temperature:\t320 K", "Heat duty:\t0 W\r\n"},
-    {"Energy inlet", 500, 2, 305, 500, "PH", kOffered, kOffers},
-    {"Energy inlet", 500, 0, 300, 0, "TP", kOffered, kOffersInVain},
+    {"Heat duty", 1000, 2, 310, 1000, "PH"},  {"Heat duty", -5000, 2, 250, -5000, "PH"},
+    {"Heat duty", 1000, 0, 300, 1000, "TP"},  {"Heat duty", 1000, -2, 300, 1000, "TP"},
+    {"Temperature", 320, 2, 320, 2000, "TP"}, {"Temperature", 280, 2, 280, -2000, "TP"},
+    {"Temperature", 320, 0, 320, 0, "TP"},    {"Energy inlet", 500, 2, 305, 500, "PH"},
+    {"Energy inlet", 500, 0, 300, 0, "TP"},
 };
-
-std::string ReportOf(const Specification& c, bool thermo11) {
-  return std::string("+++ specifications +++\r\n\r\n") + c.report +
-         "\r\nPressure drop:\t20000 Pa\r\n\r\n+++ optional parameters +++\r\nType:\t" + c.type + "\r\n" + c.optional +
-         "Thermo Version:\t" + (thermo11 ? "1.1" : "1.0") + "\r\n";
-}
 
 TEST(CHeaterCooler, HeatsByEachSpecification) {
   for (const bool thermo11 : {false, true})
@@ -67,7 +50,6 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
                                         << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
         UnitBench bench("HeaterCooler", thermo11);
         const std::string type = c.type;
-        bench.Rename("H-101");
         bench.At("Inlet").flow = c.flow;
         bench.Put("Type", c.type);
         bench.Put("Pressure drop", 2e4);
@@ -85,24 +67,8 @@ TEST(CHeaterCooler, HeatsByEachSpecification) {
         EXPECT_EQ(bench.Flashes(), c.flashes) << "and no second flash";
         EXPECT_NEAR(bench.Number("Outlet temperature"), c.temperature, 1e-12 * c.temperature);
         EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9);
-        const bool warns = c.flow <= 0 && type != "Temperature" && !quiet;
-        EXPECT_EQ(bench.context->log, warns ? std::vector<std::string>{kZeroFlow} : std::vector<std::string>{});
-        EXPECT_EQ(bench.door.Report("Last run"), quiet ? "Report is not available" : ReportOf(c, thermo11));
       }
 }
-
-// ---- The temperatures of the energy stream
-
-std::string Named(const char* warning) { return std::string("HeaterCooler \"H-101\" warning: ") + warning; }
-
-const std::string kReversed = Named("Tlow and Thigh are reversed at inlet heat stream; reversing values");
-const std::string kLimited = Named("heat duty is limited by energy stream temperature");
-const std::string kInletTooHot =
-    Named("inlet temperature is higher than lower energy stream temperature; this is infeasible");
-const std::string kInletTooCold =
-    Named("inlet temperature is lower than upper energy stream temperature; this is infeasible");
-const std::string kOutletTooHot =
-    Named("outlet temperature is higher than energy stream temperature; this is infeasible");
 
 struct RangeCase {
   const char* title;
@@ -111,78 +77,77 @@ struct RangeCase {
   double duty;
   double temperature;
   const char* flashes;
-  std::vector<std::string> log = {};
   double productCapacity = 50;  // [J/(mol K)]; another one stands for a product that is another fluid
 };
 
 const RangeCase kRangeCases[] = {
     {"heating within the range", 1000, 350, 400, 1000, 310, "TP PH"},
     {"heating to the very limit", 10000, 350, 400, 10000, 400, "TP PH"},
-    {"heating limited", 20000, 350, 400, 10000, 400, "TP", {kLimited}},
-    {"limited, source cold at one end", 20000, 280, 400, 10000, 400, "TP", {kLimited, kInletTooHot}},
-    {"source cold at one end", 1000, 280, 400, 1000, 310, "TP PH", {kInletTooHot}},
+    {"heating limited", 20000, 350, 400, 10000, 400, "TP"},
+    {"limited, source cold at one end", 20000, 280, 400, 10000, 400, "TP"},
+    {"source cold at one end", 1000, 280, 400, 1000, 310, "TP PH"},
     {"cold but for rounding", 1000, 300 - 9e-7, 400, 1000, 310, "TP PH"},
-    {"hardly cold", 1000, 300 - 2e-6, 400, 1000, 310, "TP PH", {kInletTooHot}},
-    {"heating from below the inlet", 1000, 250, 290, 0, 300, "TP", {kLimited}},
-    {"heating, reversed", 1000, 400, 350, 1000, 310, "TP PH", {kReversed}},
-    {"heating, reversed and limited", 20000, 400, 350, 10000, 400, "TP", {kReversed, kLimited}},
+    {"hardly cold", 1000, 300 - 2e-6, 400, 1000, 310, "TP PH"},
+    {"heating from below the inlet", 1000, 250, 290, 0, 300, "TP"},
+    {"heating, reversed", 1000, 400, 350, 1000, 310, "TP PH"},
+    {"heating, reversed and limited", 20000, 400, 350, 10000, 400, "TP"},
     {"no temperatures", 20000, {}, {}, 20000, 500, "PH"},
     {"no lower temperature", 20000, {}, 400, 20000, 500, "PH"},
     {"lower temperature missing", 20000, kMissing, 400, 20000, 500, "PH"},
     {"lower temperature NaN", -20000, kNaN, 250, -20000, 100, "PH"},
     {"heating, no upper temperature", 20000, 350, {}, 20000, 500, "PH"},
-    {"the same from below", 20000, 280, kNaN, 20000, 500, "PH", {kInletTooHot}},
+    {"the same from below", 20000, 280, kNaN, 20000, 500, "PH"},
     {"cooling within the range", -1000, 250, 280, -1000, 290, "TP PH"},
-    {"cooling limited", -20000, 250, 280, -5000, 250, "TP", {kLimited}},
-    {"cooling, reversed and limited", -20000, 280, 250, -5000, 250, "TP", {kReversed, kLimited}},
-    {"sink warm at one end", -1000, 250, 320, -1000, 290, "TP PH", {kInletTooCold}},
+    {"cooling limited", -20000, 250, 280, -5000, 250, "TP"},
+    {"cooling, reversed and limited", -20000, 280, 250, -5000, 250, "TP"},
+    {"sink warm at one end", -1000, 250, 320, -1000, 290, "TP PH"},
     {"warm but for rounding", -1000, 250, 300 + 9e-7, -1000, 290, "TP PH"},
-    {"hardly warm", -1000, 250, 300 + 2e-6, -1000, 290, "TP PH", {kInletTooCold}},
-    {"cooling from above the inlet", -1000, 320, 350, 0, 300, "TP", {kLimited}},
-    {"cooling, no upper temperature", -20000, 250, {}, -5000, 250, "TP", {kLimited}},
+    {"hardly warm", -1000, 250, 300 + 2e-6, -1000, 290, "TP PH"},
+    {"cooling from above the inlet", -1000, 320, 350, 0, 300, "TP"},
+    {"cooling, no upper temperature", -20000, 250, {}, -5000, 250, "TP"},
     {"no heat", 0, 250, 350, 0, 300, "TP PH"},
     // H_lim = 2 x 40 x 310 = 24800 W is less than was fed: marked only. T = (30000 + 1000) / (2 x 40).
-    {"heating lowers enthalpy", 1000, 305, 310, 1000, 387.5, "TP PH", {kOutletTooHot}, 40},
-    {"hardly above the limit", 1e-5, 305, 375 - 1.5e-6, 1e-5, 375 + 1.25e-7, "TP PH", {kOutletTooHot}, 40},
-    {"above but for rounding", 1e-5, 305, 375 - 5e-7, 1e-5, 375 + 1.25e-7, "TP PH", {}, 40},
+    {"heating lowers enthalpy", 1000, 305, 310, 1000, 387.5, "TP PH", 40},
+    {"hardly above the limit", 1e-5, 305, 375 - 1.5e-6, 1e-5, 375 + 1.25e-7, "TP PH", 40},
+    {"above but for rounding", 1e-5, 305, 375 - 5e-7, 1e-5, 375 + 1.25e-7, "TP PH", 40},
     // H_lim = 2 x 60 x 300 = 36000 W is more than was fed, though nothing is to be heated.
-    {"cooling raises enthalpy", -1000, 300, 350, 6000, 300, "TP", {kLimited}, 60},
-    {"no heat does", 0, 300, 350, 6000, 300, "TP", {kLimited}, 60},
-    {"so from below", 1000, 250, 310, 1000, 387.5, "TP PH", {kInletTooHot, kOutletTooHot}, 40},
+    {"cooling raises enthalpy", -1000, 300, 350, 6000, 300, "TP", 60},
+    {"no heat does", 0, 300, 350, 6000, 300, "TP", 60},
+    {"so from below", 1000, 250, 310, 1000, 387.5, "TP PH", 40},
     // A limit of zero but for the flashes' noise, of either sign.
-    {"limit hardly below zero", 1000, 250, 300, -1.5e-5, 300, "TP", {kLimited}, 50 * (1 - 5e-10)},
-    {"limit hardly above zero", -1000, 300, 350, 1.5e-5, 300, "TP", {kLimited}, 50 * (1 + 5e-10)},
+    {"limit hardly below zero", 1000, 250, 300, -1.5e-5, 300, "TP", 50 * (1 - 5e-10)},
+    {"limit hardly above zero", -1000, 300, 350, 1.5e-5, 300, "TP", 50 * (1 + 5e-10)},
 };
 
-std::string RangeText(const RangeCase& c) {
-  const auto known = [](std::optional<double> limit) { return limit && *limit != kMissing && !std::isnan(*limit); };
-  if (!known(c.low)) return "(no temperature range for heat transfer)";
-  if (!known(c.high)) return "between " + NumberText(*c.low) + " K and N/A";
-  return "between " + NumberText(std::min(*c.low, *c.high)) + " K and " + NumberText(std::max(*c.low, *c.high)) + " K";
+std::string SaidOfRange(const RangeCase& c, bool thermo11, bool quiet) {
+  UnitBench bench("HeaterCooler", thermo11);
+  bench.Rename("H-101");
+  bench.At("Outlet").heatCapacity = c.productCapacity;
+  bench.ConnectHeat(c.work, c.low, c.high);
+  bench.Put("Type", "Energy inlet");
+  if (quiet) bench.AskForSimplifiedModel();
+  bench.Calculate();
+  EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9) << "J of 30000, from rounding";
+  EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, c.temperature);
+  EXPECT_DOUBLE_EQ(bench.Number("Outlet temperature"), c.temperature);
+  EXPECT_EQ(bench.Flashes(), c.flashes);
+  std::string text;
+  for (const std::string& line : bench.context->log) text += "  " + line + '\n';
+  const std::string report = bench.door.Report("Last run");
+  const auto line = report.find("Heat duty from inlet energy port: ");
+  return line == std::string::npos ? text : "  " + report.substr(line, report.find('\r', line) - line) + '\n' + text;
 }
 
 TEST(CHeaterCooler, KeepsToTheTemperaturesOfItsEnergyStream) {
-  for (const bool thermo11 : {false, true})
-    for (const bool quiet : {false, true})
-      for (const RangeCase& c : kRangeCases) {
-        SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11 << ", quiet: " << quiet);
-        UnitBench bench("HeaterCooler", thermo11);
-        bench.Rename("H-101");
-        bench.At("Outlet").heatCapacity = c.productCapacity;
-        bench.ConnectHeat(c.work, c.low, c.high);
-        bench.Put("Type", "Energy inlet");
-        if (quiet) bench.AskForSimplifiedModel();
-        bench.Calculate();
-        EXPECT_NEAR(bench.Number("Heat duty"), c.duty, 1e-9) << "J of 30000, from rounding";
-        EXPECT_DOUBLE_EQ(bench.At("Outlet").temperature, c.temperature);
-        EXPECT_DOUBLE_EQ(bench.Number("Outlet temperature"), c.temperature);
-        EXPECT_EQ(bench.Flashes(), c.flashes);
-        EXPECT_EQ(bench.context->log, quiet ? std::vector<std::string>{} : c.log);
-        const std::string line =
-            "Heat duty from inlet energy port: " + NumberText(c.work) + " W " + RangeText(c) + "\r\n";
-        EXPECT_EQ(bench.door.Report("Last run").find(line) != std::string::npos, !quiet)
-            << bench.door.Report("Last run");
-      }
+  std::string text;
+  for (const RangeCase& c : kRangeCases) {
+    SCOPED_TRACE(c.title);
+    const std::string said = SaidOfRange(c, true, false);
+    EXPECT_EQ(SaidOfRange(c, false, false), said);
+    for (const bool thermo11 : {false, true}) EXPECT_EQ(SaidOfRange(c, thermo11, true), "");
+    text += std::string(c.title) + '\n' + said;
+  }
+  ExpectApproved("streams/energy-ranges", text);
 }
 
 TEST(CHeaterCooler, GoesOnWithoutALimitThatCannotBeFound) {
@@ -265,13 +230,6 @@ TEST(CHeaterCooler, NeedsItsEnergyStreamOnlyForItsHeat) {
   expectRefused(com::MakeString("much"), "a number expected, a text found");
   for (const double unset : {kNaN, kMissing}) expectRefused(com::MakeDouble(unset), "value is not set");
   expectRefused(com::MakeDouble(-std::numeric_limits<double>::infinity()), "value is infinite");
-  bench.heat->parameters[0]->value = com::MakeDouble(1000);
-  bench.Calculate();
-  EXPECT_EQ(bench.At("Outlet").temperature, 310);
-  EXPECT_EQ(bench.door.Port("Outlet")->Disconnect(), S_OK);
-  std::string message;
-  EXPECT_FALSE(bench.door.IsValid(message));
-  EXPECT_EQ(message, "not all material ports are connected");
 }
 
 TEST(CHeaterCooler, GivesItsHeatToAnOutletPort) {
@@ -306,7 +264,5 @@ TEST(CHeaterCooler, GivesItsHeatToAnOutletPort) {
     CheckFailedCalculation(bench.door, "Inlet energy port is not connected", "Not connected");
   }
 }
-
-TEST(CHeaterCooler, LowersThePressure) { CheckPressureAfterDrop("HeaterCooler", "Pressure drop"); }
 
 }  // namespace morvelan::test::heater_cooler

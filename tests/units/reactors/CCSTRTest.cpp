@@ -1,84 +1,8 @@
-// A CSTR through the door that hosts use. Its feed is 2 mol/s of A at 300 K unless a case says otherwise, and
-// its tank of 2 m3 is full of vapour; 100 W heat the feed by 1 K.
+// A CSTR in a fake host. Its feed is 2 mol/s of A at 300 K unless a case says otherwise; 100 W heat the feed by 1 K.
 
-#include <charconv>
-#include <cmath>
-
-#include "tests/support/SystemText.h"
-#include "tests/units/reactors/CstrBench.h"
+#include "tests/units/reactors/SolvingReactors.h"
 
 namespace morvelan::test::cstr {
-
-// ---- Validation
-
-struct Rule {
-  const char* title;
-  const char* reactions;
-  void (*prepare)(ReactorBench&);
-  const char* message;
-};
-
-void Nothing(ReactorBench&) {}
-void NoPackage(ReactorBench& bench) { EXPECT_EQ(bench.Assign(nullptr), S_OK); }
-void NoTemperature(ReactorBench& bench) { bench.Put("Temperature", kMissing); }
-
-constexpr const char* kForeign =
-    "Phase for reaction \"L\" is \"Liquid\"; the reactor is specified to operate in phase \"Vapor\". The "
-    "reaction should not be selected for this reactor.";
-constexpr const char* kDependent =
-    "The stoichiometric coefficients of reactions E1 and K1 are linearly dependent and contain at least one "
-    "equilibrium reaction. One of these reactions must be removed";
-
-const Rule kRules[] = {
-    {"neither package nor reaction", "", NoPackage, "No reaction specified"},
-    {"no package", R"("K1")", NoPackage,
-     "Error for reaction \"K1\": A reaction package has not been assigned. Please return to simulation "
-     "environment and assign a reaction package to this unit operation"},
-    {"a compound that is not fed, and another phase", R"("L", "D")", Nothing,
-     "Error for reaction \"D\": reaction compound \"D\" is not present in (inlet-) material; unable to "
-     "resolve compound"},
-    {"another kind", R"("E1")", [](ReactorBench& b) { b.package->state.reactions[4].type = 7; },
-     "Error for reaction \"E1\": Unknown reaction type for reaction E1; expected CAPE_KINETIC or "
-     "CAPE_EQUILIBRIUM"},
-    {"another phase, and dependent", R"("L", "E2")", Nothing, kForeign},
-    {"the phase in other letters", R"("E1")", [](ReactorBench& b) { b.Put("Phase", "VAPOR"); }, "valid"},
-    {"no phase", R"("E1")", [](ReactorBench& b) { b.Put("Phase", ""); },
-     "Expected a string value for reaction phase identifier"},
-    {"dependent, and no temperature", R"("E1", "K1")", NoTemperature, kDependent},
-    {"a dependent set beside another reaction", R"("K2", "E1", "K1")", Nothing, kDependent},
-    {"three", R"("E1", "E2", "X")",
-     [](ReactorBench& b) {
-       b.package->state.reactions.push_back(AtRate("X", {"A", "C"}, {-1, 1}, FirstOrder(1)));
-     },
-     "The stoichiometric coefficients of reactions E1 and E2 and X are linearly dependent and contain at "
-     "least one equilibrium reaction. One of these reactions must be removed"},
-    {"two sets", R"("E1", "K1", "E2", "K2")", Nothing,
-     "The stoichiometric coefficients of reactions E1 and K1 and of reactions E2 and K2 are linearly "
-     "dependent and contain at least one equilibrium reaction. A reaction from each set must be removed."},
-    {"two sets, one of rates alone", R"("K1", "K1", "E2", "K2")", Nothing,
-     "The stoichiometric coefficients of reactions E2 and K2 are linearly dependent and contain at least one "
-     "equilibrium reaction. One of these reactions must be removed"},
-    {"no temperature, and no volume", R"("K1", "K1")", NoTemperature, "Error: temperature is not specified."},
-    {"no duty, and no volume", R"("K1")",
-     [](ReactorBench& b) {
-       b.Put("Heat duty type", "Heat duty");
-       b.Put("Heat duty", kMissing);
-     },
-     "Error: heat duty/loss is not specified."},
-    {"rates alone may depend on one another", R"("K1", "K1", "K2")",
-     [](ReactorBench& b) { b.Put("Reactor volume", 1); }, "valid"},
-};
-
-TEST(CCSTR, Validates) {
-  for (const bool thermo11 : {false, true})
-    for (const Rule& rule : kRules) {
-      SCOPED_TRACE(testing::Message() << rule.title << ", thermo 1.1: " << thermo11);
-      CstrBench bench(thermo11);
-      bench.Select(rule.reactions);
-      rule.prepare(bench);
-      EXPECT_EQ(bench.Fault(), rule.message);
-    }
-}
 
 TEST(CCSTR, OffersThePhasesOfItsFeed) {
   const auto phases = [](const UnitDoor& door) {
@@ -103,8 +27,6 @@ TEST(CCSTR, OffersThePhasesOfItsFeed) {
     EXPECT_EQ(phases(bench.door), usual);
   }
 }
-
-// ---- The steady state
 
 // What leaves of 2 mol/s of A in fractions, from the balances over the tank: with Da = k V / 2 mol/s,
 //   A -> B       x_A = 1 / (1 + Da)
@@ -180,8 +102,6 @@ TEST(CCSTR, EvaluatesRatesAtItsOutlet) {
     }
 }
 
-// ---- Bases of reactions at equilibrium
-
 TEST(CCSTR, LeavesOutDensitiesThatCancelOut) {
   constexpr double kMolar = 40;  // [mol/m3]
   constexpr const char* kMoles = "Reducing molarity basis to moleFraction basis; all densities cancel out";
@@ -220,103 +140,82 @@ TEST(CCSTR, LeavesOutDensitiesThatCancelOut) {
     }
 }
 
-// ---- The feed
-
-TEST(CCSTR, PassesNoFeedOn) {
-  CstrBench bench;
-  bench.Select(R"("E1")");
-  bench.Put("Pressure drop", 2e4);
-  bench.At("Inlet").flow = 0;
-  bench.Calculate();
-  EXPECT_EQ(bench.At("Outlet").flow, 0);
-  EXPECT_EQ(bench.At("Outlet").pressure, 8e4);
-  EXPECT_EQ(bench.At("Outlet").fractions, bench.At("Inlet").fractions);
-  EXPECT_EQ(bench.CallsOf("GetReactionProp"), 0);
-  EXPECT_EQ(bench.context->log, std::vector<std::string>{"WARNING: CSTR R-1: Zero flow; bypassing calculations"});
-  bench.At("Inlet").flow = -1e-9;
-  CheckFailedCalculation(bench.door, "Negative or zero flow on inlet", "underflow");
-}
-
-TEST(CCSTR, LowersThePressure) {
+TEST(CCSTR, LeavesOutReactions) {
+  constexpr const char* kNone = "No reactions are possible";
+  const auto idle = [](const char* id) {
+    return std::string("Reaction \"") + id + "\" is ignored: it can't take place with this feed";
+  };
   struct {
-    double drop, outlet;
-    bool warns;
-  } const cases[] = {{0, 1e5, false}, {99998, 2, false}, {99999, 1, true}, {2e5, 1, true}};
-  for (const auto& c : cases) {
-    CstrBench bench;
-    bench.Select(R"("E1")");
-    bench.Put("Pressure drop", c.drop);
-    bench.Calculate();
-    EXPECT_EQ(bench.At("Outlet").pressure, c.outlet);
+    const char* title;
+    const char* reactions;
+    std::vector<double> product;
     std::vector<std::string> log;
-    if (c.warns) log = {"CSTR \"R-1\" warning: limiting outlet pressure to 1 Pa"};
-    EXPECT_EQ(bench.context->log, log) << c.drop;
-  }
+  } const cases[] = {
+      {"at equilibrium", R"("E2")", {2, 0, 0}, {idle("E2"), kNone}},
+      {"kinetic", R"("K2", "K2")", {2, 0, 0}, {idle("K2"), idle("K2"), kNone}},
+      {"none: another makes the compounds", R"("E2", "E1")", {2. / 9, 8. / 9, 8. / 9}, {}},
+  };
+  for (const bool thermo11 : {false, true})
+    for (const auto& c : cases) {
+      SCOPED_TRACE(testing::Message() << c.title << ", thermo 1.1: " << thermo11);
+      CstrBench bench(thermo11);
+      bench.Put("Reactor volume", 2);
+      bench.Select(c.reactions);
+      bench.Calculate();
+      ExpectFlows(bench, c.product, 1e-8);
+      EXPECT_FALSE(bench.At("Outlet").flash.empty()) << "phase equilibrium all the same";
+      EXPECT_EQ(bench.context->log, c.log);
+    }
 }
 
-// ---- The report
-
-/// Numbers that a solution finds only nearly are as good as others to nine digits.
-std::string Rounded(const std::string& report) {
-  std::string rounded;
-  for (std::size_t from = 0; from < report.size();) {
-    const std::size_t end = std::min(report.find_first_not_of("0123456789.", from), report.size());
-    double number = 0;
-    const auto read = std::from_chars(report.data() + from, report.data() + end, number);
-    char digits[32];
-    if (read.ec == std::errc() && end - from > 10)
-      rounded.append(digits, std::to_chars(digits, std::end(digits), number, std::chars_format::general, 9).ptr);
-    else
-      rounded.append(report, from, end - from);
-    if (end < report.size()) rounded += report[end];
-    from = end + 1;
-  }
-  return rounded;
+// A rate through compounds of which there is none is none, and then nothing is left of the other reaction.
+TEST(CCSTR, LeavesOutReactionsThroughNothing) {
+  CstrBench bench;
+  Exchange(bench);
+  bench.package->state.reactions.push_back(
+      AtRate("K", {"A2", "C", "B"}, {-1, -1, 1}, [](const FakeConditions&) { return 0.0; }));
+  bench.Select(R"("R1", "K")");
+  bench.Put("Reactor volume", 2);
+  bench.Calculate();
+  ExpectFlows(bench, {1, 1, 0, 0}, 0);
+  EXPECT_EQ(bench.context->log.back(), "No reactions are possible");
 }
 
-// Constant rates: 0.25 mol/(m3 s) in 3 m3 less 1 m3 of catalyst, and 0.025 mol/(kg s) on 10 kg. They release
-// 7500 W, which with the 2500 W of the energy stream heat the feed by 100 K.
-TEST(CCSTR, Reports) {
-  for (const bool quiet : {false, true}) {
-    CstrBench bench;
-    EXPECT_EQ(bench.door.Report("Last run"), "Report is not available");
-    bench.package->state.reactions[0].formulas["reactionRate"] = [](const FakeConditions&) { return 0.25; };
-    bench.package->state.reactions[3].formulas["reactionRate"] = [](const FakeConditions&) { return 0.025; };
-    bench.Select(R"("K1", "H2")");
-    bench.Put("Heat duty type", "Energy inlet");
-    bench.ConnectHeat(2500, {}, {}, "HeatDutySpecification");
-    bench.Put("Enthalpy Type", "Use Enthalpy and heat of reaction");
-    bench.Put("Tolerance", 0.0001);
-    bench.Put("Reactor volume", 3);
-    bench.Put("Catalyst volume", 1);
-    bench.Put("Catalyst density", 10);
-    bench.Put("Temperature", 250);
-    if (quiet) bench.AskForSimplifiedModel();
-    bench.Calculate();
-    EXPECT_EQ(Rounded(bench.door.Report("Last run")),
-              quiet ? "Report is not available"
-                    : "+++ specifications +++\r\n\r\n"
-                      "Using enthalpy and heat of reaction in enthalpy calculations\r\n"
-                      "Heat duty from inlet energy port:\t2500 W (no temperature range for heat transfer)\r\n"
-                      "Reaction phase:\tVapor\r\nReactor volume:\t3 m^3\r\n"
-                      "Volume occupied by catalyst:\t1 m^3\r\nEffective reactor volume:\t2 m^3\r\n"
-                      "Catalyst mass:\t10 kg\r\n"
-                      "basis for reaction \"K1\":\tmolarity (molar density), homogeneous\r\n"
-                      "basis for reaction \"H2\":\tmolarity (molar density), heterogeneous\r\n"
-                      "\r\n+++ solution +++\r\n\r\nSolution converged in 2 iterations\r\n"
-                      "Iterations started from:\tno reaction\r\n"
-                      "Extent of reaction \"K1\":\t0.5 mol/s\r\nReaction rate reaction \"K1\":\t0.5 mol/s\r\n"
-                      "Extent of reaction \"H2\":\t0.25 mol/s\r\n"
-                      "Reaction rate reaction \"H2\":\t0.025 mol/s/kg catalyst\r\n"
-                      "total heat of reaction:\t-7500 W\r\n"
-                      "\r\n+++ optional parameters +++\r\nPressure drop:\t0 Pa\r\n"
-                      "Heat duty type:\tEnergy inlet\r\nTemperature:\t400 K\r\nHeat duty:\t2500 W\r\n"
-                      "Enthalpy Type:\tUse Enthalpy and heat of reaction\r\nReactor volume:\t3 m^3\r\n"
-                      "Catalyst mass:\tN/A\r\nCatalyst volume:\t1 m^3\r\nCatalyst density:\t10 kg/m^3\r\n"
-                      "Phase:\tVapor\r\nTolerance:\t0.0001\r\nMaximum iterations:\t100\r\n"
-                      "Thermo Version:\t1.1\r\n");
-    EXPECT_TRUE(bench.context->log.empty());
-  }
+TEST(CCSTR, WarnsOfOtherPhases) {
+  const FakePhase kVapor = {"VAPOR", "Vapor", 0.5, {}}, kNoVapor = {"Vapor", "Vapor", 0, {}},
+                  kLiquid = {"Liquid", "Liquid", 0.5, {}}, kNoLiquid = {"Liquid", "Liquid", 0, {}};
+  const std::string absent = "WARNING: Reaction phase \"Vapor\" is not present after equilibrium calculation at outlet";
+  const std::string others =
+      "WARNING: Phases other than reaction phase \"Vapor\" are present at the reactor outlet after the "
+      "equilibrium calculation";
+  const std::string balance = "WARNING: Enthalpy balance may be incorrect due to phase equilibrium";
+  struct {
+    std::vector<FakePhase> phases;
+    std::vector<std::string> log;
+  } const cases[] = {
+      {{kVapor}, {}},
+      {{kVapor, kNoLiquid}, {}},
+      {{kVapor, kLiquid}, {others, balance}},
+      {{kLiquid}, {absent, others, balance}},
+      {{kNoVapor, kLiquid}, {absent, others, balance}},
+      {{kNoVapor}, {absent, balance}},
+  };
+  for (const bool thermo11 : {false, true})
+    for (const bool isothermal : {false, true})
+      for (const auto& c : cases) {
+        CstrBench bench(thermo11);
+        bench.Select(R"("E1")");
+        bench.Put("Heat duty type", isothermal ? "Isothermal" : "Heat duty");
+        bench.At("Outlet").phases = c.phases;
+        bench.Calculate();
+        std::vector<std::string> log = c.log;
+        if (isothermal) std::erase(log, balance);
+        // The enthalpy of what is not there adds to no duty.
+        if (isothermal && !thermo11 && c.phases.size() == 1 && c.phases[0].fraction == 0) continue;
+        EXPECT_EQ(bench.context->log, log) << "isothermal: " << isothermal << ", thermo 1.1: " << thermo11;
+        for (const std::string& line : log)
+          EXPECT_NE(bench.door.Report("Last run").find(line + "\r\n"), std::string::npos) << line;
+      }
 }
 
 }  // namespace morvelan::test::cstr

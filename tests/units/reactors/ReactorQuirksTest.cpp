@@ -4,12 +4,10 @@
 #include <cmath>
 
 #include "tests/support/TestUnit.h"
-#include "tests/units/reactors/EquilibriumBench.h"
+#include "tests/units/reactors/SolvingReactors.h"
 #include "units/reactors/StirredTankEquations.h"
 
 namespace morvelan::test::reactor_quirks {
-
-// ---- The penalty for negative flows: 1000 times their squares, on the first residual, once per reaction
 
 /// A stirred tank of 2 m3 whose kinetic reactions have given rates [mol/(m3 s)].
 struct TankBench {
@@ -58,6 +56,7 @@ Eigen::VectorXd Vector(const std::vector<double>& values) {
   return Eigen::Map<const Eigen::VectorXd>(values.data(), static_cast<Eigen::Index>(values.size()));
 }
 
+// The penalty for negative flows is 1000 times their squares, on the first residual, once per reaction.
 TEST(ReactorQuirks, ACstrPenalizesOncePerReaction) {
   constexpr double kPenalty = 1000 * 0.125 * 0.125;  // [mol/s], exactly
   struct {
@@ -123,8 +122,6 @@ TEST(ReactorQuirks, AnEquilibriumReactorPenalizesUpwardsAtZero) {
   EXPECT_GT(trials[1], trials[0]) << "the derivative is taken upwards";
   EXPECT_LT(trials[2], trials[0]) << "the first step";
 }
-
-// ---- Wordings
 
 TEST(ReactorQuirks, ACstrSpellsItsTemperatureSo) {
   struct {
