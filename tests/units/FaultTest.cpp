@@ -25,8 +25,6 @@ struct Calculation {
   bool everyMode = false;  // of failure at every call, or one mode per call in turn
 };
 
-// ---- The calculations
-
 template <class Prepare>
 MakeBench Stream(const char* className, Prepare prepare, FakeState feed = HeatableFeed()) {
   return [=](bool thermo11) {
@@ -159,8 +157,6 @@ const Calculation kCalculations[] = {
     {"CSTR", "isothermal", Reactor(Stirring, Isothermal)},
 };
 
-// ---- What a calculation leaves
-
 /// Temperature, pressure and component flows of the outlets; values of information streams.
 std::vector<double> ProductNumbers(UnitBench& bench) {
   std::vector<double> numbers;
@@ -243,8 +239,6 @@ bool IsSkipped(const Undisturbed& undisturbed, int k, int stride) {
   return undisturbed.Solves(k) && k % ShortOrLong(stride, 1) != 0;
 }
 
-// ---- What the unit says
-
 std::string LinesNotIn(const std::string& report, const std::string& known, const char* title) {
   std::istringstream lines(report);
   std::string text;
@@ -291,8 +285,6 @@ class Sayings {
   std::string text;
   std::set<std::string> known, calls;
 };
-
-// ---- The walk
 
 struct Walk {
   const Calculation& calculation;

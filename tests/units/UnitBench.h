@@ -199,8 +199,6 @@ inline std::string NumberText(double number) {
   return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::general, 15).ptr};
 }
 
-// ---- The outlet pressure after a pressure drop
-
 struct PressureCase {
   double inlet;
   double drop;
