@@ -12,6 +12,7 @@ namespace morvelan::benchmarks {
 namespace {
 
 using test::FakeIStream;
+using test::TestDeclaration;
 using test::TestUnit;
 
 constexpr int kBatch = 20;
@@ -41,12 +42,8 @@ std::vector<ParameterDeclaration> FortyParameters() {
 
 com::Ref<TestUnit> MakeUnit() {
   static const std::vector<ParameterDeclaration> parameters = FortyParameters();
-  static const TestDeclaration declaration = {.name = "Unit",
-                                              .description = "A unit with many parameters",
-                                              .about = "",
-                                              .helpTopic = "",
-                                              .ports = {},
-                                              .parameters = parameters};
+  static const TestDeclaration declaration = {
+      .name = "Unit", .description = "A unit with many parameters", .about = "", .ports = {}, .parameters = parameters};
   auto unit = com::Make<TestUnit>(declaration);
   unit->Initialize();
   return unit;

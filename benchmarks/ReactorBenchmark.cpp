@@ -98,7 +98,7 @@ struct Sheet {
     context->namedValues["SimplifiedModelRequest"] = com::MakeBoolean(true);
     unit->put_simulationContext(Dispatch(context));
     unit->Initialize();
-    for (const auto& port : unit->AllPorts())
+    for (const auto& port : unit->Declarations().ports.All())
       if (port->Type() == CAPE_MATERIAL) port->Connect(Dispatch(com::Make<FakeMaterial>(script, StateOf(reactor))));
     IDispatch* object = static_cast<ICapeReactionProperties*>(package.Get());
     com::Query<ICapeKineticReactionContext>(static_cast<ICapeIdentification*>(unit.Get()))->SetReactionObject(&object);
@@ -117,7 +117,7 @@ struct Sheet {
   }
   [[nodiscard]] test::FakePackageState Package() const { return {.reactions = reactor.reactions}; }
   void Put(const std::string& name, const com::Variant& value) {
-    for (const auto& parameter : unit->Parameters())
+    for (const auto& parameter : unit->Declarations().parameters.List())
       if (parameter->ComponentName() == name && FAILED(parameter->put_value(value.Get())))
         throw Failure("the unit refuses " + name);
   }

@@ -41,7 +41,7 @@ struct Sheet {
     context->namedValues["SimplifiedModelRequest"] = com::MakeBoolean(false);
     unit->put_simulationContext(Dispatch(context));
     unit->Initialize();
-    for (const auto& port : unit->AllPorts()) {
+    for (const auto& port : unit->Declarations().ports.All()) {
       if (port->Type() != CAPE_MATERIAL) continue;
       const auto material = com::Make<FakeMaterial>(script, StateOf(compounds, thermo11));
       (port->Direction() == CAPE_INLET ? feeds : products).push_back(material);

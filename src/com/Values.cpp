@@ -183,6 +183,15 @@ Name ReadText(const VARIANT& element) {
   return Name(element.bstrVal);
 }
 
+/// Whether an array of texts has the form in which this library writes them.
+bool IsStrict(const VARIANT& array, const Elements& elements) {
+  LONG lower = 0;
+  if (array.vt != (VT_ARRAY | VT_BSTR) || FAILED(SafeArrayGetLBound(array.parray, 1, &lower)) || lower != 0)
+    return false;
+  const BSTR* texts = static_cast<const BSTR*>(elements.Data());
+  return std::all_of(texts, texts + elements.Count(), [](BSTR text) { return text != nullptr; });
+}
+
 template <class T>
 T* DataOf(const Variant& array) {
   return static_cast<T*>(array.Get().parray->pvData);
@@ -355,8 +364,9 @@ Variant MakeStrings(std::span<const std::string> values) {
   return result;
 }
 
-Variant CopyStrings(const VARIANT& array) {
-  const Elements elements(array, "an array of texts");
+Variant StrictStrings(Variant array) {
+  const Elements elements(array.Get(), "an array of texts");
+  if (IsStrict(array.Get(), elements)) return array;
   std::vector<Name> texts(elements.Count());
   for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = ReadElement(elements, i, ReadText);
   return MakeStrings(texts);

@@ -55,7 +55,7 @@ void ReadDoubles(const VARIANT& array, std::vector<double>& values);
 [[nodiscard]] Variant MakeStrings(std::span<const Name> values);
 [[nodiscard]] Variant MakeStrings(std::span<const std::string> values);
 /// An array of strings that a host gave, in strict form. Throws ValueError too.
-[[nodiscard]] Variant CopyStrings(const VARIANT& array);
+[[nodiscard]] Variant StrictStrings(Variant array);
 [[nodiscard]] Variant MakeIntegers(std::span<const std::int32_t> values);
 [[nodiscard]] Variant MakeVariants(std::span<const Variant> values);
 [[nodiscard]] Variant MakeDouble(double value);

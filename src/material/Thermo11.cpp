@@ -107,7 +107,7 @@ void SetPresentPhases(ICapeThermoMaterial& material) {
   com::Variant strictLabels;
   try {
     statuses = com::MakeArray(count, VT_I4);
-    strictLabels = com::CopyStrings(labels.Get());
+    strictLabels = com::StrictStrings(std::move(labels));
   } catch (const std::bad_alloc&) {
     throw Failure(UnitError{kNoPresentPhases, "out of memory", {}, {}});
   }

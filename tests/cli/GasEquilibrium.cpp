@@ -1,5 +1,6 @@
 #include "tests/cli/GasEquilibrium.h"
 
+#include <Eigen/Dense>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -7,8 +8,6 @@
 
 namespace morvelan::test {
 namespace {
-
-using Vector = std::vector<double>;
 
 double Total(const Amounts& flows) {
   double sum = 0;
@@ -45,34 +44,20 @@ double SecondDerivative(const GasReaction& a, const GasReaction& b, const Amount
   return sum;
 }
 
-/// Elimination without pivots, which a positive definite matrix does not need.
-Vector Solved(std::vector<Vector> matrix, Vector right) {
-  const std::size_t n = right.size();
-  for (std::size_t k = 0; k < n; ++k)
-    for (std::size_t i = k + 1; i < n; ++i) {
-      const double factor = matrix[i][k] / matrix[k][k];
-      for (std::size_t j = k; j < n; ++j) matrix[i][j] -= factor * matrix[k][j];
-      right[i] -= factor * right[k];
-    }
-  for (std::size_t k = n; k-- > 0;) {
-    for (std::size_t j = k + 1; j < n; ++j) right[k] -= matrix[k][j] * right[j];
-    right[k] /= matrix[k][k];
-  }
-  return right;
-}
-
 /// By how much the flows change in a step of Newton's method towards the least Gibbs energy.
-Amounts Step(const std::vector<GasReaction>& reactions, const Vector& lnConstants, const Amounts& flows, double P) {
-  const std::size_t n = reactions.size();
-  std::vector<Vector> matrix(n, Vector(n));
-  Vector right(n);
-  for (std::size_t r = 0; r < n; ++r) {
-    right[r] = lnConstants[r] - LnGasQuotient(reactions[r], flows, P);
-    for (std::size_t s = 0; s < n; ++s) matrix[r][s] = SecondDerivative(reactions[r], reactions[s], flows);
+Amounts Step(const std::vector<GasReaction>& reactions, const std::vector<double>& lnConstants, const Amounts& flows,
+             double P) {
+  const auto n = static_cast<Eigen::Index>(reactions.size());
+  const auto reaction = [&](Eigen::Index r) -> const GasReaction& { return reactions[static_cast<std::size_t>(r)]; };
+  Eigen::MatrixXd matrix(n, n);
+  Eigen::VectorXd right(n);
+  for (Eigen::Index r = 0; r < n; ++r) {
+    right[r] = lnConstants[static_cast<std::size_t>(r)] - LnGasQuotient(reaction(r), flows, P);
+    for (Eigen::Index s = 0; s < n; ++s) matrix(r, s) = SecondDerivative(reaction(r), reaction(s), flows);
   }
-  const Vector extents = Solved(std::move(matrix), std::move(right));
+  const Eigen::VectorXd extents = matrix.partialPivLu().solve(right);
   Amounts change;
-  for (std::size_t r = 0; r < n; ++r) Perform(reactions[r], extents[r], change);
+  for (Eigen::Index r = 0; r < n; ++r) Perform(reaction(r), extents[r], change);
   return change;
 }
 
@@ -95,7 +80,7 @@ Amounts Equilibrated(const Amounts& feed, const std::vector<GasReaction>& reacti
   constexpr int kMostSteps = 500;
   constexpr double kGoal = 1e-12;      // relative change of every flow that takes part
   constexpr double kLargestUse = 0.9;  // of a flow, in one step
-  Vector lnConstants;
+  std::vector<double> lnConstants;
   for (const GasReaction& reaction : reactions) lnConstants.push_back(LnGasConstant(reaction, T));
   Amounts flows = feed;
   MoveInside(reactions, flows);

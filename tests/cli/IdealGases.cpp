@@ -69,28 +69,22 @@ double Integral(const Gas& gas, double T, Primitive primitive) {
   return sum;
 }
 
-double EnthalpyOf(const Gas& gas, double T) {
-  const auto primitive = [](const std::array<double, 5>& a, double t) {
-    return t * (a[0] + t * (a[1] / 2 + t * (a[2] / 3 + t * (a[3] / 4 + t * a[4] / 5))));
-  };
-  return gas.formationEnthalpy + kGasConstant * Integral(gas, T, primitive);
-}
-
-double EntropyOf(const Gas& gas, double T) {
-  const auto primitive = [](const std::array<double, 5>& a, double t) {
-    return a[0] * std::log(t) + t * (a[1] + t * (a[2] / 2 + t * (a[3] / 3 + t * a[4] / 4)));
-  };
-  return (gas.formationEnthalpy - gas.formationGibbsEnergy) / kStandardTemperature +
-         kGasConstant * Integral(gas, T, primitive);
-}
-
 }  // namespace
 
-double GasEnthalpy(const std::string& compound, double T) { return EnthalpyOf(GasNamed(compound), T); }
+double GasEnthalpy(const std::string& compound, double T) {
+  const Gas& gas = GasNamed(compound);
+  return gas.formationEnthalpy + kGasConstant * Integral(gas, T, [](const std::array<double, 5>& a, double t) {
+                                   return t * (a[0] + t * (a[1] / 2 + t * (a[2] / 3 + t * (a[3] / 4 + t * a[4] / 5))));
+                                 });
+}
 
 double GasGibbsEnergy(const std::string& compound, double T) {
   const Gas& gas = GasNamed(compound);
-  return EnthalpyOf(gas, T) - T * EntropyOf(gas, T);
+  const double entropy = (gas.formationEnthalpy - gas.formationGibbsEnergy) / kStandardTemperature +
+                         kGasConstant * Integral(gas, T, [](const std::array<double, 5>& a, double t) {
+                           return a[0] * std::log(t) + t * (a[1] + t * (a[2] / 2 + t * (a[3] / 3 + t * a[4] / 4)));
+                         });
+  return GasEnthalpy(compound, T) - T * entropy;
 }
 
 const Amounts& AtomsOf(const std::string& compound) { return GasNamed(compound).atoms; }

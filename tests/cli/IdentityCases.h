@@ -35,7 +35,4 @@ struct Subject {
 /// The flowsheets that have every class of units in them.
 [[nodiscard]] const std::vector<Subject>& IdentitySubjects();
 
-/// Reasons why classes have no case.
-[[nodiscard]] const std::map<std::string, std::string>& ClassesWithoutCase();
-
 }  // namespace morvelan::test

@@ -25,7 +25,7 @@ TEST(Identity, EveryClassHasACase) {
   for (const Subject& subject : IdentitySubjects())
     for (const Json& unit : subject.flowsheet["units"]) tried.insert(unit["class"].get<std::string>());
   for (const com::PublishedClass& published : com::PublishedClasses())
-    EXPECT_NE(tried.contains(published.name), ClassesWithoutCase().contains(published.name)) << published.name;
+    EXPECT_TRUE(tried.contains(published.name)) << published.name;
 }
 
 /// The lines of a log, without those on connections.
@@ -52,11 +52,6 @@ Json Scaled(Json whole, double factor) {
   return whole;
 }
 
-Json Permuted(Json flowsheet) {
-  std::ranges::reverse(flowsheet["thermo"]["compounds"]);
-  return flowsheet;
-}
-
 /// Streams and units, without the texts that name the thermodynamic interface.
 Json Comparable(const Json& results) {
   Json comparable = {{"streams", results["streams"]}, {"units", results["units"]}};
@@ -81,7 +76,11 @@ struct Variation {
 const Variation kRestored = {"saved and restored", [](RunOptions& options) { options.roundtrip = true; }};
 const Variation kSimplified = {"simplified models", [](RunOptions& options) { options.simplified = true; }};
 const Variation kThermo10 = {"thermo 1.0", [](RunOptions& options) { options.thermoInterface = ThermoOffer::k10; }};
-const Variation kPermuted = {"compounds in another order", [](RunOptions&) {}, Permuted};
+const Variation kPermuted = {"compounds in another order", [](RunOptions&) {},
+                             [](Json flowsheet) {
+                               std::ranges::reverse(flowsheet["thermo"]["compounds"]);
+                               return flowsheet;
+                             }};
 const Variation kLarger = {"larger flows", [](RunOptions&) {},
                            [](Json flowsheet) { return Scaled(std::move(flowsheet), kScale); },
                            [](Json results) { return Scaled(std::move(results), 1 / kScale); }};

@@ -14,25 +14,18 @@
 
 namespace morvelan::test::base_unit {
 
-constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
-
-constexpr PortDeclaration kAllPorts[] = {
+constexpr PortDeclaration kHeatPorts[] = {
     {"Inlet", "feed", CAPE_INLET},
     {"Outlet", "product", CAPE_OUTLET},
     {"Heat", "heat", CAPE_INLET, CAPE_ENERGY, kEnergyItems},
     {"Loss", "loss", CAPE_OUTLET, CAPE_ENERGY, kEnergyItems},
 };
-const TestDeclaration kUnitWithHeat = {
-    .name = "Heated", .description = "", .ports = kAllPorts, .parameters = kOnlyThermoVersion, .reports = kLastRun};
-
 constexpr InformationItem kNumber[] = {{"number", ""}};
 constexpr PortDeclaration kSignalPorts[] = {
     {"Inlet", "feed", CAPE_INLET},
     {"Signal", "signal", CAPE_INLET, CAPE_INFORMATION, kNumber},
     {"Outlet", "product", CAPE_OUTLET},
 };
-const TestDeclaration kUnitWithSignal = {
-    .name = "Signal", .description = "", .ports = kSignalPorts, .parameters = kOnlyThermoVersion, .reports = kLastRun};
 
 /// The error of a unit's own interface that has one text.
 Texts Saying(const std::string& text, const std::string& scope) { return {text, text, scope, "ICapeUnit"}; }
@@ -66,6 +59,11 @@ struct Bench {
   UnitDoor door{Unknown(unit)};
 };
 
+struct StatusResult {
+  CapeValidationStatus* Put() { return &status; }
+  CapeValidationStatus status;
+};
+
 struct EntryPoint {
   const char* scope;
   HRESULT (*call)(BaseUnit&);
@@ -92,12 +90,7 @@ const EntryPoint kEntryPoints[] = {
        return u.Validate(message.Put(), &valid);
      },
      [](BaseUnit& u) { return u.Validate(nullptr, nullptr); }},
-    {"get_ValStatus",
-     [](BaseUnit& u) {
-       CapeValidationStatus status;
-       return u.get_ValStatus(&status);
-     },
-     [](BaseUnit& u) { return u.get_ValStatus(nullptr); }},
+    Getter<&BaseUnit::get_ValStatus, StatusResult>("get_ValStatus"),
     Getter<&BaseUnit::get_ports, com::Ref<IDispatch>>("get_ports"),
     Getter<&BaseUnit::get_parameters, com::Ref<IDispatch>>("get_parameters"),
     Getter<&BaseUnit::get_reports, com::Variant>("get_reports"),
@@ -205,24 +198,18 @@ TEST(BaseUnit, LeavesItsObjectsWithTheHostInOneStatus) {
 }
 
 TEST(BaseUnit, TakesTheHostsThermoVersion) {
-  struct ContextCase {
+  const struct {
+    const char* title;
     com::Variant (*value)();
-    const char* version;           // of the unit afterwards
-    std::vector<std::string> log;  // of the host
-  };
-  const ContextCase cases[] = {
-      {[] { return com::MakeString("1.1"); }, "1.1", {}},
-      {[] { return com::MakeString("1.2"); },
-       "1.0",
-       {"Unit Test: unrecognized named value for \"DefaultThermoVersion\": \"1.2\"; only values of \"1.0\" and \"1.1\" "
-        "are supported"}},
-      {[] { return com::MakeDouble(1.1); },
-       "1.0",
-       {"Unit Test: unexpected format for named value \"DefaultThermoVersion\": expected a string value"}},
-  };
-  for (const ContextCase& c : cases)
+    const char* version;  // of the unit afterwards
+  } cases[] = {{"known version", [] { return com::MakeString("1.1"); }, "1.1"},
+               {"unknown version", [] { return com::MakeString("1.2"); }, "1.0"},
+               {"number", [] { return com::MakeDouble(1.1); }, "1.0"}};
+  std::string text;
+  for (const auto& c : cases)
     for (const bool beforeInitialize : {false, true}) {
-      SCOPED_TRACE(testing::Message() << com::Describe(c.value().Get()) << ", before Initialize: " << beforeInitialize);
+      text += std::string(c.title) + (beforeInitialize ? " before Initialize:" : ":");
+      SCOPED_TRACE(text);
       Bench bench;
       const auto unit = beforeInitialize ? com::Make<TestUnit>(kTestUnit) : bench.unit;
       bench.context->namedValues["DefaultThermoVersion"] = c.value();
@@ -230,12 +217,14 @@ TEST(BaseUnit, TakesTheHostsThermoVersion) {
       EXPECT_EQ(unit->Initialize(), S_OK);
       const UnitDoor door(Bench::Unknown(unit));
       EXPECT_EQ(door.ParameterText("thermo version"), c.version);
-      EXPECT_EQ(bench.context->log, c.log);
+      for (const std::string& line : bench.context->log) text += ' ' + line;
+      text += '\n';
       EXPECT_EQ(door.Parameter("Thermo Version")->Reset(), S_OK);
       EXPECT_EQ(door.ParameterText("Thermo Version"), "1.0") << "the default is not the host's choice";
       EXPECT_EQ(unit->put_simulationContext(nullptr), S_OK);
       EXPECT_EQ(bench.context->References(), 1u);
     }
+  ExpectApproved("framework/host-thermo-version", text);
 }
 
 TEST(BaseUnit, PrefersTheUsersThermoVersionToTheHosts) {
@@ -329,46 +318,47 @@ void CheckWith(Bench& bench) {
 
 struct ValidationCase {
   const char* title;
-  const TestDeclaration* declaration;
+  std::span<const PortDeclaration> ports;
   void (*prepare)(Bench&);
 };
 
 const ValidationCase kValidations[] = {
-    {"complete", &kTestUnit, [](Bench&) {}},
-    {"inlet energy port unconnected", &kUnitWithHeat, [](Bench&) {}},
-    {"outlet energy port unconnected", &kUnitWithHeat,
+    {"complete", kOneInOneOut, [](Bench&) {}},
+    {"inlet energy port unconnected", kHeatPorts, [](Bench&) {}},
+    {"outlet energy port unconnected", kHeatPorts,
      [](Bench& b) {
        const auto heat = com::Make<FakeStream>(b.script);
        heat->Add("work", {2, 1, -3, 0, 0, 0, 0, 0}, 5);
        EXPECT_EQ(b.unit->Inlet(1).Connect(static_cast<ICapeIdentification*>(heat.Get())), S_OK);
      }},
-    {"inlet information port unconnected", &kUnitWithSignal, [](Bench&) {}},
-    {"parameter out of bounds", &kTestUnit,
+    {"inlet information port unconnected", kSignalPorts, [](Bench&) {}},
+    {"parameter out of bounds", kOneInOneOut,
      [](Bench& b) {
        b.unit->AddParameter({.name = "Drop", .description = "", .defaultValue = -1.0, .lowerBound = 0.0});
        CheckWith<[](Bench&, std::string&) -> bool { throw std::logic_error("asked too early"); }>(b);
      }},
-    {"parameter that can't be validated", &kTestUnit,
+    {"parameter that can't be validated", kOneInOneOut,
      [](Bench& b) {
        b.unit->onParameterValue = [](const CParameter&, std::string&, const ParameterValue&) -> bool {
          throw Failure(UnitError{"title", "the host is gone", "elsewhere", "IOther"});
        };
      }},
-    {"refused by the unit", &kTestUnit, CheckWith<[](Bench&, std::string& message) {
+    {"refused by the unit", kOneInOneOut, CheckWith<[](Bench&, std::string& message) {
        message = "too hot";
        return false;
      }>},
-    {"refused without a message", &kTestUnit, CheckWith<[](Bench&, std::string&) { return false; }>},
-    {"validation without a reason", &kTestUnit, CheckWith<[](Bench&, std::string&) -> bool { throw Failure(""); }>},
-    {"foreign exception", &kTestUnit, CheckWith<[](Bench&, std::string&) -> bool { throw std::runtime_error("odd"); }>},
-    {"changed meanwhile", &kTestUnit,
+    {"refused without a message", kOneInOneOut, CheckWith<[](Bench&, std::string&) { return false; }>},
+    {"validation without a reason", kOneInOneOut, CheckWith<[](Bench&, std::string&) -> bool { throw Failure(""); }>},
+    {"foreign exception", kOneInOneOut,
+     CheckWith<[](Bench&, std::string&) -> bool { throw std::runtime_error("odd"); }>},
+    {"changed meanwhile", kOneInOneOut,
      CheckWith<[](Bench& b, std::string&) { return SUCCEEDED(b.unit->Parameter(0).Reset()); }>},
-    {"list of properties not given", &kTestUnit,
+    {"list of properties not given", kOneInOneOut,
      [](Bench& b) {
        b.unit->requiredProperties = {"enthalpy"};
        b.script->oddAnswers["GetSinglePhasePropList"] = [] { return com::Variant(); };
      }},
-    {"property that the feed lacks", &kTestUnit,
+    {"property that the feed lacks", kOneInOneOut,
      [](Bench& b) {
        b.unit->requiredProperties = std::vector<std::string>{"Enthalpy", "viscosity"};
      }},
@@ -378,7 +368,9 @@ TEST(BaseUnit, ValidatesInOrder) {
   std::string text;
   for (const ValidationCase& c : kValidations) {
     SCOPED_TRACE(c.title);
-    Bench bench(*c.declaration);
+    TestDeclaration declaration = kTestUnit;
+    declaration.ports = c.ports;
+    Bench bench(declaration);
     bench.ConnectBoth();
     c.prepare(bench);
     std::string message;
@@ -402,25 +394,21 @@ TEST(BaseUnit, ValidatesInOrder) {
 }
 
 TEST(BaseUnit, IsInvalidatedByEveryChange) {
-  struct Change {
-    const char* title;
-    HRESULT (*make)(Bench&);
-  };
-  const Change changes[] = {
+  const std::pair<const char*, HRESULT (*)(Bench&)> changes[] = {
       {"put", [](Bench& b) { return b.unit->Parameter(0).put_value(com::MakeString("1.1").Get()); }},
       {"reset", [](Bench& b) { return b.unit->Parameter(0).Reset(); }},
       {"disconnect", [](Bench& b) { return b.unit->Inlet(0).Disconnect(); }},
       {"connect", [](Bench& b) { return b.unit->Outlet(0).Connect(static_cast<ICapeIdentification*>(b.feed.Get())); }},
       {"failing connect", [](Bench& b) { return b.unit->Inlet(0).Connect(nullptr) == kFailed ? S_OK : E_FAIL; }},
   };
-  for (const Change& change : changes) {
-    SCOPED_TRACE(change.title);
+  for (const auto& [title, change] : changes) {
+    SCOPED_TRACE(title);
     Bench bench;
     bench.ConnectBoth();
     std::string message;
     EXPECT_TRUE(bench.door.IsValid(message)) << message;
     bench.unit->inputChanges = 0;
-    EXPECT_EQ(change.make(bench), S_OK);
+    EXPECT_EQ(change(bench), S_OK);
     EXPECT_EQ(bench.door.Status(), CAPE_NOT_VALIDATED);
     EXPECT_EQ(bench.door.Report("Status"), "unit not validated");
     EXPECT_GE(bench.unit->inputChanges, 1);
@@ -456,55 +444,48 @@ TEST(BaseUnit, SizesEachPortByItsOwnCompoundsWhenTheyMayDiffer) {
 }
 
 TEST(BaseUnit, FlashesOutletsAsTheUnitSays) {
+  const std::pair<std::function<void(std::optional<com::Name>&)>, const char*> cases[] = {
+      {nullptr, "Temperature//Overall, Pressure//Overall, unspecified"},
+      {[](auto& spec) { spec = names::kPH; }, "Pressure//Overall, enthalpy//Overall, unspecified"},
+      {[](auto& spec) { spec.reset(); }, ""}};
   Bench bench;
   bench.ConnectBoth();
-  EXPECT_EQ(bench.unit->Calculate(), S_OK);
-  EXPECT_EQ(bench.product->state.flash, "Temperature//Overall, Pressure//Overall, unspecified");
-  bench.product->state.flash.clear();
-  bench.unit->onCalculate = [](std::optional<com::Name>& spec) { spec = names::kPH; };
-  EXPECT_EQ(bench.unit->Calculate(), S_OK);
-  EXPECT_EQ(bench.product->state.flash, "Pressure//Overall, enthalpy//Overall, unspecified");
-  bench.product->state.flash.clear();
-  bench.unit->onCalculate = [](std::optional<com::Name>& spec) { spec.reset(); };
-  EXPECT_EQ(bench.unit->Calculate(), S_OK);
-  EXPECT_EQ(bench.product->state.flash, "");
+  for (const auto& [specify, flash] : cases) {
+    bench.product->state.flash.clear();
+    bench.unit->onCalculate = specify;
+    EXPECT_EQ(bench.unit->Calculate(), S_OK);
+    EXPECT_EQ(bench.product->state.flash, flash);
+  }
   EXPECT_EQ(bench.unit->done, std::pair(2, true));
 }
 
-struct Thrown {
-  const char* title;
-  void (*raise)();
-  Texts texts;
-};
-
 TEST(BaseUnit, TurnsEveryExceptionIntoItsError) {
-  const Thrown cases[] = {
-      {"failure with all texts",
-       [] {
-         throw Failure(UnitError{"CalculationError", "no root", "Solve", "INumerics"});
-       },
-       {"CalculationError", "no root", "Solve", "INumerics"}},
-      {"failure with one text", [] { throw Failure("no root"); }, {"no root", "no root", "Calculate", "ICapeUnit"}},
-      {"empty failure", [] { throw Failure(""); }, {"", "", "Calculate", "ICapeUnit"}},
-      {"array that can't be allocated",
-       [] { (void)com::MakeArray(std::size_t{1} << 40, VT_R8); },
-       {"out of memory", "out of memory", "MakeArray", "CapeOpenBaseObject"}},
-      {"no memory", [] { throw std::bad_alloc(); }, {"out of memory", "out of memory", "Calculate", "ICapeUnit"}},
-      {"standard exception", [] { throw std::runtime_error("odd"); }, {"odd", "odd", "Calculate", "ICapeUnit"}},
-      {"anything else", [] { throw 42; }, {"unknown error", "unknown error", "Calculate", "ICapeUnit"}},
+  const UnitError ownTexts{"CalculationError", "no root", "Solve", "INumerics"};
+  const std::pair<const char*, std::function<void()>> cases[] = {
+      {"failure with all texts", [&] { throw Failure(ownTexts); }},
+      {"failure with one text", [] { throw Failure("no root"); }},
+      {"empty failure", [] { throw Failure(""); }},
+      {"array that can't be allocated", [] { (void)com::MakeArray(std::size_t{1} << 40, VT_R8); }},
+      {"no memory", [] { throw std::bad_alloc(); }},
+      {"standard exception", [] { throw std::runtime_error("odd"); }},
+      {"anything else", [] { throw 42; }},
   };
-  for (const Thrown& c : cases) {
-    SCOPED_TRACE(c.title);
+  std::string text;
+  for (const auto& [title, raise] : cases) {
+    SCOPED_TRACE(title);
     Bench bench;
     bench.ConnectBoth();
-    bench.unit->onCalculate = [&](std::optional<com::Name>&) { c.raise(); };
+    bench.unit->onCalculate = [&raise](std::optional<com::Name>&) { raise(); };
     EXPECT_EQ(bench.unit->Calculate(), kFailed);
-    EXPECT_EQ(bench.Error(), c.texts);
-    const std::string reason = c.texts.description.empty() ? "Unknown" : c.texts.description;
+    const Texts error = bench.Error();
+    text += std::string(title) + ": " + error.name + "; " + error.description + "; " + error.scope + " of " +
+            error.interfaceName + '\n';
+    const std::string reason = error.description.empty() ? "Unknown" : error.description;
     EXPECT_EQ(bench.door.Report("Status"), "Calculation failed:\r\n" + reason + "\r\n");
     EXPECT_EQ(bench.door.Status(), CAPE_VALID) << "the specification is as valid as before";
     EXPECT_EQ(bench.unit->done, std::pair(2, false));
   }
+  ExpectApproved("framework/exceptions", text);
 }
 
 TEST(BaseUnit, KeepsQuietWhenTheHostWantsASimplifiedModel) {

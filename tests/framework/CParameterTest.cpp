@@ -13,10 +13,10 @@
 
 namespace morvelan::test::parameter {
 
-constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 constexpr double kUnset = -1.7976931348623157e308;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+const std::vector<double> kHalves = {0.5, 0.25};
 const ParameterDeclaration kParameters[] = {
     kThermoVersionParameter,
     {.name = "Drop",
@@ -28,17 +28,8 @@ const ParameterDeclaration kParameters[] = {
     {.name = "Result", .description = "d", .mode = CAPE_OUTPUT, .defaultValue = 0.0, .lowerBound = 0, .upperBound = 1},
     {.name = "Count", .description = "d", .defaultValue = std::int32_t{2}, .lowerBound = 2, .upperBound = 128},
     {.name = "Serial", .description = "d", .defaultValue = false},
-    {.name = "Factors",
-     .description = "d",
-     .defaultValue = std::vector<double>{0.5, 0.25},
-     .lowerBound = 0,
-     .upperBound = 1},
-    {.name = "Both",
-     .description = "d",
-     .mode = CAPE_INPUT_OUTPUT,
-     .defaultValue = 0.0,
-     .lowerBound = 0,
-     .upperBound = 1},
+    {.name = "Factors", .description = "d", .defaultValue = kHalves, .lowerBound = 0, .upperBound = 1},
+    {.name = "Both", .description = "d", .mode = CAPE_INPUT_OUTPUT, .defaultValue = 0.0, .upperBound = 1},
     {.name = "Free count", .description = "d", .defaultValue = std::int32_t{0}},
     {.name = "Duty", .description = "d", .defaultValue = "Heat duty", .options = {"Heat duty", "Temperature"}},
     {.name = "Phase", .description = "d", .defaultValue = "Vapor", .options = {"Vapor"}, .restrictedToList = false},
@@ -57,14 +48,6 @@ com::Variant Doubles(std::vector<double> values) {
   std::vector<com::Variant> elements;
   for (const double value : values) elements.push_back(com::MakeDouble(value));
   return com::MakeVariants(elements);
-}
-
-/// An element out of bounds before one of another type.
-std::vector<com::Variant> Mixed() {
-  std::vector<com::Variant> elements;
-  elements.push_back(com::MakeDouble(2));
-  elements.push_back(com::MakeInteger(1));
-  return elements;
 }
 
 com::Variant FromOne(std::vector<double> values) {
@@ -87,12 +70,6 @@ com::Variant TwoDimensional() {
   return com::Variant(variant);
 }
 
-struct PutCase {
-  const char* parameter;
-  com::Variant value;
-  const char* fault;  // empty when accepted
-};
-
 ParameterValue ValueOf(Bench& bench, std::string_view name) {
   for (const auto& parameter : bench.unit->Declarations().parameters.All())
     if (parameter->ComponentName() == name) return parameter->Value();
@@ -109,7 +86,11 @@ TEST(CParameter, AcceptsAndRefusesValues) {
   const com::Variant inner = com::MakeDouble(7);
   VARIANT reference = Plain(VT_VARIANT | VT_BYREF);
   reference.pvarVal = const_cast<VARIANT*>(&inner.Get());
-  PutCase cases[] = {
+  const struct {
+    const char* parameter;
+    com::Variant value;
+    const char* fault;  // empty when accepted
+  } cases[] = {
       {"Drop", com::MakeDouble(0), ""},
       {"Drop", com::MakeDouble(1e10), ""},
       {"Drop", com::MakeDouble(-1e-9), "value out of bounds"},
@@ -140,10 +121,11 @@ TEST(CParameter, AcceptsAndRefusesValues) {
       {"Factors", com::MakeVariants(std::array{com::MakeInteger(1)}),
        "invalid type for an array element for setting array parameter value: VT_R8 expected"},
       {"Factors", Doubles({0.5, 1.5}), "value out of bounds an array element for setting array parameter value"},
-      {"Factors", com::MakeVariants(Mixed()), "value out of bounds an array element for setting array parameter value"},
+      {"Factors", com::MakeVariants(std::array{com::MakeDouble(2), com::MakeInteger(1)}),
+       "value out of bounds an array element for setting array parameter value"},
       {"Factors", Doubles({kNaN}), "value out of bounds an array element for setting array parameter value"},
   };
-  for (const PutCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.parameter << " = " << com::Describe(c.value.Get()));
     Bench bench;
     const auto parameter = bench.Parameter(c.parameter);
@@ -179,8 +161,7 @@ TEST(CParameter, AsksItsUnitAboutEveryKindOfValue) {
   EXPECT_EQ(StatusOf(bench.Parameter("Serial")), CAPE_INVALID);
   EXPECT_EQ(bench.Parameter("Result")->Validate(message.Put(), &valid), S_OK);
   EXPECT_EQ(com::ToUtf8(message.Get()), "not Result") << "results are asked about too";
-  com::Variant texts;
-  com::Variant verdicts;
+  com::Variant texts, verdicts;
   const auto spec = factors.As<ICapeArrayParameterSpec>();
   EXPECT_EQ(spec->Validate(Doubles({1, 0}).Get(), texts.Put(), verdicts.Put()), S_OK);
   EXPECT_EQ(com::ReadStrings(texts.Get()), (std::vector<std::string>{"not Factors", "not Factors"}));
@@ -322,16 +303,18 @@ TEST(CParameter, AnswersAsItsOwnSpecificationOnly) {
 TEST(CParameter, DescribesTheElementsOfAnArray) {
   Bench bench;
   const auto spec = bench.Parameter("Factors").As<ICapeArrayParameterSpec>();
-  com::Variant sizes;
-  com::Variant members;
+  com::Variant sizes, members;
   EXPECT_EQ(spec->get_Size(sizes.Put()), S_OK);
   EXPECT_EQ(com::ReadIntegers(sizes.Get()), std::vector<std::int32_t>{2});
   EXPECT_EQ(spec->get_ItemsSpecifications(members.Put()), S_OK);
   const auto objects = com::ReadVariants(members.Get());
   ASSERT_EQ(objects.size(), 2u);
-  double upper = 0;
-  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_UpperBound(&upper), S_OK);
+  const auto second = com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal);
+  double upper = 0, ownDefault = 0;
+  EXPECT_EQ(second->get_UpperBound(&upper), S_OK);
+  EXPECT_EQ(second->get_DefaultValue(&ownDefault), S_OK);
   EXPECT_EQ(upper, 1);
+  EXPECT_EQ(ownDefault, 0.25);
   const auto member = com::Query<ICapeParameter>(objects[0].Get().pdispVal);
   CapeParamMode mode = CAPE_INPUT;
   com::Bstr message;
@@ -351,16 +334,11 @@ TEST(CParameter, DescribesTheElementsOfAnArray) {
   refused(member->get_Specification(specification.Put()), "get_Specification");
   refused(member->put_value(com::MakeString("invalid too").Get()), "put_value");
 
-  double ownDefault = 0;
-  EXPECT_EQ(com::Query<ICapeRealParameterSpec>(objects[1].Get().pdispVal)->get_DefaultValue(&ownDefault), S_OK);
-  EXPECT_EQ(ownDefault, 0.25);
   EXPECT_EQ(member.As<ICapeRealParameterSpec>()->Validate(kNaN, message.Put(), &valid), S_OK);
   EXPECT_EQ(valid, VARIANT_FALSE) << "an element is never unset";
 
-  com::Variant texts;
-  com::Variant verdicts;
-  std::vector<com::Variant> candidate = Mixed();
-  candidate.push_back(com::MakeDouble(0.5));
+  com::Variant texts, verdicts;
+  const std::array candidate = {com::MakeDouble(2), com::MakeInteger(1), com::MakeDouble(0.5)};
   EXPECT_EQ(spec->Validate(com::MakeVariants(candidate).Get(), texts.Put(), verdicts.Put()), S_OK);
   EXPECT_EQ(com::ReadStrings(texts.Get()),
             (std::vector<std::string>{
@@ -432,37 +410,33 @@ TEST(ReportFormat, PrintsOneLinePerParameter) {
     return ParameterDeclaration{
         .name = "x", .description = "", .defaultValue = value, .dimensionality = dimensionality};
   };
-  const struct {
-    const char* title;
-    ParameterDeclaration declaration;
-    const char* line;
-  } cases[] = {
-      {"pressure drop", real(5000, kPressureDropDimension), "x:\t5000 Pa"},
-      {"thermal conductance", real(1, {2, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t1 W/K"},
-      {"energy", real(1, {2, 1, -2, 0, 0, 0, 0, 0, 0}), "x:\t1 J"},
-      {"power per length", real(1, {1, 1, -3, 0, 0, 0, 0, 0, 0}), "x:\t1 W/m"},
-      {"molar energy", real(1, kMolarEnergyDimension), "x:\t1 J/mol"},
-      {"specific energy", real(1, kSpecificEnergyDimension), "x:\t1 J/kg"},
-      {"viscosity", real(1, {-1, 1, -1, 0, 0, 0, 0, 0, 0}), "x:\t1 Pa s"},
-      {"root of a length", real(1, {0.5, 0, 0, 0, 0, 0, 0, 0, 0}), "x:\t1 m^0.5"},
-      {"empty array", {.name = "a", .description = "", .defaultValue = std::vector<double>{}}, "a:\t []"},
-      {"power", real(-1.5e-7, kPowerDimension), "x:\t-1.5e-07 W"},
-      {"15 digits", real(1.0 / 3, kTemperatureDimension), "x:\t0.333333333333333 K"},
-      {"heat transfer coefficient", real(2, {0, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t2 W/m²/K"},
-      {"velocity", real(3, {1, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 m/s"},
-      {"acceleration of a mole", real(3, {1, 0, -2, 0, 0, -1, 0, 0, 0}), "x:\t3 m/s^2 mol"},
-      {"frequency", real(3, {0, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 1/s"},
-      {"mass difference", real(3, {0, 1, 0, 0, 0, 0, 0, 0, 1}), "x:\t3 kg delta"},
-      {"no dimension", real(0.75), "x:\t0.75"},
-      {"unset", real(kUnset, kPressureDimension), "x:\tN/A"},
-      {"NaN", real(kNaN), "x:\tN/A"},
-      {"integer", {.name = "n", .description = "", .defaultValue = std::int32_t{3}}, "n:\t3"},
-      {"boolean", {.name = "b", .description = "", .defaultValue = true}, "b:\ttrue"},
-      {"option", {.name = "o", .description = "", .defaultValue = "Heat duty"}, "o:\tHeat duty"},
-      {"array", {.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}}, "a:\t [ 0.3, 1e-07]"},
+  const std::pair<ParameterDeclaration, const char*> cases[] = {
+      {real(5000, kPressureDropDimension), "x:\t5000 Pa"},
+      {real(1, {2, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t1 W/K"},
+      {real(1, {2, 1, -2, 0, 0, 0, 0, 0, 0}), "x:\t1 J"},
+      {real(1, {1, 1, -3, 0, 0, 0, 0, 0, 0}), "x:\t1 W/m"},
+      {real(1, kMolarEnergyDimension), "x:\t1 J/mol"},
+      {real(1, kSpecificEnergyDimension), "x:\t1 J/kg"},
+      {real(1, {-1, 1, -1, 0, 0, 0, 0, 0, 0}), "x:\t1 Pa s"},
+      {real(1, {0.5, 0, 0, 0, 0, 0, 0, 0, 0}), "x:\t1 m^0.5"},
+      {{.name = "a", .description = "", .defaultValue = std::vector<double>{}}, "a:\t []"},
+      {real(-1.5e-7, kPowerDimension), "x:\t-1.5e-07 W"},
+      {real(1.0 / 3, kTemperatureDimension), "x:\t0.333333333333333 K"},
+      {real(2, {0, 1, -3, 0, -1, 0, 0, 0, 0}), "x:\t2 W/m²/K"},
+      {real(3, {1, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 m/s"},
+      {real(3, {1, 0, -2, 0, 0, -1, 0, 0, 0}), "x:\t3 m/s^2 mol"},
+      {real(3, {0, 0, -1, 0, 0, 0, 0, 0, 0}), "x:\t3 1/s"},
+      {real(3, {0, 1, 0, 0, 0, 0, 0, 0, 1}), "x:\t3 kg delta"},
+      {real(0.75), "x:\t0.75"},
+      {real(kUnset, kPressureDimension), "x:\tN/A"},
+      {real(kNaN), "x:\tN/A"},
+      {{.name = "n", .description = "", .defaultValue = std::int32_t{3}}, "n:\t3"},
+      {{.name = "b", .description = "", .defaultValue = true}, "b:\ttrue"},
+      {{.name = "o", .description = "", .defaultValue = "Heat duty"}, "o:\tHeat duty"},
+      {{.name = "a", .description = "", .defaultValue = std::vector<double>{0.3, 1e-7}}, "a:\t [ 0.3, 1e-07]"},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(FormatParameter(*com::Make<CParameter>(c.declaration, nullptr)), c.line) << c.title;
+  for (const auto& [declaration, line] : cases)
+    EXPECT_EQ(FormatParameter(*com::Make<CParameter>(declaration, nullptr)), line);
   EXPECT_EQ(FormatNumber(1.0 / 3), "0.333333333333");
   EXPECT_EQ(FormatColumn(1.0 / 3), "    0.333333");
 }

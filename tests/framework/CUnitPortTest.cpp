@@ -11,8 +11,6 @@
 
 namespace morvelan::test::unit_port {
 
-constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
-
 constexpr InformationItem kTemperatureItem[] = {{"Temperature", "a temperature", kTemperatureDimension}};
 constexpr InformationItem kPlainItem[] = {{"number", "a number"}};
 constexpr PortDeclaration kPorts[] = {
@@ -53,17 +51,13 @@ struct Bench {
 };
 
 TEST(CUnitPort, TakesTheThermoVersionOfItsMaterial) {
-  struct Offer {
-    bool thermo10;
-    bool thermo11;
-    const char* version;
-  };
-  for (const Offer& offer : {Offer{true, false, "1.0"}, Offer{false, true, "1.1"}, Offer{true, true, "1.1"}}) {
+  const std::tuple<bool, bool, const char*> offers[] = {
+      {true, false, "1.0"}, {false, true, "1.1"}, {true, true, "1.1"}};
+  for (const auto& [thermo10, thermo11, version] : offers) {
     Bench bench;
-    const auto material =
-        com::Make<FakeMaterial>(bench.script, FakeState{.thermo10 = offer.thermo10, .thermo11 = offer.thermo11});
+    const auto material = com::Make<FakeMaterial>(bench.script, FakeState{.thermo10 = thermo10, .thermo11 = thermo11});
     EXPECT_EQ(bench.Connect("Inlet", material), S_OK);
-    EXPECT_EQ(bench.door.ParameterText("Thermo Version"), offer.version);
+    EXPECT_EQ(bench.door.ParameterText("Thermo Version"), version);
     EXPECT_EQ(bench.Connect("Inlet", material), S_OK) << "connecting again drops the earlier connection";
     EXPECT_EQ(material->References(), 2u);
     EXPECT_EQ(bench.door.Port("Inlet")->Disconnect(), S_OK);
@@ -171,16 +165,11 @@ TEST(CUnitPort, DescribesTheValuesThatItCarries) {
                    "index out of range for parameter specification specification", "Item", "ICapeCollection"}));
 }
 
-struct StreamParameter {
-  const char* name;
-  std::vector<double> dimensionality;
-};
-
 struct MatchCase {
   const char* title;
   const char* port;
-  std::vector<StreamParameter> parameters;
-  LONG counted = -1;  // -1: all
+  std::vector<std::pair<const char*, std::vector<double>>> parameters;  // name and dimensionality
+  LONG counted = -1;                                                    // -1: all
 };
 
 const MatchCase kMatches[] = {

@@ -13,7 +13,6 @@
 
 namespace morvelan::test::persistence {
 
-constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
 constexpr double kMost = 1.7976931348623157e308;
 constexpr CLSID kClass = {0x12345678, 0x9abc, 0xdef0, {1, 2, 3, 4, 5, 6, 7, 8}};
 
@@ -25,6 +24,7 @@ const Texts kHeaderError = {"invalid header: unit operation may have been writte
 
 enum Position : std::size_t { kVersion, kDrop, kCount, kSubstance, kSerial, kFactors };
 
+const std::vector<double> kHalves = {0.5, 0.25};
 const ParameterDeclaration kParameters[] = {
     kThermoVersionParameter,
     {.name = "Druckabfall \u00d6",
@@ -41,11 +41,7 @@ const ParameterDeclaration kParameters[] = {
      .defaultValue = "Vapor",
      .restrictedToList = false},
     {.name = "Serial", .description = "s", .defaultValue = false},
-    {.name = "Factors",
-     .description = "f",
-     .defaultValue = std::vector<double>{0.5, 0.25},
-     .lowerBound = 0,
-     .upperBound = 1},
+    {.name = "Factors", .description = "f", .defaultValue = kHalves, .lowerBound = 0, .upperBound = 1},
 };
 constexpr const char* kReports[] = {"Last run", "Gr\u00f6\u00dfen"};
 const TestDeclaration kUnit = {
@@ -114,8 +110,7 @@ TEST(Persistence, SavesTheDocumentedLayout) {
     const TestDeclaration bare = {.name = "B", .description = "", .ports = {}, .parameters = {}};
     const auto unit = empty ? com::Make<TestUnit>(bare) : Filled();
     const std::string expected = empty ? StreamOf({}, Encoder().Int(0).bytes) : StreamOf(FilledRecords());
-    const std::string saved = SavedBytes(unit.Get());
-    EXPECT_TRUE(SameBytes(saved, expected));
+    EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), expected));
     ULARGE_INTEGER size{};
     EXPECT_EQ(unit->GetSizeMax(&size), S_OK);
     EXPECT_EQ(size.QuadPart, expected.size());
@@ -312,9 +307,8 @@ TEST(Persistence, RefusesParametersOfOtherKinds) {
       SCOPED_TRACE(testing::Message() << "record " << from << " at " << at);
       Records records = good;
       records[at] = good[from];
-      const bool sameKind =
-          at == from || (at == kVersion && from == kSubstance) || (at == kSubstance && from == kVersion);
-      if (sameKind) continue;
+      const auto isOption = [](std::size_t record) { return record == kVersion || record == kSubstance; };
+      if (at == from || (isOption(at) && isOption(from))) continue;
       EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(records)), kFailed);
       EXPECT_EQ(ErrorOf(Door(unit)), kTypeError);
       EXPECT_TRUE(SameBytes(SavedBytes(unit.Get()), before));
@@ -505,8 +499,7 @@ TEST(Persistence, StaysConnectedAndRefusesToLoadWhileCalculated) {
   };
   EXPECT_EQ(unit->Calculate(), S_OK) << ErrorOf(Door(unit));
   EXPECT_EQ(inner, kFailed);
-  Records records = FilledRecords();
-  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(records)), S_OK);
+  EXPECT_EQ(LoadBytes(unit.Get(), StreamOf(FilledRecords())), S_OK);
   EXPECT_TRUE(unit->Inlet(0).IsConnected());
   EXPECT_TRUE(unit->Outlet(0).IsConnected());
   EXPECT_EQ(HostDoor(unit).Status(), CAPE_NOT_VALIDATED);

@@ -111,31 +111,29 @@ TEST(TemperatureEnthalpyFlash, RefusesWhatNoPressureGives) {
 
 // At the boiling point of a pure compound the temperature does not determine the state; the enthalpy does.
 TEST(EnergyFlash, FindsTheVaporFractionOfPureCompoundsAndAzeotropes) {
-  struct {
-    std::vector<std::string> compounds;
-    std::vector<double> z;
-    double P;  // [Pa]
-  } const cases[] = {
-      {{"water"}, {1.0}, 101325.0},
-      {{"hydrogen"}, {1.0}, 101325.0},
-      {{"propane", "ethane", "water"}, {1.0, 0.0, 0.0}, 4.2e6},  // one present, 1 percent below its critical P
-      {{"benzene", "toluene"}, {1.0 - 1e-12, 1e-12}, 101325.0},  // boils over 1e-11 K
-      {{"carbon dioxide", "ethane"}, {0.6, 0.4}, 1.5e6},         // close to an azeotrope
+  const std::pair<Blend, double> cases[] = {
+      // P [Pa]
+      {{{"water"}, {1.0}}, 101325.0},
+      {{{"hydrogen"}, {1.0}}, 101325.0},
+      {{{"propane", "ethane", "water"}, {1.0, 0.0, 0.0}}, 4.2e6},  // one present, 1 percent below its critical P
+      {{{"benzene", "toluene"}, {1.0 - 1e-12, 1e-12}}, 101325.0},  // boils over 1e-11 K
+      {{{"carbon dioxide", "ethane"}, {0.6, 0.4}}, 1.5e6},         // close to an azeotrope
   };
-  for (const auto& c : cases) {
-    const Package package = MakePackage(c.compounds);
+  for (const auto& [blend, P] : cases) {
+    const auto& [compounds, z] = blend;
+    const Package package = MakePackage(compounds);
     for (const double V : {0.0, 1e-6, 0.25, 0.5, 0.999}) {
-      const Equilibrium boiling = package->FlashPVF(c.P, V, c.z);
-      SCOPED_TRACE(Inputs(c.compounds, boiling.T, c.P, c.z) + ", V = " + std::to_string(V));
+      const Equilibrium boiling = package->FlashPVF(P, V, z);
+      SCOPED_TRACE(Inputs(compounds, boiling.T, P, z) + ", V = " + std::to_string(V));
       const MolarProperties overall = package->Overall(boiling);
-      const Equilibrium byH = package->FlashPH(c.P, overall.enthalpy, c.z);
-      const Equilibrium byS = package->FlashPS(c.P, overall.entropy, c.z);
+      const Equilibrium byH = package->FlashPH(P, overall.enthalpy, z);
+      const Equilibrium byS = package->FlashPS(P, overall.entropy, z);
       EXPECT_NEAR(byH.T, boiling.T, kTemperatureTolerance);
       EXPECT_NEAR(byH.VaporFraction(), V, 1e-8);  // 1e-10 RT over an enthalpy of vaporization of a few RT
       EXPECT_NEAR(byS.VaporFraction(), V, 1e-8);
       if (V < 0.2 || V > 0.9) continue;  // where TH may prefer the compressed liquid
-      const Equilibrium byT = package->FlashTH(boiling.T, overall.enthalpy, c.z);
-      EXPECT_NEAR(byT.P / c.P, 1.0, kPressureTolerance);
+      const Equilibrium byT = package->FlashTH(boiling.T, overall.enthalpy, z);
+      EXPECT_NEAR(byT.P / P, 1.0, kPressureTolerance);
       EXPECT_NEAR(byT.VaporFraction(), V, 1e-6);
     }
   }
@@ -153,12 +151,6 @@ TEST(EnergyFlash, FindsEveryEnthalpyOfAMixtureWithTwoLiquids) {
     EXPECT_NEAR(package->Overall(state).enthalpy, H, 1e-5);
     ExpectEquilibrium(*package, state, z);
   }
-}
-
-TEST(EnergyFlash, SaysWhichRangeItSearched) {
-  const Package package = MakePackage({"methane"});
-  for (const char* words : {"6000 K", "1e+09 J/mol"})
-    ExpectError<std::runtime_error>([&] { (void)package->FlashPH(1e5, 1e9, std::vector{1.0}); }, words);
 }
 
 }  // namespace morvelan::host::test::energy_flash

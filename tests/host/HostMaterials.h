@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <fstream>
 #include <functional>
 #include <map>
 
 #include "com/Text.h"
 #include "host/material/MaterialObject.h"
 #include "tests/host/ThermoTestSupport.h"
+#include "tests/support/Approved.h"
 #include "tests/support/Door.h"
 
 namespace morvelan::test {
@@ -29,6 +31,9 @@ inline com::Bstr B(const std::string& text) { return com::ToBstr(text); }
 inline com::Variant Names(const Strings& names) { return com::MakeStrings(names); }
 inline com::Variant Numbers(const std::vector<double>& values) { return com::MakeDoubles(values); }
 
+/// A word of a call.
+using Word = const std::string&;
+
 /// A host material with the interfaces that a test calls, both generations on one object.
 struct Material {
   explicit Material(host::Package package = GasPackage(), host::ThermoOffer offer = host::ThermoOffer::kBoth)
@@ -41,16 +46,15 @@ struct Material {
         routine(object.As<ICapeThermoPropertyRoutine>()),
         equilibrium(object.As<ICapeThermoEquilibriumRoutine>()) {}
 
-  HRESULT Set(const std::string& name, const std::string& basis, const std::vector<double>& values) const {
+  HRESULT Set(Word name, Word basis, const std::vector<double>& values) const {
     return thermo11->SetOverallProp(B(name).Get(), B(basis).Get(), Numbers(values).Get());
   }
-  HRESULT Set10(const std::string& name, const std::string& phase, const std::string& basis,
-                const std::vector<double>& values) const {
+  HRESULT Set10(Word name, Word phase, Word basis, const std::vector<double>& values) const {
     return thermo10->SetProp(B(name).Get(), B(phase).Get(), com::kNoValue, nullptr, B(basis).Get(),
                              Numbers(values).Get());
   }
-  HRESULT Flash10(const std::string& type) const { return thermo10->CalcEquilibrium(B(type).Get(), com::kNoValue); }
-  HRESULT Flash11(const Strings& first, const Strings& second, const std::string& solution = {}) const {
+  HRESULT Flash10(Word type) const { return thermo10->CalcEquilibrium(B(type).Get(), com::kNoValue); }
+  HRESULT Flash11(const Strings& first, const Strings& second, Word solution = {}) const {
     return equilibrium->CalcEquilibrium(Names(first).Get(), Names(second).Get(), B(solution).Get());
   }
   /// Sets a state and brings it to equilibrium.
@@ -63,42 +67,40 @@ struct Material {
   }
 
   /// Stored values by either generation.
-  HRESULT Read10(const std::string& name, const std::string& phase, const std::string& calculation,
-                 const std::string& basis, com::Variant& values) const {
+  HRESULT Read10(Word name, Word phase, Word calculation, Word basis, VARIANT* values = com::Variant().Put()) const {
     return thermo10->GetProp(B(name).Get(), B(phase).Get(), com::kNoValue, B(calculation).Get(), B(basis).Get(),
-                             values.Put());
+                             values);
   }
-  HRESULT Read11(const std::string& name, const std::string& phase, const std::string& basis,
-                 com::Variant& values) const {
-    return thermo11->GetSinglePhaseProp(B(name).Get(), B(phase).Get(), B(basis).Get(), values.Put());
+  HRESULT Read11(Word name, Word phase, Word basis, VARIANT* values = com::Variant().Put()) const {
+    return thermo11->GetSinglePhaseProp(B(name).Get(), B(phase).Get(), B(basis).Get(), values);
   }
-  HRESULT ReadOverall11(const std::string& name, const std::string& basis, com::Variant& values) const {
-    return thermo11->GetOverallProp(B(name).Get(), B(basis).Get(), values.Put());
+  HRESULT ReadOverall11(Word name, Word basis, VARIANT* values = com::Variant().Put()) const {
+    return thermo11->GetOverallProp(B(name).Get(), B(basis).Get(), values);
   }
-  HRESULT Calculate10(const std::string& name, const std::string& phase, const std::string& type = "mixture") const {
+  HRESULT Calculate10(Word name, Word phase, Word type = "mixture") const {
     return thermo10->CalcProp(Names({name}).Get(), Names({phase}).Get(), B(type).Get());
   }
+  HRESULT Calculate11(Word name, Word phase) const {
+    return routine->CalcSinglePhaseProp(Names({name}).Get(), B(phase).Get());
+  }
 
+  using Values = std::vector<double>;
   /// Stored values, or calculated first; empty on failure.
-  [[nodiscard]] std::vector<double> Get10(const std::string& name, const std::string& phase,
-                                          const std::string& basis) const {
+  [[nodiscard]] Values Get10(Word name, Word phase, Word basis) const {
     com::Variant values;
-    return SUCCEEDED(Read10(name, phase, "", basis, values)) ? com::ReadDoubles(values.Get()) : std::vector<double>();
+    return SUCCEEDED(Read10(name, phase, "", basis, values.Put())) ? com::ReadDoubles(values.Get()) : Values();
   }
-  [[nodiscard]] std::vector<double> Get11(const std::string& name, const std::string& phase,
-                                          const std::string& basis) const {
+  [[nodiscard]] Values Get11(Word name, Word phase, Word basis) const {
     com::Variant values;
-    const HRESULT got = phase == "Overall" ? ReadOverall11(name, basis, values) : Read11(name, phase, basis, values);
-    return SUCCEEDED(got) ? com::ReadDoubles(values.Get()) : std::vector<double>();
+    const HRESULT got =
+        phase == "Overall" ? ReadOverall11(name, basis, values.Put()) : Read11(name, phase, basis, values.Put());
+    return SUCCEEDED(got) ? com::ReadDoubles(values.Get()) : Values();
   }
-  [[nodiscard]] std::vector<double> Calc10(const std::string& name, const std::string& phase,
-                                           const std::string& basis) const {
-    return SUCCEEDED(Calculate10(name, phase)) ? Get10(name, phase, basis) : std::vector<double>();
+  [[nodiscard]] Values Calc10(Word name, Word phase, Word basis) const {
+    return SUCCEEDED(Calculate10(name, phase)) ? Get10(name, phase, basis) : Values();
   }
-  [[nodiscard]] std::vector<double> Calc11(const std::string& name, const std::string& phase,
-                                           const std::string& basis) const {
-    const HRESULT done = routine->CalcSinglePhaseProp(Names({name}).Get(), B(phase).Get());
-    return SUCCEEDED(done) ? Get11(name, phase, basis) : std::vector<double>();
+  [[nodiscard]] Values Calc11(Word name, Word phase, Word basis) const {
+    return SUCCEEDED(Calculate11(name, phase)) ? Get11(name, phase, basis) : Values();
   }
   [[nodiscard]] Strings PresentPhases() const {
     com::Variant labels, statuses;
@@ -129,10 +131,8 @@ inline double MassOf(const host::PropertyPackage& package, const std::vector<dou
   return mass;
 }
 
-inline HRESULT Code(std::uint32_t code) { return static_cast<HRESULT>(code); }
-inline const HRESULT kInvalidArgument = Code(0x80040506), kOutOfBounds = Code(0x80040507), kNoImpl = Code(0x80040509),
-                     kLimitedImpl = Code(0x8004050A), kSolvingError = Code(0x80040510), kBadInvOrder = Code(0x80040511),
-                     kNotAvailable = Code(0x8004051A);
+inline const auto kInvalidArgument = static_cast<HRESULT>(0x80040506u);
+inline const auto kNotAvailable = static_cast<HRESULT>(0x8004051Au);
 
 /// The parts of a text between separators, which stand for empty parts too.
 inline Strings Split(const std::string& text, char separator) {
@@ -163,6 +163,28 @@ HRESULT Perform(const Operations<Object>& operations, const Object& object, cons
     outcome = operations.at(name)(object, words);
   }
   return outcome;
+}
+
+/// Carries out each script of an approved text on an object that make() gives. The last operation must fail. The text's
+/// lines are "script: code name (interface, operation): description".
+template <class Object, class Make>
+void ExpectRefusals(const std::string& approved, const Operations<Object>& operations, Make make) {
+  std::ifstream file(ApprovedFile(approved));
+  std::ostringstream text;
+  for (std::string line; std::getline(file, line);) {
+    const std::string script = line.substr(0, line.find(':'));
+    const Object object = make();
+    const HRESULT outcome = Perform(operations, object, script);
+    EXPECT_LT(outcome, 0) << script;
+    LONG code = 0;
+    ASSERT_EQ(com::Query<ECapeUser>(object.object.Get())->get_code(&code), S_OK);
+    EXPECT_EQ(code, outcome) << script;
+    const Texts error = ErrorOf(object.object.Get());
+    text << script << ": " << std::hex << static_cast<std::uint32_t>(outcome) << ' ' << error.name << " ("
+         << error.interfaceName << ", " << error.scope << "): " << error.description << '\n';
+  }
+  ASSERT_FALSE(text.str().empty()) << "no scripts";
+  ExpectApproved(approved, text.str());
 }
 
 }  // namespace morvelan::test

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -9,11 +8,6 @@
 #include "tests/host/HostMaterials.h"
 
 namespace morvelan::test {
-
-inline nlohmann::json ParseDataFile() {
-  std::ifstream file(std::filesystem::path(MORVELAN_DATA_DIR) / "compounds.json");
-  return nlohmann::json::parse(file);
-}
 
 /// Reads a flowsheet of nothing but compounds and reactions.
 inline host::Flowsheet ReadReactionFile(const std::string& model, const Strings& compounds,
@@ -60,12 +54,15 @@ struct Reactions {
                     const std::string& basis) const {
     return routine->CalcReactionProp(Names(names).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get());
   }
+  HRESULT GetProp(const std::string& name, const std::string& phase, const Strings& ids, const std::string& basis,
+                  VARIANT* values = com::Variant().Put()) const {
+    return properties->GetReactionProp(B(name).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get(), values);
+  }
   /// Empty on failure.
   [[nodiscard]] std::vector<double> Read(const std::string& name, const std::string& phase, const Strings& ids,
                                          const std::string& basis) const {
     com::Variant values;
-    const HRESULT read =
-        properties->GetReactionProp(B(name).Get(), B(phase).Get(), Names(ids).Get(), B(basis).Get(), values.Put());
+    const HRESULT read = GetProp(name, phase, ids, basis, values.Put());
     return SUCCEEDED(read) ? com::ReadDoubles(values.Get()) : std::vector<double>();
   }
   /// One property of one reaction, in its own phase; NaN with a failed expectation when there is none.

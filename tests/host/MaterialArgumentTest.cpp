@@ -8,10 +8,6 @@ namespace morvelan::test::material_argument {
 
 using host::ThermoOffer;
 
-bool OffersThermo10(const com::Ref<IUnknown>& object) {
-  return static_cast<bool>(object.As<ICapeThermoMaterialObject>());
-}
-
 /// The number of the interfaces of thermo 1.1 that an object has.
 int CountThermo11(const com::Ref<IUnknown>& object) {
   return !!object.As<ICapeThermoMaterial>() + !!object.As<ICapeThermoPropertyRoutine>() +
@@ -20,22 +16,18 @@ int CountThermo11(const com::Ref<IUnknown>& object) {
 }
 
 TEST(HostMaterial, OffersTheGenerationsItIsMadeFor) {
-  struct {
-    ThermoOffer offer;
-    bool thermo10, thermo11;
-  } const cases[] = {
-      {ThermoOffer::k10, true, false}, {ThermoOffer::k11, false, true}, {ThermoOffer::kBoth, true, true}};
-  for (const auto& c : cases) {
-    const Material material(GasPackage(), c.offer);
+  for (const ThermoOffer offer : {ThermoOffer::k10, ThermoOffer::k11, ThermoOffer::kBoth}) {
+    const bool thermo10 = offer != ThermoOffer::k11, thermo11 = offer != ThermoOffer::k10;
+    const Material material(GasPackage(), offer);
     EXPECT_TRUE(material.object.As<ECapeUser>() && material.object.As<IDispatch>());
     EXPECT_TRUE(material.object.As<ICapeIdentification>());
     com::Ref<IDispatch> made;  // offers the same as its maker
-    ASSERT_EQ(c.thermo10 ? material.thermo10->CreateMaterialObject(made.Put())
-                         : material.thermo11->CreateMaterial(made.Put()),
-              S_OK);
+    ASSERT_EQ(
+        thermo10 ? material.thermo10->CreateMaterialObject(made.Put()) : material.thermo11->CreateMaterial(made.Put()),
+        S_OK);
     for (const auto& object : {material.object, made.As<IUnknown>()}) {
-      EXPECT_EQ(OffersThermo10(object), c.thermo10);
-      EXPECT_EQ(CountThermo11(object), c.thermo11 ? 6 : 0);
+      EXPECT_EQ(!!object.As<ICapeThermoMaterialObject>(), thermo10);
+      EXPECT_EQ(CountThermo11(object), thermo11 ? 6 : 0);
     }
   }
 }
@@ -118,28 +110,24 @@ TEST(HostMaterial, GivesConstants) {
 }
 
 TEST(HostMaterial, DropsItsEquilibriumWhenTheStateChanges) {
-  struct {
-    const char* property;
-    const char* basis;
-    std::vector<double> values;
-  } const changes[] = {{"temperature", "", {251}}, {"pressure", "", {4.1e6}},
-                       {"totalFlow", "Mole", {3}}, {"fraction", "Mole", {0.7, 0.2, 0.07, 0.03}},
-                       {"enthalpy", "Mole", {0}},  {"flow", "Mole", {1, 1, 1, 1}}};
-  for (const auto& change : changes) {
+  const std::tuple<std::string, const char*, std::vector<double>> changes[] = {
+      {"temperature", "", {251}}, {"pressure", "", {4.1e6}},
+      {"totalFlow", "Mole", {3}}, {"fraction", "Mole", {0.7, 0.2, 0.07, 0.03}},
+      {"enthalpy", "Mole", {0}},  {"flow", "Mole", {1, 1, 1, 1}}};
+  for (const auto& [property, basis, given] : changes) {
+    SCOPED_TRACE(property);
     const Material material = AtEquilibrium();
     ASSERT_EQ(material.Calc10("enthalpy", "Overall", "Mole").size(), 1u);
     ASSERT_EQ(material.Calc11("volume", "Vapor", "Mole").size(), 1u);
     EXPECT_EQ(material.PresentPhases(), (Strings{"Vapor", "Liquid"}));
-    ASSERT_EQ(material.Set(change.property, change.basis, change.values), S_OK);
-    EXPECT_TRUE(material.PresentPhases().empty()) << change.property;
-    com::Variant labels, values;
+    ASSERT_EQ(material.Set(property, basis, given), S_OK);
+    EXPECT_TRUE(material.PresentPhases().empty());
+    com::Variant labels;
     ASSERT_EQ(material.thermo10->get_PhaseIds(labels.Put()), S_OK);
     EXPECT_EQ(com::ReadStrings(labels.Get()), Strings{"Overall"});
-    EXPECT_EQ(material.Read11("volume", "Vapor", "Mole", values), kNotAvailable) << change.property;
-    EXPECT_EQ(material.Read11("fraction", "Vapor", "Mole", values), kNotAvailable) << change.property;
-    const bool isSet = std::string(change.property) == "enthalpy";
-    EXPECT_EQ(material.Read10("enthalpy", "Overall", "mixture", "Mole", values), isSet ? S_OK : kNotAvailable)
-        << change.property;
+    EXPECT_EQ(material.Read11("volume", "Vapor", "Mole"), kNotAvailable);
+    EXPECT_EQ(material.Read11("fraction", "Vapor", "Mole"), kNotAvailable);
+    EXPECT_EQ(material.Read10("enthalpy", "Overall", "mixture", "Mole"), property == "enthalpy" ? S_OK : kNotAvailable);
   }
 }
 

@@ -11,51 +11,46 @@ namespace morvelan::host::test::phase_equilibrium {
 double MixingGibbs(const PropertyPackage& package, const Phase& phase, double T, double P) {
   const std::vector<double> lnPhi = package.LnPhi(phase.kind, T, P, phase.x);
   double sum = 0.0;
-  for (std::size_t i = 0; i < lnPhi.size(); ++i) {
+  for (std::size_t i = 0; i < lnPhi.size(); ++i)
     if (phase.x[i] > 0.0) sum += phase.x[i] * (std::log(phase.x[i]) + lnPhi[i]);
-  }
   return sum;
 }
 
 struct RandomState {
   std::vector<std::string> compounds;
   std::vector<double> z;
-  double T;  // [K]
-  double P;  // [Pa]
+  double T = 0.0, P = 0.0;  // [K], [Pa]
 };
 
-class RandomStates {
- public:
+/// Numbers from 0 to 1. The distributions of the standard library differ between platforms; these do not.
+struct UniformNumbers {
+  std::mt19937_64 generator;
+  double operator()() { return static_cast<double>(generator() >> 11U) * 0x1p-53; }
+};
+
+struct RandomStates {
   RandomStates() {
-    for (const Compound& compound : BuiltInData().Compounds()) {
+    for (const Compound& compound : BuiltInData().Compounds())
       if (compound.critical) names.push_back(compound.name);
-    }
   }
 
   RandomState Next() {
-    const auto count = static_cast<std::size_t>(2.0 + 19.0 * Uniform());
+    const auto count = static_cast<std::size_t>(2.0 + 19.0 * uniform());
     for (std::size_t i = 0; i < count; ++i) {
-      const auto other = i + static_cast<std::size_t>(Uniform() * static_cast<double>(names.size() - i));
+      const auto other = i + static_cast<std::size_t>(uniform() * static_cast<double>(names.size() - i));
       std::swap(names[i], names[other]);
     }
-    RandomState state{{names.begin(), names.begin() + static_cast<std::ptrdiff_t>(count)}, {}, 0.0, 0.0};
+    RandomState state{{names.begin(), names.begin() + static_cast<std::ptrdiff_t>(count)}, {}};
     double sum = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-      const double amount = -std::log(Uniform() + 1e-300) * (Uniform() < 0.1 ? 1e-9 : 1.0);
-      state.z.push_back(amount);
-      sum += amount;
-    }
+    for (std::size_t i = 0; i < count; ++i)
+      sum += state.z.emplace_back(-std::log(uniform() + 1e-300) * (uniform() < 0.1 ? 1e-9 : 1.0));
     for (double& fraction : state.z) fraction /= sum;
-    state.T = Uniform() < 0.5 ? 60.0 + 1440.0 * Uniform() : 150.0 + 400.0 * Uniform();
-    state.P = 1e2 * std::pow(3e5, Uniform());
+    state.T = uniform() < 0.5 ? 60.0 + 1440.0 * uniform() : 150.0 + 400.0 * uniform();
+    state.P = 1e2 * std::pow(3e5, uniform());
     return state;
   }
 
- private:
-  // The library's distributions differ between platforms; this does not.
-  double Uniform() { return static_cast<double>(generator() >> 11U) * 0x1p-53; }
-
-  std::mt19937_64 generator{20240607};
+  UniformNumbers uniform{std::mt19937_64(20240607)};
   std::vector<std::string> names;
 };
 
@@ -86,8 +81,7 @@ TEST(TpFlash, HoldsForRandomMixturesOfAllCompounds) {
 // phase. These compounds mix in all proportions, so that there is no second liquid.
 TEST(TpFlash, LeavesNoUnstableSinglePhase) {
   const Package package = MakePackage(kLightGas.compounds);
-  std::mt19937_64 generator(7);
-  const auto uniform = [&] { return static_cast<double>(generator() >> 11U) * 0x1p-53; };
+  UniformNumbers uniform{std::mt19937_64(7)};
   for (double T = 150.0; T < 420.0; T += 6.0 * OneIn(5)) {
     for (const double P : {1e5, 2e6, 5e6, 7e6, 9e6, 1.1e7}) {
       const Equilibrium state = package->FlashTP(T, P, kLightGas.z);
@@ -102,9 +96,8 @@ TEST(TpFlash, LeavesNoUnstableSinglePhase) {
         for (const PhaseKind kind : {PhaseKind::kVapor, PhaseKind::kLiquid}) {
           const std::vector<double> trial = package->LnPhi(kind, T, P, w);
           double distance = 0.0;
-          for (std::size_t k = 0; k < w.size(); ++k) {
+          for (std::size_t k = 0; k < w.size(); ++k)
             distance += w[k] * (std::log(w[k] / kLightGas.z[k]) + trial[k] - feed[k]);
-          }
           EXPECT_GT(distance, -1e-9);  // zero at the phase boundary, within rounding and the split's tolerance
         }
       }
@@ -212,8 +205,7 @@ TEST(TpFlash, DecidesPureCompoundsAtSaturation) {
 TEST(SinglePhase, IsLabelledByItsDensityAndAttraction) {
   struct {
     const char* compound;
-    double T;  // [K]
-    double P;  // [Pa]
+    double T, P;  // [K], [Pa]
     PhaseKind expected;
   } const cases[] = {
       {"nitrogen", 300.0, 3e7, PhaseKind::kVapor},         // far above Tc = 126 K, however dense

@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <numeric>
+#include <tuple>
 
 #include "tests/host/ThermoTestSupport.h"
 
@@ -45,8 +46,7 @@ TEST(PhaseProperties, AreConsistentWithEachOther) {
     SCOPED_TRACE(Inputs(c.blend.compounds, c.T, c.P, x));
     const auto at = [&](double T, double P) { return package->Properties(c.kind, T, P, x); };
     const MolarProperties here = at(c.T, c.P);
-    const double dT = 2e-4 * c.T;
-    const double dP = 1e-3 * c.P;
+    const double dT = 2e-4 * c.T, dP = 1e-3 * c.P;
     const auto alongT = [&](double MolarProperties::*of) {
       return Slope([&](double T) { return at(T, c.P).*of; }, c.T, dT);
     };
@@ -84,10 +84,10 @@ TEST(PhaseProperties, HaveTheDerivativesTheyClaim) {
       const auto lnPhi = [&](double T, double P, const std::vector<double>& at) {
         return package->LnPhi(c.kind, T, P, at)[i];
       };
-      const double numericalDT = Slope([&](double T) { return lnPhi(T, c.P, x); }, c.T, 2e-4 * c.T);
-      const double numericalDP = Slope([&](double P) { return lnPhi(c.T, P, x); }, c.P, 1e-3 * c.P);
-      ExpectClose(d.lnPhiDT[i], numericalDT, 1e-4 / c.T, "dlnPhi/dT");
-      ExpectClose(d.lnPhiDP[i], numericalDP, 1e-4 / c.P, "dlnPhi/dP");
+      const auto byT = Slope([&](double T) { return lnPhi(T, c.P, x); }, c.T, 2e-4 * c.T);
+      const auto byP = Slope([&](double P) { return lnPhi(c.T, P, x); }, c.P, 1e-3 * c.P);
+      ExpectClose(d.lnPhiDT[i], byT, 1e-4 / c.T, "dlnPhi/dT");
+      ExpectClose(d.lnPhiDP[i], byP, 1e-4 / c.P, "dlnPhi/dP");
       ExpectClose(d.lnPhiDP[i], (d.partialVolume[i] - RT / c.P) / RT, 1e-9 / c.P, "dlnPhi/dP = (v - RT/P)/RT");
       for (std::size_t j = 0; j < n; ++j) {
         const auto shifted = [&](double dn) {
@@ -113,8 +113,7 @@ TEST(PengRobinson, VolumesSatisfyTheEquation) {
   for (const PhaseCase& c : kPhaseCases) {
     const Package package = MakePackage(c.blend.compounds);
     SCOPED_TRACE(Inputs(c.blend.compounds, c.T, c.P, c.blend.z));
-    double a = 0.0;
-    double b = 0.0;
+    double a = 0.0, b = 0.0;
     std::vector<double> roots;
     for (std::size_t i = 0; i < c.blend.z.size(); ++i) {
       const CriticalPoint& critical = *package->CompoundAt(i).critical;
@@ -125,13 +124,10 @@ TEST(PengRobinson, VolumesSatisfyTheEquation) {
       roots.push_back(std::sqrt(0.45724 * RTc * RTc / critical.pressure * alpha));
       b += c.blend.z[i] * 0.07780 * RTc / critical.pressure;
     }
-    for (std::size_t i = 0; i < roots.size(); ++i) {
-      for (std::size_t j = 0; j < roots.size(); ++j) {
-        const auto index = [&](std::size_t k) { return *BuiltInData().Find(c.blend.compounds[k]); };
-        const double kij = BuiltInData().Kij(index(i), index(j));
-        a += c.blend.z[i] * c.blend.z[j] * roots[i] * roots[j] * (1.0 - kij);
-      }
-    }
+    const auto index = [&](std::size_t k) { return *BuiltInData().Find(c.blend.compounds[k]); };
+    for (std::size_t i = 0; i < roots.size(); ++i)
+      for (std::size_t j = 0; j < roots.size(); ++j)
+        a += c.blend.z[i] * c.blend.z[j] * roots[i] * roots[j] * (1.0 - BuiltInData().Kij(index(i), index(j)));
     const double v = package->Properties(c.kind, c.T, c.P, c.blend.z).volume;
     const double repulsion = kGasConstant * c.T / (v - b);
     const double P = repulsion - a / (v * v + 2.0 * b * v - b * b);
@@ -141,23 +137,19 @@ TEST(PengRobinson, VolumesSatisfyTheEquation) {
 
 // ln phi = integral from 0 to P of (Z-1)/P dP, by Simpson's rule over volumes only.
 TEST(PengRobinson, FugacityIsTheIntegralOfTheVolume) {
-  struct {
-    const char* compound;
-    double T;  // [K]
-    double P;  // [Pa]
-  } const cases[] = {{"carbon dioxide", 320.0, 2e7}, {"methane", 200.0, 5e6}, {"water", 700.0, 3e7}};
-  for (const auto& c : cases) {
-    const Package package = MakePackage({c.compound});
+  constexpr int kIntervals = 1000;
+  for (const auto& [compound, T, end] :
+       {std::tuple{"carbon dioxide", 320.0, 2e7}, {"methane", 200.0, 5e6}, {"water", 700.0, 3e7}}) {
+    const Package package = MakePackage({compound});
     const std::vector<double> x = {1.0};
-    SCOPED_TRACE(Inputs({c.compound}, c.T, c.P, x));
-    constexpr int kIntervals = 1000;
-    const auto integrand = [&](int k) {
-      const double P = c.P * k / kIntervals;
-      return (package->Properties(PhaseKind::kVapor, c.T, P, x).compressibility - 1.0) / P;
+    SCOPED_TRACE(Inputs({compound}, T, end, x));
+    const auto integrand = [&, T = T, end = end](int k) {
+      const double P = end * k / kIntervals;
+      return (package->Properties(PhaseKind::kVapor, T, P, x).compressibility - 1.0) / P;
     };
     double sum = 2.0 * integrand(1) - integrand(2) + integrand(kIntervals);  // the value at zero is extrapolated
     for (int k = 1; k < kIntervals; ++k) sum += integrand(k) * (k % 2 == 1 ? 4.0 : 2.0);
-    EXPECT_NEAR(package->LnPhi(PhaseKind::kVapor, c.T, c.P, x)[0], sum * c.P / (3.0 * kIntervals), 1e-7);
+    EXPECT_NEAR(package->LnPhi(PhaseKind::kVapor, T, end, x)[0], sum * end / (3.0 * kIntervals), 1e-7);
   }
 }
 
@@ -175,24 +167,18 @@ TEST(PengRobinson, BoilsEveryCompoundWhereItShould) {
 }
 
 // JANAF Thermochemical Tables, 4th ed. 1998: H(T) - H(298.15 K) and cp of the ideal gases. The NASA-7 fits
-// follow them within 0.1 percent.
+// follow them within 0.1 percent. At 1000 K, in J/mol and J/(mol K).
 TEST(IdealGas, AgreesWithPublishedTables) {
-  struct {
-    const char* compound;
-    double T;             // [K]
-    double enthalpy;      // [J/mol]
-    double heatCapacity;  // [J/(mol K)]
-  } const cases[] = {
-      {"nitrogen", 1000.0, 21463.0, 32.697},       {"oxygen", 1000.0, 22703.0, 34.870},
-      {"hydrogen", 1000.0, 20680.0, 30.205},       {"carbon monoxide", 1000.0, 21690.0, 33.183},
-      {"carbon dioxide", 1000.0, 33397.0, 54.308}, {"water", 1000.0, 26000.0, 41.268},
-      {"argon", 1000.0, 14589.0, 20.786},
+  const std::tuple<const char*, double, double> cases[] = {
+      {"nitrogen", 21463.0, 32.697},        {"oxygen", 22703.0, 34.870},         {"hydrogen", 20680.0, 30.205},
+      {"carbon monoxide", 21690.0, 33.183}, {"carbon dioxide", 33397.0, 54.308}, {"water", 26000.0, 41.268},
+      {"argon", 14589.0, 20.786},
   };
-  for (const auto& c : cases) {
-    const MolarProperties gas =
-        MakePackage({c.compound}, "ideal-gas")->Properties(PhaseKind::kVapor, c.T, 1e5, std::vector{1.0});
-    EXPECT_NEAR(gas.enthalpy, c.enthalpy, 1e-3 * c.enthalpy) << c.compound;
-    EXPECT_NEAR(gas.heatCapacityCp, c.heatCapacity, 2e-3 * c.heatCapacity) << c.compound;
+  for (const auto& [compound, enthalpy, heatCapacity] : cases) {
+    const Package package = MakePackage({compound}, "ideal-gas");
+    const MolarProperties gas = package->Properties(PhaseKind::kVapor, 1000.0, 1e5, std::vector{1.0});
+    EXPECT_NEAR(gas.enthalpy, enthalpy, 1e-3 * enthalpy) << compound;
+    EXPECT_NEAR(gas.heatCapacityCp, heatCapacity, 2e-3 * heatCapacity) << compound;
   }
 }
 
@@ -211,8 +197,7 @@ TEST(IdealGas, HasItsReferenceStateAndNoSteps) {
     for (const double T : joints) {
       if (T >= 6000.0) continue;
       const double width = 1e-7 * T;
-      const MolarProperties below = at(T - width);
-      const MolarProperties above = at(T + width);
+      const MolarProperties below = at(T - width), above = at(T + width);
       // The joint itself adds nothing: what is left is cp over the distance.
       EXPECT_NEAR(above.enthalpy - below.enthalpy, 2.0 * width * below.heatCapacityCp, 1e-6) << "at " << T;
       EXPECT_NEAR(above.heatCapacityCp, below.heatCapacityCp, 0.02 * below.heatCapacityCp) << "at " << T;

@@ -42,25 +42,17 @@ HRESULT Calculate(const Reactions& r, const std::string& property, const std::st
   return r.Calculate({property}, "Vapor", Split(ids, ','), "Mole");
 }
 
-// The words of each operation stand in its comment. Several ids have commas between them.
+// The words of an operation are the arguments of its call: property, ids with commas between them, phase, basis.
 const Operations<Reactions> kOperations = {
-    // property, ids, phase, basis
     {"calc",
      [](auto& r, auto& w) {
        return r.Calculate({w[0]}, w[2].empty() ? "Vapor" : w[2], Split(w[1], ','), w[3].empty() ? "Mole" : w[3]);
      }},
-    // property, id
-    {"read",
-     [](auto& r, auto& w) {
-       com::Variant values;
-       return r.properties->GetReactionProp(B(w[0]).Get(), B("Vapor").Get(), Names({w[1]}).Get(), B("Mole").Get(),
-                                            values.Put());
-     }},
+    {"read", [](auto& r, auto& w) { return r.GetProp(w[0], "Vapor", {w[1]}, "Mole"); }},
     {"set",
      [](auto& r, auto& w) {
        return r.properties->SetReactionProp(B(w[0]).Get(), nullptr, Names({w[1]}).Get(), nullptr, Numbers({1}).Get());
      }},
-    // id
     {"parameters",
      [](auto& r, auto& w) {
        com::Ref<IDispatch> parameters;
@@ -86,75 +78,19 @@ const Operations<Reactions> kOperations = {
      }},
 };
 
-constexpr const char* kRoutine = "ICapeReactionsRoutine";
-constexpr const char* kProperties = "ICapeReactionProperties";
-constexpr const char* kChemistry = "ICapeReactionChemistry";
-constexpr const char* kContext = "ICapeThermoMaterialContext";
-
-struct Refusal {
-  const char* script;
-  const char* interfaceName;
-  HRESULT code;
-  const char* words;
-};
-
-const Refusal kRefusals[] = {
-    {"setNoMaterial; calc K shift", kRoutine, kBadInvOrder, "no material is set"},
-    {"unsetMaterial; calc K shift", kRoutine, kBadInvOrder, "no material is set"},
-    {"calc K shift,drift", kRoutine, kInvalidArgument, "\"drift\" is unknown; the package has \"shift\", \"kinetic\""},
-    {"calc K", kRoutine, kInvalidArgument, "no reaction is named"},
-    {"calc speed shift", kRoutine, kInvalidArgument,
-     "\"speed\" is unknown; known are reactionRate, chemicalEquilibriumConstant, enthalpyOfReaction"},
-    {"calc reactionRate kinetic,shift", kRoutine, kInvalidArgument,
-     "\"shift\" is an equilibrium reaction and has no reactionRate"},
-    {"calc K kinetic", kRoutine, kInvalidArgument,
-     "\"kinetic\" is a kinetic reaction and has no chemicalEquilibriumConstant"},
-    {"calc reactionRate kinetic Liquid", kRoutine, kInvalidArgument,
-     "\"kinetic\" takes place in phase \"Vapor\", not in \"Liquid\""},
-    {"calc reactionRate kinetic,liquid", kRoutine, kInvalidArgument,
-     "\"liquid\" takes place in phase \"Liquid\", not in \"Vapor\""},
-    {"calc reactionRate kinetic Vapor Mass", kRoutine, kLimitedImpl, "reactionRate is given on basis \"Mole\" only"},
-    {"calc K shift Vapor Molarity", kRoutine, kInvalidArgument, "basis \"Molarity\" is unknown"},
-    {"calc reactionRate liquid Liquid", kRoutine, kNotAvailable,
-     "property fraction of phase \"Liquid\": property fraction of phase \"Liquid\" is not set"},
-    {"calc K huge", kRoutine, kSolvingError, "\"huge\" is beyond the range of numbers: its logarithm is 1666.667"},
-    {"calc K tiny", kRoutine, kSolvingError, "-1666.667"},
-    {"calc reactionRate inhibited", kRoutine, kSolvingError, "reactionRate of reaction \"inhibited\" is not finite"},
-    {"calc enthalpyOfReaction inhibited", kRoutine, kNotAvailable, "no formation properties are known of unformed"},
-    {"read K shift", kProperties, kNotAvailable,
-     "of reaction \"shift\" is not calculated: CalcReactionProp comes first"},
-    {"calc reactionRate kinetic; read reactionRate inhibited", kProperties, kNotAvailable,
-     "of reaction \"inhibited\" is not calculated"},
-    {"calc K shift; read K shift; setAnotherMaterial; read K shift", kProperties, kNotAvailable, "is not calculated"},
-    {"set K shift", kProperties, kNoImpl, "chemicalEquilibriumConstant is calculated and can't be set"},
-    {"parameters shift", kChemistry, kNoImpl, "\"shift\" has no parameters"},
-    {"rateBasis shift", kChemistry, kInvalidArgument, "\"shift\" is an equilibrium reaction and has no rate basis"},
-    {"type", kChemistry, kInvalidArgument, "reaction \"\" is unknown"},
-    {"setItself", kContext, kInvalidArgument, "neither ICapeThermoMaterial nor ICapeThermoMaterialObject"},
-};
-
-/// A script in which K stands for the name of the equilibrium constant.
-std::string WithFullName(const std::string& script) {
-  std::string text;
-  for (const std::string& word : Split(script, ' ')) text += (word == "K" ? "chemicalEquilibriumConstant" : word) + ' ';
-  return text;
+Reactions MakeReactionsAt600K() {
+  Reactions reactions = MakeReactions();
+  reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::kBoth, 600, 1e5, kFractions));
+  return reactions;
 }
 
 TEST(ReactionPackage, RefusesWithACodeAndWords) {
-  for (const Refusal& refusal : kRefusals) {
-    const Reactions reactions = MakeReactions();
-    reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::kBoth, 600, 1e5, kFractions));
-    EXPECT_EQ(Perform(kOperations, reactions, WithFullName(refusal.script)), refusal.code) << refusal.script;
-    const Texts error = ErrorOf(reactions.object.Get());
-    EXPECT_NE(error.description.find(refusal.words), std::string::npos) << refusal.script << ": " << error;
-    EXPECT_EQ(error.interfaceName, refusal.interfaceName) << refusal.script << ": " << error;
-  }
+  ExpectRefusals("host/reaction-refusals", kOperations, MakeReactionsAt600K);
 }
 
 // A failed calculation leaves nothing of an earlier one.
 TEST(ReactionPackage, ForgetsItsValuesWhenACalculationFails) {
-  const Reactions reactions = MakeReactions();
-  reactions.SetMaterial(reactions.MakeMaterial(ThermoOffer::kBoth, 600, 1e5, kFractions));
+  const Reactions reactions = MakeReactionsAt600K();
   ASSERT_EQ(Calculate(reactions, kK, "shift"), S_OK);
   ASSERT_EQ(reactions.Read(kK, "Vapor", {"shift"}, "Mole").size(), 1u);
   ASSERT_NE(Calculate(reactions, kK, "huge,shift"), S_OK);
@@ -163,23 +99,17 @@ TEST(ReactionPackage, ForgetsItsValuesWhenACalculationFails) {
 
 TEST(ReactionPackage, RefusesMaterialsThatDoNotTell) {
   const Reactions reactions = MakeReactions();
+  const Reactions other("ideal-gas", {"methane", "water"}, "");
+  const auto expect = [&](const auto& material, const char* property, const char* id, const char* words) {
+    reactions.SetMaterial(material);
+    EXPECT_LT(Calculate(reactions, property, id), 0) << words;
+    EXPECT_NE(reactions.Text().find(words), std::string::npos) << reactions.Text();
+  };
   for (const ThermoOffer offer : {ThermoOffer::k10, ThermoOffer::k11}) {
-    struct {
-      com::Ref<host::MaterialObject> material;
-      const char* property;
-      const char* id;
-      const char* words;
-    } const cases[] = {
-        {com::Make<host::MaterialObject>("empty", host::MaterialState(reactions.package), offer), kK, "shift",
-         "the material does not give property temperature of phase \"Overall\": "},
-        {Reactions("ideal-gas", {"methane", "water"}, "").MakeMaterial(offer, 400, 1e5, {0.5, 0.5}), "reactionRate",
-         "kinetic", "the material's compound \"methane\" is unknown"},
-    };
-    for (const auto& c : cases) {
-      reactions.SetMaterial(c.material);
-      EXPECT_LT(Calculate(reactions, c.property, c.id), 0) << c.words;
-      EXPECT_NE(reactions.Text().find(c.words), std::string::npos) << reactions.Text();
-    }
+    expect(com::Make<host::MaterialObject>("empty", host::MaterialState(reactions.package), offer), kK, "shift",
+           "the material does not give property temperature of phase \"Overall\": ");
+    expect(other.MakeMaterial(offer, 400, 1e5, {0.5, 0.5}), "reactionRate", "kinetic",
+           "the material's compound \"methane\" is unknown");
   }
 }
 

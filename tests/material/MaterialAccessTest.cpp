@@ -50,8 +50,6 @@ std::ptrdiff_t CallsOf(const Bench& bench, const std::string& label) {
 
 com::Name Kept(const char* text) { return com::KeepName(text); }
 
-// ---- Values
-
 struct OverallCase {
   const char* property;
   const char* phase;
@@ -136,8 +134,6 @@ TEST(MaterialAccess, ReadsCompoundsAndPhases) {
   }
 }
 
-// ---- Flashes
-
 struct FlashCase {
   const char* type;
   bool writesPressure;
@@ -195,8 +191,6 @@ TEST(MaterialAccess, FlashesAtEntropyAndAtNormalConditionsOnCopies) {
   }
 }
 
-// ---- What is asked
-
 void AskTotalEnthalpy(Bench& b) { (void)b.Port().GetProperty(names::kEnthalpy, names::kOverall, names::kMixture, {}); }
 void AskEnthalpy(Bench& b) { (void)b.Port().GetPropertyNoDup(names::kEnthalpy, names::kOverall, names::kMixture, {}); }
 void AskVaporVolume(Bench& b) {
@@ -231,8 +225,6 @@ std::string Outcome(Bench& bench, void (*ask)(Bench&)) {
            std::string(error.scope) + " of " + std::string(error.interfaceName) + ")";
   }
 }
-
-// ---- Refusals
 
 void Disconnected(Bench& b, void (*ask)(Bench&)) {
   b.Port().Disconnect();
@@ -346,8 +338,6 @@ TEST(MaterialAccess, TakesTheWholeOrAPhaseInAnyCase) {
                                       "SetSinglePhaseProp enthalpy/Liquid/Mole/[1]",
                                       "GetSinglePhaseProp phaseFraction/Liquid/Mole"}));
 }
-
-// ---- Faults
 
 struct Operation {
   const char* title;

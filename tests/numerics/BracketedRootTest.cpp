@@ -109,7 +109,6 @@ struct Recorder {
     message = kNoValue;
     return false;
   }
-
   BracketedRoot Solve(int allowed) { return SolveBracketed(*this, trial.low, trial.high, trial.tolerance, allowed); }
 
   const Trial& trial;
@@ -141,7 +140,7 @@ TEST(BracketedRoot, EvaluatesWhereTheStepsSay) {
     }
 }
 
-TEST(BracketedRoot, RefusesBoundsAndTolerancesThatAreNotFinite) {
+TEST(BracketedRoot, RefusesBoundsAndTolerancesThatAreNotFiniteAndLetsExceptionsThrough) {
   const auto residual = [](double, double&, std::string&) -> bool { throw std::runtime_error("called"); };
   for (const double value : {kNan, HUGE_VAL, -HUGE_VAL}) {
     SCOPED_TRACE(value);
@@ -155,6 +154,7 @@ TEST(BracketedRoot, RefusesBoundsAndTolerancesThatAreNotFinite) {
     expectRefusal(0.0, value, 1e-6, "Search bounds are not finite numbers");
     expectRefusal(0.0, 1.0, value, "Search tolerance is not a finite number");
   }
+  EXPECT_THROW((void)SolveBracketed(residual, 0.0, 1.0, 1e-6, 10), std::runtime_error);
 }
 
 TEST(BracketedRoot, RepeatsTheMessageOfTheFailedEvaluationOnly) {
@@ -210,11 +210,6 @@ TEST(BracketedRoot, EndsWhereTheBracketCannotBecomeNarrower) {
   EXPECT_FALSE(root.success);
   EXPECT_EQ(root.message, kExceeded);
   EXPECT_EQ(root.evaluations, 301);
-}
-
-TEST(BracketedRoot, LetsExceptionsThrough) {
-  const auto residual = [](double, double&, std::string&) -> bool { throw std::runtime_error("cancelled"); };
-  EXPECT_THROW((void)SolveBracketed(residual, 0.0, 1.0, 1e-6, 10), std::runtime_error);
 }
 
 }  // namespace morvelan::numerics::test::bracketed_root

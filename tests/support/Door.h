@@ -9,6 +9,9 @@
 
 namespace morvelan::test {
 
+/// What a call of a unit or of one of its parts returns that fails with an error of its own.
+inline constexpr HRESULT kFailed = static_cast<HRESULT>(0x80040501u);
+
 /// The four texts of an object's last failure.
 struct Texts {
   std::string name;
@@ -56,16 +59,10 @@ struct UnitDoor {
     return FAILED(utilities->get_parameters(collection.Put())) ? nullptr : collection.As<ICapeCollection>();
   }
   [[nodiscard]] com::Ref<ICapeUnitPort> Port(const std::string& name) const {
-    com::Ref<IDispatch> port;
-    const auto ports = Ports();
-    return !ports || FAILED(ports->Item(com::MakeString(name).Get(), port.Put())) ? nullptr : port.As<ICapeUnitPort>();
+    return ItemOf(Ports(), name).As<ICapeUnitPort>();
   }
   [[nodiscard]] com::Ref<ICapeParameter> Parameter(const std::string& name) const {
-    com::Ref<IDispatch> parameter;
-    const auto parameters = Parameters();
-    return !parameters || FAILED(parameters->Item(com::MakeString(name).Get(), parameter.Put()))
-               ? nullptr
-               : parameter.As<ICapeParameter>();
+    return ItemOf(Parameters(), name).As<ICapeParameter>();
   }
   [[nodiscard]] std::string ParameterText(const std::string& name) const {
     com::Variant value;
@@ -90,6 +87,14 @@ struct UnitDoor {
     if (FAILED(reports->put_selectedReport(com::ToBstr(name).Get()))) return "<failed>";
     com::Bstr text;
     return FAILED(reports->ProduceReport(text.Put())) ? "<failed>" : com::ToUtf8(text.Get());
+  }
+
+ private:
+  /// Null where there is no such item.
+  static com::Ref<IDispatch> ItemOf(const com::Ref<ICapeCollection>& collection, const std::string& name) {
+    com::Ref<IDispatch> item;
+    if (collection) (void)collection->Item(com::MakeString(name).Get(), item.Put());
+    return item;
   }
 };
 

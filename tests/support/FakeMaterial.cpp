@@ -17,16 +17,19 @@ std::string Lower(com::Name name) {
 /// The first text of an array of texts.
 std::string First(const VARIANT& texts) { return com::ReadStrings(texts).at(0); }
 
+void Put(com::Variant value, VARIANT* result) {
+  VariantClear(result);
+  *result = value.Detach();
+}
+
 }  // namespace
 
 FakeMaterial::FakeMaterial(std::shared_ptr<HostScript> hostScript, FakeState initial)
     : Implements(std::move(hostScript), "stream"), state(std::move(initial)) {}
 
 void* FakeMaterial::FindInterface(REFIID iid) {
-  if (iid == __uuidof(ICapeThermoMaterialObject) && !state.thermo10) return nullptr;
-  if (iid == __uuidof(ICapeThermoMaterial) && !state.thermo11) return nullptr;
-  if (Refuses<ICapeThermoMaterialObject>(iid, "QueryInterface ICapeThermoMaterialObject") ||
-      Refuses<ICapeThermoMaterial>(iid, "QueryInterface ICapeThermoMaterial") ||
+  if (Refuses<ICapeThermoMaterialObject>(iid, "QueryInterface ICapeThermoMaterialObject", state.thermo10) ||
+      Refuses<ICapeThermoMaterial>(iid, "QueryInterface ICapeThermoMaterial", state.thermo11) ||
       Refuses<ICapeThermoPropertyRoutine>(iid, "QueryInterface ICapeThermoPropertyRoutine") ||
       Refuses<ICapeThermoEquilibriumRoutine>(iid, "QueryInterface ICapeThermoEquilibriumRoutine") ||
       Refuses<ICapeThermoCompounds>(iid, "QueryInterface ICapeThermoCompounds") ||
@@ -131,10 +134,6 @@ HRESULT FakeMaterial::Constant(const char* what, const VARIANT& props, const VAR
   return script->Answer(com::MakeVariants(variants), values);
 }
 
-HRESULT FakeMaterial::Labels(const std::vector<std::string>& texts, VARIANT* labels) {
-  return script->Answer(com::MakeStrings(texts), labels);
-}
-
 std::vector<std::string> FakeMaterial::AllPhases() const {
   std::vector<std::string> labels;
   for (const FakePhase& phase : state.phases) labels.push_back(phase.label);
@@ -155,7 +154,7 @@ HRESULT FakeMaterial::get_PhaseIds(VARIANT* ids) {
   if (FAILED(hr)) return hr;
   std::vector<std::string> labels = AllPhases();
   labels.insert(labels.begin(), "Overall");
-  return Labels(labels, ids);
+  return script->Answer(com::MakeStrings(labels), ids);
 }
 
 HRESULT FakeMaterial::GetComponentConstant(VARIANT props, VARIANT ids, VARIANT* values) {
@@ -228,9 +227,8 @@ HRESULT FakeMaterial::GetPresentPhases(VARIANT* labels, VARIANT* statuses) {
   const HRESULT hr = script->Call("GetPresentPhases");
   if (FAILED(hr)) return hr;
   const std::vector<std::int32_t> atEquilibrium(PresentPhases().size(), CAPE_ATEQUILIBRIUM);
-  VariantClear(statuses);
-  *statuses = com::MakeIntegers(state.statuses.empty() ? atEquilibrium : state.statuses).Detach();
-  return Labels(PresentPhases(), labels);
+  Put(com::MakeIntegers(state.statuses.empty() ? atEquilibrium : state.statuses), statuses);
+  return script->Answer(com::MakeStrings(PresentPhases()), labels);
 }
 
 HRESULT FakeMaterial::GetSinglePhaseProp(BSTR property, BSTR phase, BSTR basis, VARIANT* values) {
@@ -285,15 +283,11 @@ HRESULT FakeMaterial::GetCompoundList(VARIANT* ids, VARIANT* formulae, VARIANT* 
                                       VARIANT* molecularWeights, VARIANT* casNumbers) {
   const HRESULT hr = script->Call("GetCompoundList");
   if (FAILED(hr)) return hr;
-  const auto give = [](com::Variant value, VARIANT* result) {
-    VariantClear(result);
-    *result = value.Detach();
-  };
-  give(com::MakeStrings(state.compounds), formulae);
-  give(com::MakeStrings(state.compounds), names);
-  give(com::MakeDoubles(state.molecularWeights), boilingTemperatures);
-  give(com::MakeDoubles(state.molecularWeights), molecularWeights);
-  give(com::MakeStrings(state.casNumbers), casNumbers);
+  Put(com::MakeStrings(state.compounds), formulae);
+  Put(com::MakeStrings(state.compounds), names);
+  Put(com::MakeDoubles(state.molecularWeights), boilingTemperatures);
+  Put(com::MakeDoubles(state.molecularWeights), molecularWeights);
+  Put(com::MakeStrings(state.casNumbers), casNumbers);
   return script->Answer(com::MakeStrings(state.compounds), ids);
 }
 
@@ -302,9 +296,8 @@ HRESULT FakeMaterial::GetPhaseList(VARIANT* labels, VARIANT* aggregation, VARIAN
   if (FAILED(hr)) return hr;
   std::vector<std::string> states;
   for (const FakePhase& phase : state.phases) states.push_back(phase.aggregation);
-  VariantClear(aggregation);
-  *aggregation = com::MakeStrings(states).Detach();
-  return Labels(AllPhases(), labels);
+  Put(com::MakeStrings(states), aggregation);
+  return script->Answer(com::MakeStrings(AllPhases()), labels);
 }
 
 }  // namespace morvelan::test

@@ -141,7 +141,6 @@ class FakeMaterial final
   HRESULT Read(com::Name property, com::Name phase, com::Name basis, VARIANT* values);
   HRESULT Write(com::Name property, com::Name phase, const VARIANT& values);
   HRESULT Constant(const char* what, const VARIANT& props, const VARIANT& ids, VARIANT* values);
-  HRESULT Labels(const std::vector<std::string>& texts, VARIANT* labels);
   [[nodiscard]] std::vector<std::string> AllPhases() const;
   [[nodiscard]] std::vector<std::string> PresentPhases() const;
   [[nodiscard]] double ValueIn(const FakePhase& phase, const std::string& property, bool byMass) const;

@@ -10,8 +10,7 @@
 
 namespace morvelan::test {
 
-/// Root of the fake host's objects: they share a script, are counted, and explain failures if the script says
-/// so.
+/// Root of the fake host's objects: they share a script, are counted, and explain failures if the script says so.
 class FakeObject : public com::Implements<com::ObjectCore, ICapeIdentification, ECapeRoot, ECapeUser> {
  public:
   FakeObject(std::shared_ptr<HostScript> hostScript, std::string objectName)
@@ -48,10 +47,10 @@ class FakeObject : public com::Implements<com::ObjectCore, ICapeIdentification, 
     return Implements::FindInterface(iid);
   }
 
-  /// Asking for `Interface` is a call of its own, which may fail.
+  /// Asking for an offered interface is a call of its own, which may fail.
   template <class Interface>
-  bool Refuses(REFIID iid, const char* label) {
-    return iid == __uuidof(Interface) && FAILED(script->Call(label));
+  bool Refuses(REFIID iid, const char* label, bool offers = true) {
+    return iid == __uuidof(Interface) && (!offers || FAILED(script->Call(label)));
   }
 
   static HRESULT Give(const std::string& text, BSTR* value) {

@@ -122,15 +122,11 @@ class FakeReactionPackage final : public com::Implements<FakeObject, ICapeReacti
 
  protected:
   void* FindInterface(REFIID iid) override {
-    if ((iid == __uuidof(ICapeReactionProperties) && !state.offersProperties) ||
-        (iid == __uuidof(ICapeReactionChemistry) && !state.offersChemistry) ||
-        (iid == __uuidof(ICapeReactionsRoutine) && !state.offersRoutine) ||
-        (iid == __uuidof(ICapeThermoMaterialContext) && !state.offersMaterialContext))
-      return nullptr;
-    if (Refuses<ICapeReactionProperties>(iid, "QueryInterface ICapeReactionProperties") ||
-        Refuses<ICapeReactionChemistry>(iid, "QueryInterface ICapeReactionChemistry") ||
-        Refuses<ICapeReactionsRoutine>(iid, "QueryInterface ICapeReactionsRoutine") ||
-        Refuses<ICapeThermoMaterialContext>(iid, "QueryInterface ICapeThermoMaterialContext"))
+    if (Refuses<ICapeReactionProperties>(iid, "QueryInterface ICapeReactionProperties", state.offersProperties) ||
+        Refuses<ICapeReactionChemistry>(iid, "QueryInterface ICapeReactionChemistry", state.offersChemistry) ||
+        Refuses<ICapeReactionsRoutine>(iid, "QueryInterface ICapeReactionsRoutine", state.offersRoutine) ||
+        Refuses<ICapeThermoMaterialContext>(iid, "QueryInterface ICapeThermoMaterialContext",
+                                            state.offersMaterialContext))
       return nullptr;
     constexpr GUID kThermoContext = {0x678c0b5f, 0x0100, 0x11d2, {0xa6, 0x7d, 0x00, 0x10, 0x5a, 0x42, 0x88, 0x7f}};
     if (iid == kThermoContext) return state.offersThermoContext ? static_cast<IDispatch*>(&older) : nullptr;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <limits>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/support/HostScript.h"
@@ -36,32 +36,24 @@ struct OddAnswer {
   com::Variant (*answer)();
 };
 
+inline com::Variant Numbers(auto... values) { return com::MakeDoubles(std::array{values...}); }
 inline com::Variant TextAndNumber() {
-  std::vector<com::Variant> elements;
-  elements.push_back(com::MakeString("Vapor"));
-  elements.push_back(com::MakeDouble(1));
-  return com::MakeVariants(elements);
+  return com::MakeVariants(std::array{com::MakeString("Vapor"), com::MakeDouble(1)});
 }
 
 inline constexpr OddAnswer kOddAnswers[] = {
     {"nothing", [] { return com::Variant(); }},
     {"texts",
      [] {
-       return com::MakeStrings(std::vector<std::string>{"one", "two"});
+       return com::MakeStrings(std::array<std::string, 2>({"one", "two"}));
      }},
     {"a number", [] { return com::MakeDouble(1e5); }},
     {"no numbers", [] { return com::MakeDoubles({}); }},
     {"no texts", [] { return com::MakeStrings(std::vector<std::string>{}); }},
-    {"three numbers",
-     [] {
-       return com::MakeDoubles(std::vector{1.0, 2.0, 3.0});
-     }},
-    {"NaN", [] { return com::MakeDoubles(std::vector{std::numeric_limits<double>::quiet_NaN()}); }},
-    {"minus infinity", [] { return com::MakeDoubles(std::vector{-std::numeric_limits<double>::infinity()}); }},
-    {"a missing value",
-     [] {
-       return com::MakeDoubles(std::vector{1.0, std::numeric_limits<double>::lowest()});
-     }},
+    {"three numbers", [] { return Numbers(1.0, 2.0, 3.0); }},
+    {"NaN", [] { return Numbers(std::numeric_limits<double>::quiet_NaN()); }},
+    {"minus infinity", [] { return Numbers(-std::numeric_limits<double>::infinity()); }},
+    {"a missing value", [] { return Numbers(1.0, std::numeric_limits<double>::lowest()); }},
     {"a text and a number", TextAndNumber},
     {"empty elements", [] { return com::MakeVariants(std::vector<com::Variant>(2)); }},
 };
@@ -75,17 +67,11 @@ inline void Provoke(HostScript& script, const FaultMode& mode, int failAt) {
   script.errorName = mode.errorName;
 }
 
-/// Puts the host's explanation for "<why>" in an expected text. A refused interface is always explained by
-/// the system.
-inline std::string Explain(std::string text, const std::string& call, const FaultMode& mode) {
-  const std::string why = call.starts_with("QueryInterface") ? "No such interface supported" : mode.why;
-  if (const auto at = text.find("<why>"); at != std::string::npos) text.replace(at, 5, why);
-  return InThisSystemsWords(std::move(text));
-}
-
-/// A text with "<why>" in place of the host's explanation of a failed call: it does not depend on the system.
+/// A text with "<why>" in place of the host's explanation of a failed call: it does not depend on the system, which
+/// always explains a refused interface itself.
 inline std::string WithoutReason(std::string text, const std::string& call, const FaultMode& mode) {
-  ReplaceAll(text, Explain("<why>", call, mode), "<why>");
+  const std::string why = call.starts_with("QueryInterface") ? "No such interface supported" : mode.why;
+  ReplaceAll(text, InThisSystemsWords(why), "<why>");
   return InCommonWords(text);
 }
 

@@ -42,19 +42,17 @@ class Unknowns {
       scales[k] = std::max(start.flows[limiting[static_cast<std::size_t>(k)]], kSmallestScale * feed);
     }
     toExtents = rows.inverse();
-    without = Remainder(problem.inletFlows, -problem.nu * toExtents * problem.inletFlows(limiting));
+    limitingFeed = problem.inletFlows(limiting);
+    without = Remainder(problem.inletFlows, -problem.nu * toExtents * limitingFeed);
   }
 
-  [[nodiscard]] ExtentTrial Trial(std::span<const double> x) const {
-    const VectorXd scaled = Eigen::Map<const VectorXd>(x.data(), scales.size()).cwiseProduct(scales);
-    const double temperature = equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
-    if (limiting.empty()) return TrialAt(equations, scaled, temperature);
-    // Flows are counted from the state without any limiting compound: a small flow is not the difference of large ones.
-    ExtentTrial trial{.extents = toExtents * (scaled - equations.inletFlows(limiting)),
-                      .flows = without + equations.nu * (toExtents * scaled),
-                      .temperature = temperature};
-    trial.flows(limiting) = scaled;
-    return trial;
+  /// The trial at some unknowns. The last one is kept, because most are checked first and then evaluated.
+  [[nodiscard]] const ExtentTrial& Trial(std::span<const double> x) {
+    if (!std::ranges::equal(x, lastUnknowns)) {
+      lastUnknowns.assign(x.begin(), x.end());
+      last = MakeTrial(x);
+    }
+    return last;
   }
 
   [[nodiscard]] std::vector<double> At(const ExtentTrial& trial) const {
@@ -73,14 +71,30 @@ class Unknowns {
   }
 
  private:
+  [[nodiscard]] ExtentTrial MakeTrial(std::span<const double> x) const {
+    const VectorXd scaled = Eigen::Map<const VectorXd>(x.data(), scales.size()).cwiseProduct(scales);
+    const double temperature = equations.temperatureIsUnknown ? x.back() * kTemperatureScale : equations.temperature;
+    if (limiting.empty()) return TrialAt(equations, scaled, temperature);
+    // Flows are counted from the state without any limiting compound: a small flow is not the difference of large ones.
+    const VectorXd difference = scaled - limitingFeed;
+    const VectorXd extents = toExtents * scaled;
+    ExtentTrial trial{.extents = toExtents * difference, .flows = without, .temperature = temperature};
+    trial.flows.noalias() += equations.nu * extents;
+    for (std::size_t k = 0; k < limiting.size(); ++k) trial.flows[limiting[k]] = scaled[Index(k)];
+    return trial;
+  }
+
   const ExtentEquations& equations;
   std::vector<Index> limiting;  // empty where the unknowns are extents
   VectorXd scales;              // [mol/s]
   MatrixXd toExtents;
-  VectorXd without;  // [mol/s], the flows without any of the limiting compounds
+  VectorXd limitingFeed;  // [mol/s]
+  VectorXd without;       // [mol/s], the flows without any of the limiting compounds
+  std::vector<double> lastUnknowns;
+  ExtentTrial last;
 };
 
-ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unknowns, const ExtentTrial& start,
+ExtentSolution SolveFrom(const ExtentEquations& equations, Unknowns unknowns, const ExtentTrial& start,
                          double tolerance, std::int32_t maxIterations) {
   const double largestDeficit = kLargestDeficit * equations.inletFlows.sum();
   const numerics::NonlinearSystem system{
@@ -88,7 +102,7 @@ ExtentSolution SolveFrom(const ExtentEquations& equations, const Unknowns& unkno
                       std::string& why) { return equations.model->Evaluate(unknowns.Trial(x), residuals, why); },
       .isValid =
           [&](std::span<const double> x) {
-            const ExtentTrial trial = unknowns.Trial(x);
+            const ExtentTrial& trial = unknowns.Trial(x);
             return trial.flows.minCoeff() >= -largestDeficit &&
                    (!equations.temperatureIsUnknown || trial.temperature > 0);
           },

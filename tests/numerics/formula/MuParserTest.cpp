@@ -72,30 +72,19 @@ class RandomExpression {
   std::mt19937 random;
 };
 
+double RoundedHalfUp(double x) { return std::floor(x + 0.5); }
+double Smaller(double x, double y) { return x < y ? x : y; }
+double Larger(double x, double y) { return x > y ? x : y; }
+
 struct Reference {
   Reference() {
-    static constexpr std::pair<const char*, double (*)(double)> kUnary[] = {
-        {"SIN", std::sin},
-        {"COS", std::cos},
-        {"TAN", std::tan},
-        {"ATAN", std::atan},
-        {"ASIN", std::asin},
-        {"ACOS", std::acos},
-        {"SINH", std::sinh},
-        {"COSH", std::cosh},
-        {"TANH", std::tanh},
-        {"SQRT", std::sqrt},
-        {"EXP", std::exp},
-        {"LOG", std::log},
-        {"LOG10", std::log10},
-        {"FLOOR", std::floor},
-        {"CEIL", std::ceil},
-        {"ABS", std::fabs},
-        {"ROUND", [](double x) { return std::floor(x + 0.5); }}};
-    static constexpr std::pair<const char*, double (*)(double, double)> kBinary[] = {
-        {"MOD", std::fmod}, {"MIN", [](double x, double y) { return x < y ? x : y; }}, {"MAX", [](double x, double y) {
-                                                                                          return x > y ? x : y;
-                                                                                        }}};
+    constexpr std::pair<const char*, double (*)(double)> kUnary[] = {
+        {"SIN", std::sin},   {"COS", std::cos},       {"TAN", std::tan},     {"ATAN", std::atan},   {"ASIN", std::asin},
+        {"ACOS", std::acos}, {"SINH", std::sinh},     {"COSH", std::cosh},   {"TANH", std::tanh},   {"SQRT", std::sqrt},
+        {"EXP", std::exp},   {"LOG", std::log},       {"LOG10", std::log10}, {"FLOOR", std::floor}, {"CEIL", std::ceil},
+        {"ABS", std::fabs},  {"ROUND", RoundedHalfUp}};
+    constexpr std::pair<const char*, double (*)(double, double)> kBinary[] = {
+        {"MOD", std::fmod}, {"MIN", Smaller}, {"MAX", Larger}};
     for (std::size_t i = 0; i < kNames.size(); ++i) parser.DefineVar(kNames[i], &values[i]);
     for (const auto& [name, function] : kUnary) parser.DefineFun(name, function);
     for (const auto& [name, function] : kBinary) parser.DefineFun(name, function);
