@@ -21,6 +21,7 @@ inline constexpr SystemPhrase kSystemPhrases[] = {
     {"No such interface supported", E_NOINTERFACE, "error code 0x80004002"},
     {"Invalid pointer", E_POINTER, "error code 0x80004003"},
     {"Catastrophic failure", E_UNEXPECTED, "error code 0x8000FFFF"},
+    {"The parameter is incorrect.", E_INVALIDARG, "error code 0x80070057"},
     {"Not implemented", E_NOTIMPL, "error code 0x80004001"},
 };
 
